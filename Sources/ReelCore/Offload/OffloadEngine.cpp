@@ -1,0 +1,196 @@
+#include "ReelCore/Offload/OffloadEngine.h"
+
+#include "ReelCore/Models/Version.h"
+#include "ReelCore/Offload/OffloadError.h"
+#include "ReelCore/Offload/ReelFolder.h"
+#include "ReelCore/Offload/SourceScanner.h"
+#include "ReelCore/Platform/AlignedBuffer.h"
+#include "ReelCore/Platform/DeviceReader.h"
+#include "ReelCore/Platform/Fatal.h"
+#include "ReelCore/Platform/File.h"
+#include "ReelCore/Platform/SystemError.h"
+#include "ReelCore/Reports/MHLWriter.h"
+
+#include <span>
+#include <utility>
+
+namespace ReelCore {
+
+namespace {
+
+using Phase = OffloadProgress::Phase;
+
+// All are looked at before the first is made, so that a refusal leaves no folder behind.
+std::vector<ReelFolder> makeReelFolders(const OffloadRequest& request) {
+    std::vector<ReelFolder> reels;
+    for (const URL& destination : request.destinations) {
+        reels.emplace_back(request.source, destination, request.reelName);
+        reels.back().requireOutsideSource();
+    }
+    for (ReelFolder& reel : reels) reel.create();
+    return reels;
+}
+
+void writeHashLists(const OffloadResult& result, const std::vector<ReelFolder>& reels) {
+    const MHLWriter writer{std::string(toolName), std::string(ReelCoreVersion)};
+    for (const ReelFolder& reel : reels) {
+        try {
+            writer.write(result, reel.path());
+        } catch (const SystemError&) {
+            // A hash list is a nicety: the proof itself is in the result.
+        }
+    }
+}
+
+File openSource(const URL& source) {
+    try {
+        return File::openForReading(source);
+    } catch (const SystemError&) {
+        throw OffloadError(OffloadError::ReadFailed{source.filename().native(), "could not open"});
+    }
+}
+
+File createTarget(const URL& target) {
+    try {
+        return File::create(target);
+    } catch (const SystemError&) {
+        throw OffloadError(OffloadError::WriteFailed{target, "could not create file"});
+    }
+}
+
+std::span<const std::byte> readBlock(File& source, const URL& url, std::span<std::byte> buffer) {
+    try {
+        return buffer.first(source.read(buffer));
+    } catch (const SystemError& error) {
+        throw OffloadError(OffloadError::ReadFailed{url.filename().native(), error.sentence()});
+    }
+}
+
+void writeBlock(File& target, const URL& url, std::span<const std::byte> block) {
+    try {
+        target.write(block);
+    } catch (const SystemError& error) {
+        throw OffloadError(OffloadError::WriteFailed{url, error.sentence()});
+    }
+}
+
+}  // namespace
+
+OffloadEngine::OffloadEngine(std::size_t bufferSize_, std::function<bool()> isCancelled_)
+    : bufferSize(bufferSize_), isCancelled(std::move(isCancelled_)) {
+    if (bufferSize < 1) fatal("an offload needs a buffer");
+}
+
+OffloadResult OffloadEngine::run(const OffloadRequest& request, const Progress& progress) {
+    if (request.destinations.empty()) throw OffloadError(OffloadError::NoDestinations{});
+    const Date startedAt = now();
+    progress({});
+    SourceScanner::ScanResult scan = SourceScanner::scan(request.source);
+    OffloadProgress standing{Phase::copying, {}, 0, scan.fileCount(), 0, scan.totalBytes()};
+    std::vector<ReelFolder> reels = makeReelFolders(request);
+    const auto report = [&](Phase phase) {
+        standing.phase = phase;
+        progress(standing);
+    };
+
+    OffloadResult result{request, scan.cameraFormat, {}, startedAt, {}};
+    result.files.reserve(scan.files.size());
+    for (MediaFile& file : scan.files) {
+        throwIfCancelled();
+        standing.currentFile = file.relativePath;
+        report(Phase::copying);
+        std::vector<URL> targets;
+        for (ReelFolder& reel : reels) {
+            targets.push_back(reel.targetFor(file.relativePath));
+            reel.prepareParent(targets.back());
+        }
+        const URL source = request.source / file.relativePath;
+        FileVerification verification{file, copy(source, targets, request.algorithm), {}};
+        applyMetadata(file, targets);
+        report(Phase::verifying);
+        for (std::size_t i = 0; i < targets.size(); ++i) {
+            throwIfCancelled();
+            verification.destinations.push_back(readBack(
+                request.destinations[i], targets[i], request.algorithm, verification.sourceHash));
+        }
+        standing.filesCompleted += 1;
+        standing.bytesCompleted = checkedAdd(standing.bytesCompleted, file.size);
+        result.files.push_back(std::move(verification));
+    }
+
+    standing.currentFile.reset();
+    report(Phase::writingReport);
+    result.finishedAt = now();
+    writeHashLists(result, reels);
+    report(Phase::done);
+    return result;
+}
+
+std::string OffloadEngine::copy(const URL& source, const std::vector<URL>& targets,
+                                HashAlgorithm algorithm) const {
+    File input = openSource(source);
+    std::vector<File> outputs;
+    for (const URL& target : targets) outputs.push_back(createTarget(target));
+    const auto hasher = makeHasher(algorithm);
+    const AlignedBuffer memory(bufferSize);
+    const std::span<std::byte> buffer = memory.bytes().first(bufferSize);
+    input.expectSequentialRead();
+    for (std::int64_t position = 0;;) {
+        throwIfCancelled();
+        const auto block = readBlock(input, source, buffer);
+        if (block.empty()) return hasher->finalizeHex();
+        hasher->update(block);
+        for (std::size_t i = 0; i < outputs.size(); ++i) writeBlock(outputs[i], targets[i], block);
+        // A long file goes to its drives while it is read on, and does not fill the cache.
+        const auto length = static_cast<std::int64_t>(block.size());
+        if (block.size() == buffer.size()) {
+            for (File& output : outputs) output.beginWriteback(position, length);
+            input.dropFromCache(position, length);
+        }
+        position += length;
+    }
+}
+
+std::string OffloadEngine::hashFile(const URL& file, HashAlgorithm algorithm) const {
+    const auto reader = [&] {
+        try {
+            return std::make_unique<DeviceReader>(file, bufferSize);
+        } catch (const SystemError&) {
+            throw OffloadError(
+                OffloadError::ReadFailed{file.filename().native(), "could not open"});
+        }
+    }();
+    const auto hasher = makeHasher(algorithm);
+    for (auto block = reader->next(); !block.empty(); block = reader->next()) {
+        hasher->update(block);
+    }
+    return hasher->finalizeHex();
+}
+
+DestinationResult OffloadEngine::readBack(const URL& destination, const URL& target,
+                                          HashAlgorithm algorithm,
+                                          const std::string& sourceHash) const {
+    try {
+        const std::string hash = hashFile(target, algorithm);
+        return {destination, target, hash, hash == sourceHash, std::nullopt};
+    } catch (const Error& error) {
+        return {destination, target, std::nullopt, false, error.description()};
+    }
+}
+
+void OffloadEngine::applyMetadata(const MediaFile& file, const std::vector<URL>& targets) {
+    if (!file.modificationDate) return;
+    for (const URL& target : targets) {
+        try {
+            FileSystem::setModificationDate(target, *file.modificationDate);
+        } catch (const SystemError&) {
+            // A date is a nicety: what is proved is the content.
+        }
+    }
+}
+
+void OffloadEngine::throwIfCancelled() const {
+    if (isCancelled()) throw OffloadError(OffloadError::Cancelled{});
+}
+
+}  // namespace ReelCore

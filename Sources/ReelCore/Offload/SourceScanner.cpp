@@ -1,0 +1,74 @@
+#include "ReelCore/Offload/SourceScanner.h"
+
+#include "ReelCore/Offload/OffloadError.h"
+#include "ReelCore/Platform/Fatal.h"
+#include "ReelCore/Platform/FileSystem.h"
+#include "ReelCore/Platform/FolderWalk.h"
+#include "ReelCore/Platform/SystemError.h"
+#include "ReelCore/Platform/Text.h"
+
+#include <algorithm>
+#include <string>
+#include <utility>
+
+namespace ReelCore {
+
+namespace {
+
+bool isIgnored(std::string_view name) {
+    return std::ranges::find(SourceScanner::ignoredNames, name) !=
+           SourceScanner::ignoredNames.end();
+}
+
+CameraFormat cameraFormatOf(const URL& root) {
+    try {
+        return detect(FileSystem::names(root));
+    } catch (const SystemError&) {
+        return CameraFormat::generic;
+    }
+}
+
+/// Below the root of all folders no path begins with "//", so there only names are kept.
+std::string pathBelow(const URL& root, std::string walkedPath) {
+    if (root != root.root_path()) return walkedPath;
+    return walkedPath.substr(walkedPath.rfind('/') + 1);
+}
+
+void sortByPath(std::vector<MediaFile>& files) {
+    std::vector<std::pair<std::string, MediaFile>> keyed;
+    keyed.reserve(files.size());
+    for (MediaFile& file : files) {
+        std::string key = Text::orderingKey(file.relativePath);
+        keyed.emplace_back(std::move(key), std::move(file));
+    }
+    std::ranges::stable_sort(
+        keyed, {}, [](const auto& one) -> const auto& { return one.first; });
+    std::ranges::transform(keyed, files.begin(), [](auto& one) { return std::move(one.second); });
+}
+
+}  // namespace
+
+std::int64_t SourceScanner::ScanResult::fileCount() const {
+    return static_cast<std::int64_t>(files.size());
+}
+
+std::int64_t SourceScanner::ScanResult::totalBytes() const {
+    std::int64_t total = 0;
+    for (const MediaFile& file : files) total = checkedAdd(total, file.size);
+    return total;
+}
+
+SourceScanner::ScanResult SourceScanner::scan(const URL& root) {
+    if (!FileSystem::isFolder(root)) throw OffloadError(OffloadError::SourceNotFound{root});
+    ScanResult result{root, {}, cameraFormatOf(root)};
+    const URL standardisedRoot = FileSystem::standardised(root);
+    const bool walked = walkFolder(root, isIgnored, [&](WalkedFile file) {
+        result.files.push_back({pathBelow(standardisedRoot, std::move(file.relativePath)),
+                                file.size, file.modificationDate});
+    });
+    if (!walked) throw OffloadError(OffloadError::SourceNotFound{root});
+    sortByPath(result.files);
+    return result;
+}
+
+}  // namespace ReelCore

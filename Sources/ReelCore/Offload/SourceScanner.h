@@ -1,0 +1,49 @@
+#pragma once
+
+#include "ReelCore/Models/CameraFormat.h"
+#include "ReelCore/Models/MediaFile.h"
+#include "ReelCore/Platform/URL.h"
+
+#include <array>
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+namespace ReelCore {
+
+/// Finds out what a camera card holds.
+struct SourceScanner {
+    /// Names that no scan lists and no scan looks below, compared exactly.
+    static constexpr std::array<std::string_view, 7> ignoredNames{".DS_Store",
+                                                                  ".Spotlight-V100",
+                                                                  ".Trashes",
+                                                                  ".fseventsd",
+                                                                  ".TemporaryItems",
+                                                                  "System Volume Information",
+                                                                  ".DocumentRevisions-V100"};
+
+    struct ScanResult {
+        /// The folder that was scanned, as it was given.
+        URL root;
+        /// Every file found, ascending by the code points of the canonically composed path.
+        std::vector<MediaFile> files;
+        CameraFormat cameraFormat = CameraFormat::generic;
+
+        bool operator==(const ScanResult&) const = default;
+
+        std::int64_t fileCount() const;
+
+        /// The sum of the sizes in bytes; its overflow is a fatal fault.
+        std::int64_t totalBytes() const;
+    };
+
+    /// Walks `root` once and lists every regular file below it but those in `ignoredNames`. Links,
+    /// pipes and devices are not listed; folders that can't be read are passed over in silence.
+    /// Reads names and attributes only, never a file's content, and writes nothing.
+    ///
+    /// Throws OffloadError::SourceNotFound if `root` is missing, no folder or can't be opened, and
+    /// SystemError if a file's attributes can't be read. Blocks for the whole walk; any thread.
+    static ScanResult scan(const URL& root);
+};
+
+}  // namespace ReelCore

@@ -1,0 +1,148 @@
+#include "ReelCore/Platform/ChildProcess.h"
+#include "ReelCore/Platform/SystemError.h"
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <mutex>
+#include <set>
+
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+extern char** environ;
+
+namespace ReelCore {
+
+namespace {
+
+/// The children that some thread waits for. A child leaves the list before it is reaped, so that
+/// its number can't belong to somebody else when endAll uses it.
+class RunningChildren {
+public:
+    static RunningChildren& shared() {
+        static RunningChildren children;
+        return children;
+    }
+
+    void add(pid_t child) {
+        const std::lock_guard guard(lock_);
+        children_.insert(child);
+    }
+
+    void remove(pid_t child) {
+        const std::lock_guard guard(lock_);
+        children_.erase(child);
+    }
+
+    void end() {
+        const std::lock_guard guard(lock_);
+        for (const pid_t child : children_) ::kill(child, SIGTERM);
+    }
+
+private:
+    std::mutex lock_;
+    std::set<pid_t> children_;
+};
+
+class Pipe {
+public:
+    Pipe() {
+        if (::pipe2(ends_.data(), O_CLOEXEC) != 0) throwSystemError();
+    }
+    ~Pipe() {
+        closeWriteEnd();
+        ::close(ends_[0]);
+    }
+    Pipe(const Pipe&) = delete;
+    Pipe& operator=(const Pipe&) = delete;
+
+    int writeEnd() const { return ends_[1]; }
+
+    void closeWriteEnd() {
+        if (ends_[1] >= 0) ::close(ends_[1]);
+        ends_[1] = -1;
+    }
+
+    std::string readAll() const {
+        std::string text;
+        std::array<char, 65536> block;
+        for (;;) {
+            const ssize_t count = ::read(ends_[0], block.data(), block.size());
+            if (count > 0) text.append(block.data(), static_cast<std::size_t>(count));
+            if (count == 0 || (count < 0 && errno != EINTR)) return text;
+        }
+    }
+
+private:
+    std::array<int, 2> ends_{-1, -1};
+};
+
+class SpawnActions {
+public:
+    SpawnActions() { ::posix_spawn_file_actions_init(&actions_); }
+    ~SpawnActions() { ::posix_spawn_file_actions_destroy(&actions_); }
+    SpawnActions(const SpawnActions&) = delete;
+    SpawnActions& operator=(const SpawnActions&) = delete;
+
+    posix_spawn_file_actions_t* get() { return &actions_; }
+
+private:
+    posix_spawn_file_actions_t actions_{};
+};
+
+std::vector<char*> argumentVector(const URL& program, const std::vector<std::string>& arguments) {
+    std::vector<char*> vector{const_cast<char*>(program.c_str())};
+    for (const std::string& argument : arguments) {
+        vector.push_back(const_cast<char*>(argument.c_str()));
+    }
+    vector.push_back(nullptr);
+    return vector;
+}
+
+pid_t start(const URL& program, const std::vector<std::string>& arguments, int output) {
+    SpawnActions actions;
+    ::posix_spawn_file_actions_addopen(actions.get(), STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+    ::posix_spawn_file_actions_adddup2(actions.get(), output, STDOUT_FILENO);
+    ::posix_spawn_file_actions_adddup2(actions.get(), output, STDERR_FILENO);
+    ::posix_spawn_file_actions_addclosefrom_np(actions.get(), STDERR_FILENO + 1);
+    pid_t child = 0;
+    const int failure = ::posix_spawn(&child, program.c_str(), actions.get(), nullptr,
+                                      argumentVector(program, arguments).data(), environ);
+    if (failure != 0) throw SystemError(failure, program);
+    return child;
+}
+
+int waitFor(pid_t child) {
+    siginfo_t ended{};
+    while (::waitid(P_PID, static_cast<id_t>(child), &ended, WEXITED | WNOWAIT) != 0 &&
+           errno == EINTR) {
+    }
+    RunningChildren::shared().remove(child);
+    int status = 0;
+    while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
+    }
+    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+}  // namespace
+
+ChildProcess::Outcome ChildProcess::run(const URL& program,
+                                        const std::vector<std::string>& arguments) {
+    Pipe pipe;
+    const pid_t child = start(program, arguments, pipe.writeEnd());
+    RunningChildren::shared().add(child);
+    pipe.closeWriteEnd();
+    Outcome outcome;
+    outcome.output = pipe.readAll();
+    outcome.status = waitFor(child);
+    return outcome;
+}
+
+void ChildProcess::endAll() {
+    RunningChildren::shared().end();
+}
+
+}  // namespace ReelCore

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "ReelCore/Platform/URL.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+namespace ReelCore {
+
+/// An open regular file: a descriptor that is closed on every way out, a failure to close being
+/// ignored. Movable; one thread at a time. Every operation throws SystemError where the operating
+/// system refuses, and all are interrupted-call safe.
+class File {
+public:
+    /// Opens an existing regular file to be read from its start. Nothing else is ever opened: a
+    /// link, a pipe or a device under that name is refused (ELOOP, EINVAL). The file's access
+    /// time is left alone where the system allows it.
+    static File openForReading(const URL& path);
+
+    /// Creates an empty file to be written, in place of a file or link of that name. Where that
+    /// one can't be removed, a regular file is emptied instead, but only if it has no second name,
+    /// under which its content would be lost as well. Links are never followed; a folder, pipe or
+    /// device stays and is refused.
+    static File create(const URL& path);
+
+    File(File&& other) noexcept;
+    File& operator=(File&& other) noexcept;
+    ~File();
+
+    int descriptor() const { return descriptor_; }
+
+    /// Reads on from the current position, up to the size of `into`; 0 is the end of the file.
+    std::size_t read(std::span<std::byte> into);
+
+    /// Writes all of `bytes` at the current position.
+    void write(std::span<const std::byte> bytes);
+
+    /// Makes the file's contents and size durable on its device.
+    void flush();
+
+    /// Hints, which never fail: read ahead further than usual; begin to write a written range to
+    /// the device; let go of cached pages of a range (0, 0 for all).
+    void expectSequentialRead();
+    void beginWriteback(std::int64_t offset, std::int64_t length);
+    void dropFromCache(std::int64_t offset, std::int64_t length);
+
+private:
+    explicit File(int descriptor) : descriptor_(descriptor) {}
+
+    int descriptor_;
+};
+
+}  // namespace ReelCore

@@ -1,0 +1,66 @@
+#include "ReelCore/Platform/FileSystem.h"
+
+#include "ReelCore/Platform/SystemError.h"
+
+#include <cerrno>
+#include <system_error>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace ReelCore {
+
+namespace fs = std::filesystem;
+
+bool FileSystem::isFolder(const URL& path) {
+    std::error_code ignored;
+    return fs::is_directory(path, ignored);
+}
+
+bool FileSystem::exists(const URL& path) {
+    std::error_code ignored;
+    return fs::exists(fs::symlink_status(path, ignored));
+}
+
+std::vector<std::string> FileSystem::names(const URL& folder) {
+    std::error_code failure;
+    std::vector<std::string> result;
+    fs::directory_iterator entry(folder, failure);
+    while (!failure && entry != fs::directory_iterator()) {
+        result.push_back(entry->path().filename().native());
+        entry.increment(failure);
+    }
+    if (failure) throw SystemError(failure.value(), folder);
+    return result;
+}
+
+void FileSystem::createFolders(const URL& folder) {
+    std::error_code failure;
+    fs::create_directories(folder, failure);
+    if (failure) throw SystemError(failure.value(), folder);
+    if (!isFolder(folder)) throw SystemError(ENOTDIR, folder);
+}
+
+std::optional<FileIdentity> FileSystem::identity(const URL& path) {
+    struct stat status {};
+    if (::stat(path.c_str(), &status) != 0) return std::nullopt;
+    return FileIdentity{status.st_dev, status.st_ino};
+}
+
+void FileSystem::setModificationDate(const URL& path, Date date) {
+    const auto seconds = std::chrono::floor<std::chrono::seconds>(date);
+    const timespec access{0, UTIME_OMIT};
+    const timespec modification{seconds.time_since_epoch().count(), (date - seconds).count()};
+    const timespec times[2] = {access, modification};
+    if (::utimensat(AT_FDCWD, path.c_str(), times, AT_SYMLINK_NOFOLLOW) != 0) {
+        throwSystemError(path);
+    }
+}
+
+URL FileSystem::standardised(const URL& path) {
+    const URL normal = fs::absolute(path).lexically_normal();
+    return normal.has_filename() || !normal.has_relative_path() ? normal : normal.parent_path();
+}
+
+}  // namespace ReelCore

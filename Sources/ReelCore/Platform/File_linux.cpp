@@ -1,0 +1,110 @@
+#include "ReelCore/Platform/File.h"
+#include "ReelCore/Platform/SystemError.h"
+
+#include <cerrno>
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace ReelCore {
+
+namespace {
+
+// O_NONBLOCK only matters until the check below: it keeps an open of a pipe from waiting for ever.
+constexpr int safeFlags = O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
+
+int openRetrying(const URL& path, int flags, mode_t mode = 0) {
+    int descriptor = -1;
+    do {
+        descriptor = ::open(path.c_str(), flags, mode);
+    } while (descriptor < 0 && errno == EINTR);
+    return descriptor;
+}
+
+/// O_NOATIME is only allowed to the owner of a file, so others ask again without it.
+int openWithoutAccessTime(const URL& path) {
+    const int descriptor = openRetrying(path, O_RDONLY | O_NOATIME | safeFlags);
+    if (descriptor >= 0 || errno != EPERM) return descriptor;
+    return openRetrying(path, O_RDONLY | safeFlags);
+}
+
+struct stat requireRegularFile(const File& file, const URL& path) {
+    struct stat status {};
+    if (::fstat(file.descriptor(), &status) != 0) throwSystemError(path);
+    if (!S_ISREG(status.st_mode)) throw SystemError(EINVAL, path);
+    return status;
+}
+
+}  // namespace
+
+File File::openForReading(const URL& path) {
+    const int descriptor = openWithoutAccessTime(path);
+    if (descriptor < 0) throwSystemError(path);
+    File file(descriptor);
+    requireRegularFile(file, path);
+    return file;
+}
+
+File File::create(const URL& path) {
+    ::unlink(path.c_str());
+    const int descriptor = openRetrying(path, O_WRONLY | O_CREAT | safeFlags, 0666);
+    if (descriptor < 0) throwSystemError(path);
+    File file(descriptor);
+    const struct stat status = requireRegularFile(file, path);
+    if (status.st_nlink > 1) throw SystemError(EEXIST, path);
+    if (status.st_size > 0 && ::ftruncate(descriptor, 0) != 0) throwSystemError(path);
+    return file;
+}
+
+File::File(File&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
+
+File& File::operator=(File&& other) noexcept {
+    std::swap(descriptor_, other.descriptor_);
+    return *this;
+}
+
+File::~File() {
+    if (descriptor_ >= 0) ::close(descriptor_);
+}
+
+std::size_t File::read(std::span<std::byte> into) {
+    ssize_t count = 0;
+    do {
+        count = ::read(descriptor_, into.data(), into.size());
+    } while (count < 0 && errno == EINTR);
+    if (count < 0) throwSystemError();
+    return static_cast<std::size_t>(count);
+}
+
+void File::write(std::span<const std::byte> bytes) {
+    while (!bytes.empty()) {
+        const ssize_t count = ::write(descriptor_, bytes.data(), bytes.size());
+        if (count < 0) {
+            if (errno == EINTR) continue;
+            throwSystemError();
+        }
+        bytes = bytes.subspan(static_cast<std::size_t>(count));
+    }
+}
+
+void File::flush() {
+    while (::fsync(descriptor_) != 0) {
+        if (errno != EINTR) throwSystemError();
+    }
+}
+
+void File::expectSequentialRead() {
+    ::posix_fadvise(descriptor_, 0, 0, POSIX_FADV_SEQUENTIAL);
+}
+
+void File::beginWriteback(std::int64_t offset, std::int64_t length) {
+    ::sync_file_range(descriptor_, offset, length, SYNC_FILE_RANGE_WRITE);
+}
+
+void File::dropFromCache(std::int64_t offset, std::int64_t length) {
+    ::posix_fadvise(descriptor_, offset, length, POSIX_FADV_DONTNEED);
+}
+
+}  // namespace ReelCore

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "ReelCore/Platform/Date.h"
+#include "ReelCore/Platform/URL.h"
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace ReelCore {
+
+/// A regular file that a walk has met.
+struct WalkedFile {
+    std::string relativePath;  ///< Below the walk's root, with "/" between the parts.
+    std::int64_t size;         ///< In bytes.
+    std::optional<Date> modificationDate;
+};
+
+/// Visits every regular file below `root`, hidden ones included, in the order in which the file
+/// system lists them. Links, pipes, sockets and devices are passed over and never opened; so is a
+/// folder that can't be read, and anything, with all below it, whose name `isIgnored` tells.
+/// Folders are only read: where the system allows it, not even their access times change.
+///
+/// False, with nothing visited, if `root` can't be opened. Throws SystemError if a file's
+/// attributes can't be read. Synchronous; memory grows with the number of folders, not of files.
+bool walkFolder(const URL& root, const std::function<bool(std::string_view name)>& isIgnored,
+                const std::function<void(WalkedFile)>& visit);
+
+}  // namespace ReelCore

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace ReelCore {
+
+/// Questions about text that need the Unicode tables. Texts are UTF-8; a "character" is a grapheme
+/// cluster (UAX #29). Bytes that are not UTF-8 count as U+FFFD each maximal run (Unicode 3.9).
+struct Text {
+    /// The same text with every malformed sequence replaced by U+FFFD.
+    static std::string wellFormed(std::string_view bytes);
+
+    /// The same text as XML 1.0 can hold it: malformed sequences and the characters that XML has no
+    /// way to write (the controls but tab, line feed and carriage return, U+FFFE, U+FFFF) become
+    /// U+FFFD. Markup characters are left to the caller.
+    static std::string wellFormedXML(std::string_view bytes);
+
+    static bool isWellFormed(std::string_view bytes);
+
+    static std::int64_t characterCount(std::string_view text);
+
+    /// The first `count` characters, or all if there are fewer.
+    static std::string prefix(std::string_view text, std::int64_t count);
+
+    /// A key whose byte order is the order of texts by code points of their canonically composed
+    /// form (NFC).
+    static std::string orderingKey(std::string_view text);
+
+    /// The text in upper case, by the rules of no particular language.
+    static std::string upperCased(std::string_view text);
+};
+
+}  // namespace ReelCore

@@ -1,0 +1,43 @@
+#include "ReelCore/Platform/UserAccount.h"
+
+#include <array>
+#include <functional>
+
+#include <pwd.h>
+#include <unistd.h>
+
+namespace ReelCore {
+
+namespace {
+
+/// What `read` finds in the account's entry of the account database, or the empty text.
+std::string fromAccount(const std::function<std::string(const passwd&)>& read) {
+    std::array<char, 16384> memory{};
+    passwd entry{};
+    passwd* found = nullptr;
+    ::getpwuid_r(::getuid(), &entry, memory.data(), memory.size(), &found);
+    return found ? read(*found) : std::string();
+}
+
+}  // namespace
+
+std::string UserAccount::loginName() {
+    const std::string name = fromAccount([](const passwd& entry) { return entry.pw_name; });
+    return name.empty() ? "unknown" : name;
+}
+
+std::string UserAccount::fullName() {
+    const std::string name = fromAccount([](const passwd& entry) {
+        const std::string comment = entry.pw_gecos ? entry.pw_gecos : "";
+        return comment.substr(0, comment.find(','));
+    });
+    return name.empty() ? loginName() : name;
+}
+
+std::string UserAccount::hostName() {
+    std::array<char, 256> name{};
+    if (::gethostname(name.data(), name.size() - 1) != 0 || name[0] == '\0') return "unknown";
+    return name.data();
+}
+
+}  // namespace ReelCore

@@ -1,0 +1,81 @@
+#include "ReelCore/Reports/MHLWriter.h"
+
+#include "ReelCore/Offload/OffloadTypes.h"
+#include "ReelCore/Platform/DateText.h"
+#include "ReelCore/Platform/File.h"
+#include "ReelCore/Platform/Text.h"
+#include "ReelCore/Platform/UserAccount.h"
+
+#include <algorithm>
+#include <span>
+#include <string_view>
+
+#include <fmt/format.h>
+
+namespace ReelCore {
+
+namespace {
+
+void replaceAll(std::string& text, std::string_view old, std::string_view fresh) {
+    for (auto at = text.find(old); at != text.npos; at = text.find(old, at + fresh.size())) {
+        text.replace(at, old.size(), fresh);
+    }
+}
+
+std::string escaped(std::string_view value) {
+    std::string text = Text::wellFormedXML(value);
+    replaceAll(text, "&", "&amp;");
+    replaceAll(text, "<", "&lt;");
+    replaceAll(text, ">", "&gt;");
+    return text;
+}
+
+void appendHash(std::string& list, const FileVerification& one, std::string_view tag,
+                const std::string& hashDate) {
+    const MediaFile& file = one.file;
+    list += "  <hash>\n";
+    list += fmt::format("    <file>{}</file>\n", escaped(file.relativePath));
+    list += fmt::format("    <size>{}</size>\n", file.size);
+    if (file.modificationDate) {
+        list += fmt::format("    <lastmodificationdate>{}</lastmodificationdate>\n",
+                            DateText::utc(*file.modificationDate));
+    }
+    list += fmt::format("    <{0}>{1}</{0}>\n", tag, one.sourceHash);
+    list += fmt::format("    <hashdate>{}</hashdate>\n", hashDate);
+    list += "  </hash>\n";
+}
+
+std::string document(const OffloadResult& result, const MHLWriter& writer) {
+    const std::string hashDate = DateText::utc(now());
+    std::string list;
+    list += "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
+    list += "<hashlist version=\"1.1\">\n";
+    list += "  <creatorinfo>\n";
+    list += fmt::format("    <name>{}</name>\n", escaped(UserAccount::fullName()));
+    list += fmt::format("    <username>{}</username>\n", escaped(UserAccount::loginName()));
+    list += fmt::format("    <hostname>{}</hostname>\n", escaped(UserAccount::hostName()));
+    list += fmt::format("    <tool>{} {}</tool>\n", escaped(writer.toolName),
+                        escaped(writer.toolVersion));
+    list += fmt::format("    <startdate>{}</startdate>\n", DateText::utc(result.startedAt));
+    list += fmt::format("    <finishdate>{}</finishdate>\n", DateText::utc(result.finishedAt));
+    list += "  </creatorinfo>\n";
+    for (const FileVerification& one : result.files) {
+        appendHash(list, one, mhlTag(result.request.algorithm), hashDate);
+    }
+    return list + "</hashlist>\n";
+}
+
+}  // namespace
+
+URL MHLWriter::write(const OffloadResult& result, const URL& folder) const {
+    std::string name = result.request.reelName;
+    std::ranges::replace(name, '/', '_');
+    const URL url = folder / (name + ".mhl");
+    const std::string list = document(result, *this);
+    File file = File::create(url);
+    file.write(std::as_bytes(std::span(list)));
+    file.flush();
+    return url;
+}
+
+}  // namespace ReelCore

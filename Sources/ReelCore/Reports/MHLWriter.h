@@ -1,0 +1,24 @@
+#pragma once
+
+#include "ReelCore/Platform/URL.h"
+
+#include <string>
+
+namespace ReelCore {
+
+struct OffloadResult;
+
+/// Writes a media hash list (MHL version 1.1), so that a drive carries its own proof: anyone can
+/// check the files later without this system. The list states what the source held, whether or
+/// not a copy was verified.
+struct MHLWriter {
+    std::string toolName;
+    std::string toolVersion;
+
+    /// Writes the list of `result` into `folder`, which is the reel folder of one destination, and
+    /// returns where it stands: the reel name with each "/" as "_", and ".mhl". A file of that
+    /// name is replaced; the list is durable on its device when this returns. Throws SystemError.
+    URL write(const OffloadResult& result, const URL& folder) const;
+};
+
+}  // namespace ReelCore

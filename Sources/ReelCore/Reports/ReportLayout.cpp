@@ -1,0 +1,94 @@
+#include "ReelCore/Reports/ReportLayout.h"
+
+#include "ReelCore/Platform/Text.h"
+#include "ReelCore/Reports/ReportFormat.h"
+
+#include <algorithm>
+#include <array>
+#include <numeric>
+
+namespace ReelCore {
+
+namespace {
+
+using Font = ReportLayout::Font;
+using Paragraph = ReportLayout::Paragraph;
+
+constexpr Font system(double size, bool bold = false) {
+    return {Font::Family::system, bold, size};
+}
+constexpr Font monospaced(double size) {
+    return {Font::Family::monospaced, false, size};
+}
+
+std::int64_t widthCap(std::size_t column) {
+    static constexpr std::array<std::int64_t, 6> caps{44, 12, 18, 12, 14, 10};
+    return column < caps.size() ? caps[column] : 20;
+}
+
+std::string fitted(const std::string& cell, std::int64_t width) {
+    std::string text = cell;
+    std::int64_t length = Text::characterCount(text);
+    if (length > width) {
+        text = Text::prefix(text, width - 1) + "…";
+        length = width;
+    }
+    return text + std::string(static_cast<std::size_t>(width - length), ' ');
+}
+
+std::string repeated(const char* text, std::int64_t count) {
+    std::string result;
+    for (; count > 0; --count) result += text;
+    return result;
+}
+
+void appendTable(std::vector<Paragraph>& paragraphs, const Report::Table& table) {
+    const auto widths = ReportLayout::columnWidths(table);
+    const std::int64_t sum = std::accumulate(widths.begin(), widths.end(), std::int64_t{0});
+    const auto ruleLength = std::min<std::int64_t>(sum + std::ssize(widths), 110);
+    paragraphs.push_back({"", system(6), 6});
+    paragraphs.push_back({ReportLayout::rowString(table.columns, widths), monospaced(9), 2});
+    paragraphs.push_back({repeated("─", ruleLength), monospaced(9), 2});
+    for (const auto& row : table.rows) {
+        paragraphs.push_back({ReportLayout::rowString(row, widths), monospaced(9), 1});
+    }
+}
+
+}  // namespace
+
+std::vector<std::int64_t> ReportLayout::columnWidths(const Report::Table& table) {
+    std::vector<std::int64_t> widths;
+    for (std::size_t column = 0; column < table.columns.size(); ++column) {
+        std::int64_t longest = Text::characterCount(table.columns[column]);
+        for (const auto& row : table.rows) {
+            if (column < row.size()) longest = std::max(longest, Text::characterCount(row[column]));
+        }
+        widths.push_back(std::min(longest, widthCap(column)));
+    }
+    return widths;
+}
+
+std::string ReportLayout::rowString(const std::vector<std::string>& cells,
+                                    const std::vector<std::int64_t>& widths) {
+    std::string line;
+    for (std::size_t i = 0; i < cells.size(); ++i) {
+        if (i > 0) line += "  ";
+        line += fitted(cells[i], i < widths.size() ? widths[i] : 12);
+    }
+    return line;
+}
+
+std::vector<Paragraph> ReportLayout::buildAttributed(const Report& report) {
+    std::vector<Paragraph> paragraphs;
+    paragraphs.push_back({report.title, system(22, true), 2});
+    if (report.subtitle) paragraphs.push_back({*report.subtitle, system(13), 2});
+    paragraphs.push_back({report.tool + "  ·  " + dateTime(report.generatedAt), system(9), 12});
+    for (const Report::Field& field : report.summary) {
+        paragraphs.push_back({field.label + ":  " + field.value, system(11), 2});
+    }
+    if (report.table) appendTable(paragraphs, *report.table);
+    for (Paragraph& paragraph : paragraphs) paragraph.text = Text::wellFormed(paragraph.text);
+    return paragraphs;
+}
+
+}  // namespace ReelCore

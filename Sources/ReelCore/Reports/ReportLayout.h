@@ -1,0 +1,44 @@
+#pragma once
+
+#include "ReelCore/Reports/Report.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace ReelCore {
+
+/// The text of a report as it is to stand on paper, before it is cut into pages.
+struct ReportLayout {
+    struct Font {
+        enum class Family { system, monospaced };
+
+        Family family = Family::system;
+        bool bold = false;
+        double size = 0;  ///< In points.
+
+        bool operator==(const Font&) const = default;
+    };
+
+    struct Paragraph {
+        std::string text;  ///< Well-formed UTF-8, without the line feed that ends the paragraph.
+        Font font;
+        double spacingAfter = 0;  ///< In points.
+
+        bool operator==(const Paragraph&) const = default;
+    };
+
+    /// The width of each column in characters: that of its longest cell or its header, but at most
+    /// the cap of the column's place.
+    static std::vector<std::int64_t> columnWidths(const Report::Table& table);
+
+    /// One line of a table: each cell cut or padded to its column's width (12 behind the last
+    /// known column), with two blanks between.
+    static std::string rowString(const std::vector<std::string>& cells,
+                                 const std::vector<std::int64_t>& widths);
+
+    /// The whole report, paragraph by paragraph.
+    static std::vector<Paragraph> buildAttributed(const Report& report);
+};
+
+}  // namespace ReelCore
