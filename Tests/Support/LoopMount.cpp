@@ -1,0 +1,111 @@
+#include "Support/LoopMount.h"
+
+#include "ReelCore/Platform/SystemError.h"
+#include "Support/Tool.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <filesystem>
+#include <stdexcept>
+
+#include <fcntl.h>
+#include <linux/fiemap.h>
+#include <linux/fs.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+namespace TestSupport {
+
+namespace {
+
+using ReelCore::URL;
+
+class Descriptor {
+public:
+    Descriptor(const URL& path, int flags) : number_(::open(path.c_str(), flags | O_CLOEXEC)) {
+        if (number_ < 0) ReelCore::throwSystemError(path);
+    }
+    ~Descriptor() { ::close(number_); }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+
+    int number() const { return number_; }
+
+private:
+    int number_;
+};
+
+/// Where a file's byte stands on the device, with everything written there before.
+std::int64_t deviceOffset(const URL& file, std::int64_t at) {
+    const Descriptor open(file, O_RDONLY);
+    if (::syncfs(open.number()) != 0) ReelCore::throwSystemError(file);
+    alignas(fiemap) std::array<std::byte, sizeof(fiemap) + sizeof(fiemap_extent)> memory{};
+    auto* map = reinterpret_cast<fiemap*>(memory.data());
+    map->fm_start = static_cast<std::uint64_t>(at);
+    map->fm_length = 1;
+    map->fm_flags = FIEMAP_FLAG_SYNC;
+    map->fm_extent_count = 1;
+    if (::ioctl(open.number(), FS_IOC_FIEMAP, map) != 0) ReelCore::throwSystemError(file);
+    if (map->fm_mapped_extents != 1) throw std::runtime_error("no extent: " + file.native());
+    const fiemap_extent& extent = map->fm_extents[0];
+    return static_cast<std::int64_t>(extent.fe_physical - extent.fe_logical) + at;
+}
+
+void unmount(const URL& mountPoint) {
+    if (runTool("umount", {mountPoint.native()}).status == 0) return;
+    runTool("umount", {"-l", mountPoint.native()});
+}
+
+}  // namespace
+
+LoopMount::LoopMount(const std::string& fileSystem, std::int64_t mebibytes)
+    : image_(folder_.path() / "image"), path_(folder_.path() / "drive") {
+    writeFile(image_, "");
+    std::filesystem::resize_file(image_, static_cast<std::uintmax_t>(mebibytes) << 20U);
+    std::filesystem::create_directory(path_);
+    outputOf("mkfs." + fileSystem, {"-q", image_.native()});
+    outputOf("mount", {"-o", "loop", image_.native(), path_.native()});
+}
+
+LoopMount::~LoopMount() {
+    unmount(path_);
+}
+
+void LoopMount::makeReadOnly() {
+    outputOf("mount", {"-o", "remount,ro", path_.native()});
+}
+
+void LoopMount::vanish() {
+    outputOf("umount", {"-l", path_.native()});
+}
+
+void LoopMount::mountAgainAt(const URL& mountPoint) {
+    std::string device = outputOf("findmnt", {"-n", "-o", "SOURCE", path_.native()});
+    device.erase(device.find('\n'));
+    outputOf("mount", {device, mountPoint.native()});
+}
+
+void LoopMount::flipBitBelow(const URL& file, std::int64_t at) {
+    const std::int64_t offset = deviceOffset(file, at);
+    const Descriptor device(image_, O_RDWR);
+    std::byte byte{};
+    if (::pread(device.number(), &byte, 1, offset) != 1) ReelCore::throwSystemError(image_);
+    byte ^= std::byte{1};
+    if (::pwrite(device.number(), &byte, 1, offset) != 1) ReelCore::throwSystemError(image_);
+}
+
+bool LoopMount::isAvailable() {
+    return ::geteuid() == 0 && ::access("/dev/loop-control", R_OK | W_OK) == 0;
+}
+
+BindMount::BindMount(const URL& folder, const URL& mountPoint) : mountPoint_(mountPoint) {
+    std::filesystem::create_directories(mountPoint);
+    outputOf("mount", {"--bind", folder.native(), mountPoint.native()});
+}
+
+BindMount::~BindMount() {
+    unmount(mountPoint_);
+}
+
+}  // namespace TestSupport
