@@ -1,0 +1,36 @@
+import QtQuick
+import QtQuick.Controls.Basic
+
+// A button that is only a symbol; `label` says what it does.
+AbstractButton {
+    id: button
+
+    required property string symbol
+    required property string label
+    property color color: Theme.primary
+
+    implicitWidth: Theme.buttonHeight
+    implicitHeight: Theme.buttonHeight
+    Accessible.role: Accessible.Button
+    Accessible.name: label
+    ToolTip.visible: hovered
+    ToolTip.delay: 600
+    ToolTip.text: label
+
+    contentItem: Item {
+        Symbol {
+            anchors.centerIn: parent
+            name: button.symbol
+            color: button.color
+            size: Theme.iconSize + 2
+            opacity: button.down ? 0.6 : 1
+        }
+    }
+    background: Rectangle {
+        radius: width / 2
+        color: "transparent"
+        FocusRing {
+            visible: button.visualFocus
+        }
+    }
+}

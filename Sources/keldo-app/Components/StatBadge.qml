@@ -1,0 +1,8 @@
+import QtQuick
+
+// A small fact.
+SymbolLabel {
+    color: Theme.secondary
+    font: Theme.body
+    spacing: Theme.small - 2
+}

@@ -1,0 +1,18 @@
+import QtQuick
+import QtQuick.Window
+
+// One symbol by its name, tinted.
+Image {
+    id: symbol
+
+    required property string name
+    property color color: Theme.primary
+    property int size: Theme.iconSize
+
+    // The colour without a "#", which would end the location.
+    source: name === "" ? "" : "image://symbol/" + name + "/" + String(color).slice(-6)
+    sourceSize: Qt.size(size * Screen.devicePixelRatio, size * Screen.devicePixelRatio)
+    width: size
+    height: size
+    Accessible.ignored: true
+}

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "ReelCore/Offload/OffloadTypes.h"
+
+#include <string>
+#include <variant>
+
+namespace keldo_app {
+
+/// What an offload tells the screen while it runs and when it ends.
+struct OffloadEvent {
+    struct Progress {
+        ReelCore::OffloadProgress progress;
+    };
+    struct Finished {
+        ReelCore::OffloadResult result;
+    };
+    struct Failed {
+        std::string description;
+    };
+
+    std::variant<Progress, Finished, Failed> value;
+};
+
+}  // namespace keldo_app

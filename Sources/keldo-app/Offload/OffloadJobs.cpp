@@ -1,0 +1,126 @@
+#include "keldo-app/Offload/OffloadJobs.h"
+
+#include "ReelCore/Offload/OffloadEngine.h"
+#include "ReelCore/Platform/Error.h"
+#include "ReelCore/Reports/Report.h"
+#include "ReelCore/Reports/ReportRenderer.h"
+#include "keldo-app/Support/Format.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace keldo_app {
+
+using ReelCore::CardFormatter;
+using ReelCore::OffloadResult;
+using ReelCore::URL;
+
+namespace {
+
+constexpr std::size_t bufferSize = 4'194'304;  // 4 MiB
+
+/// For work that has one answer: runs `work` and hands its value to `done`.
+template <class Value>
+Job<Value> runOnce(std::function<Value()> work, std::function<void(Value)> done) {
+    return Job<Value>([work = std::move(work)](const auto& send) { send(work()); },
+                      [done = std::move(done)](std::vector<Value> values) {
+                          for (Value& value : values) done(std::move(value));
+                      });
+}
+
+bool isProgress(const OffloadEvent& event) {
+    return std::holds_alternative<OffloadEvent::Progress>(event.value);
+}
+
+/// A picture of each of a hundred thousand small files would keep the window from answering.
+std::vector<OffloadEvent> withoutStaleProgress(std::vector<OffloadEvent> events) {
+    std::vector<OffloadEvent> kept;
+    for (OffloadEvent& event : events) {
+        if (!kept.empty() && isProgress(kept.back()) && isProgress(event)) kept.pop_back();
+        kept.push_back(std::move(event));
+    }
+    return kept;
+}
+
+/// Whether the card still holds exactly the files that were proved. Another card may have been
+/// put in its place, or a camera may have gone on recording.
+bool isAsProved(const OffloadResult& result) {
+    const auto scan = ReelCore::SourceScanner::scan(result.request.source);
+    return std::ranges::equal(scan.files, result.files, {}, {}, &ReelCore::FileVerification::file);
+}
+
+QString erase(const CardFormatter::FormatPlan& plan, const CardFormatter::FormatGate& gate,
+              const OffloadResult& result) {
+    try {
+        if (!isAsProved(result)) {
+            return "✗ The files on the card are not the ones that were verified. Nothing was "
+                   "erased.";
+        }
+        const std::string output = CardFormatter::execute(plan, gate, true, false);
+        return QStringLiteral("✓ Card formatted as “%1”.\n%2")
+            .arg(Format::text(plan.newName), Format::text(output));
+    } catch (const ReelCore::Error& error) {
+        return "✗ " + Format::text(error.description());
+    }
+}
+
+}  // namespace
+
+Job<OffloadJobs::ScanResult> OffloadJobs::scan(const URL& source,
+                                               std::function<void(ScanResult)> done) {
+    return runOnce<ScanResult>(
+        [source]() -> ScanResult {
+            try {
+                return ReelCore::SourceScanner::scan(source);
+            } catch (const ReelCore::Error&) {
+                return std::nullopt;
+            }
+        },
+        std::move(done));
+}
+
+Job<OffloadEvent> OffloadJobs::offload(const ReelCore::OffloadRequest& request,
+                                       std::shared_ptr<CancellationFlag> cancelFlag,
+                                       std::function<void(OffloadEvent)> consume) {
+    const auto work = [request, cancelFlag = std::move(cancelFlag)](const auto& send) {
+        try {
+            ReelCore::OffloadEngine engine(bufferSize,
+                                           [cancelFlag] { return cancelFlag->isSet(); });
+            auto result = engine.run(request, [&](const ReelCore::OffloadProgress& progress) {
+                send({OffloadEvent::Progress{progress}});
+            });
+            send({OffloadEvent::Finished{std::move(result)}});
+        } catch (const std::exception& error) {
+            send({OffloadEvent::Failed{error.what()}});
+        }
+    };
+    return Job<OffloadEvent>(
+        work, [consume = std::move(consume)](std::vector<OffloadEvent> events) {
+            for (OffloadEvent& event : withoutStaleProgress(std::move(events))) {
+                consume(std::move(event));
+            }
+        });
+}
+
+Job<OffloadJobs::URLs> OffloadJobs::report(const OffloadResult& result, const URL& folder,
+                                           std::function<void(const URLs&)> done) {
+    return runOnce<URLs>(
+        [result, folder]() -> URLs {
+            try {
+                const auto report = ReelCore::Report::offload(result, std::nullopt, std::nullopt);
+                return ReelCore::ReportRenderer::write(report, folder, {"pdf", "csv"});
+            } catch (const ReelCore::Error&) {
+                return {};
+            }
+        },
+        std::move(done));
+}
+
+Job<QString> OffloadJobs::format(const CardFormatter::FormatPlan& plan,
+                                 const CardFormatter::FormatGate& gate, const OffloadResult& result,
+                                 std::function<void(const QString&)> done) {
+    return runOnce<QString>([plan, gate, result] { return erase(plan, gate, result); },
+                            std::move(done));
+}
+
+}  // namespace keldo_app

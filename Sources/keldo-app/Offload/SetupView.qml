@@ -1,0 +1,146 @@
+pragma ComponentBehavior: Bound
+import QtQuick
+import Keldo.Components
+import Keldo.Offload
+
+Column {
+    id: view
+
+    required property OffloadViewModel model
+
+    spacing: Theme.wide
+
+    Card {
+        title: "Source"
+        systemImage: "sdcard"
+
+        Item {
+            width: parent.width
+            height: choose.height
+            PathField {
+                objectName: "offload.source"
+                width: parent.width - choose.width - Theme.tiny
+                text: view.model.source || "No card selected"
+            }
+            ActionButton {
+                id: choose
+                objectName: "offload.choose"
+                anchors.right: parent.right
+                text: "Choose…"
+                Accessible.description: "Choose the camera card"
+                onClicked: view.model.chooseSource()
+            }
+        }
+        SymbolLabel {
+            objectName: "offload.scanning"
+            visible: view.model.stage === OffloadViewModel.Stage.scanning
+            text: "Scanning…"
+            symbol: "magnifyingglass"
+            color: Theme.secondary
+        }
+        Row {
+            objectName: "offload.scan"
+            visible: view.model.stage === OffloadViewModel.Stage.setup && view.model.scan !== undefined
+            spacing: Theme.wide
+            StatBadge {
+                text: view.model.scan?.camera ?? ""
+                symbol: "camera"
+            }
+            StatBadge {
+                text: (view.model.scan?.fileCount ?? 0) + " files"
+                symbol: "doc.on.doc"
+            }
+            StatBadge {
+                text: view.model.scan?.total ?? ""
+                symbol: "scalemass"
+            }
+        }
+    }
+
+    Card {
+        title: "Backup Drives"
+        systemImage: "externaldrive"
+
+        DriveList {
+            model: view.model
+        }
+        ActionButton {
+            objectName: "offload.add"
+            text: "Add Drive…"
+            symbol: "plus"
+            onClicked: view.model.addDestination()
+        }
+    }
+
+    Card {
+        title: "Options"
+        systemImage: "slider.horizontal.3"
+
+        Row {
+            width: parent.width
+            spacing: Theme.medium
+            Text {
+                width: Theme.labelWidth
+                anchors.verticalCenter: parent.verticalCenter
+                text: "Reel name"
+                color: Theme.primary
+                font: Theme.body
+            }
+            InputField {
+                objectName: "offload.reel"
+                width: parent.width - Theme.labelWidth - Theme.medium
+                text: view.model.reelName
+                placeholderText: "A001_2026-06-06"
+                Accessible.name: "Reel name"
+                onTextEdited: view.model.reelName = text
+            }
+        }
+        Row {
+            spacing: Theme.medium
+            Text {
+                width: Theme.labelWidth
+                anchors.verticalCenter: parent.verticalCenter
+                text: "Checksum"
+                color: Theme.primary
+                font: Theme.body
+            }
+            SegmentedControl {
+                objectName: "offload.checksum"
+                name: "Checksum"
+                width: 320
+                labels: view.model.algorithms
+                currentIndex: view.model.algorithms.indexOf(view.model.algorithm)
+                onChosen: index => view.model.algorithm = view.model.algorithms[index]
+            }
+        }
+    }
+
+    Item {
+        width: parent.width
+        height: start.height
+        SymbolLabel {
+            objectName: "offload.warning"
+            anchors.verticalCenter: parent.verticalCenter
+            visible: view.model.destinations.length === 1
+            text: "One drive copies fine, but formatting stays locked until you add a second."
+            symbol: "exclamationmark.triangle.fill"
+            color: Theme.attention
+            font: Theme.print
+        }
+        ActionButton {
+            id: start
+            objectName: "offload.start"
+            anchors.right: parent.right
+            role: "prominent"
+            text: "Start Offload"
+            symbol: "play.fill"
+            enabled: view.model.canStart
+            onClicked: view.model.start()
+        }
+    }
+    Shortcut {
+        sequences: ["Return", "Enter"]
+        enabled: view.model.canStart
+        onActivated: view.model.start()
+    }
+}

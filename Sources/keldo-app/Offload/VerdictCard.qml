@@ -1,0 +1,87 @@
+pragma ComponentBehavior: Bound
+import QtQuick
+import QtQuick.Controls.Basic
+import Keldo.Components
+import Keldo.Offload
+
+// What was proved, what was not, and the report.
+Card {
+    id: card
+
+    required property OffloadViewModel model
+    readonly property var result: model.result
+
+    objectName: "offload.verdict"
+    title: result?.allVerified ? "All Files Verified" : "Verification Problems"
+    systemImage: result?.allVerified ? "checkmark.seal.fill" : "exclamationmark.triangle.fill"
+    tint: result?.allVerified ? Theme.proved : Theme.attention
+
+    Row {
+        spacing: Theme.wide
+        StatBadge {
+            text: (card.result?.fileCount ?? 0) + " files"
+            symbol: "doc.on.doc"
+        }
+        StatBadge {
+            text: card.result?.total ?? ""
+            symbol: "scalemass"
+        }
+        StatBadge {
+            text: (card.result?.driveCount ?? 0) + " drives"
+            symbol: "externaldrive"
+        }
+        StatBadge {
+            text: card.result?.algorithm ?? ""
+            symbol: "number"
+        }
+    }
+    Text {
+        visible: failures.count > 0
+        text: "Failed files:"
+        color: Theme.danger
+        font: Theme.emphasis
+    }
+    ListView {
+        id: failures
+        objectName: "offload.failures"
+        width: parent.width
+        height: Math.min(contentHeight, Theme.listHeight)
+        visible: count > 0
+        clip: true
+        spacing: Theme.tiny
+        boundsBehavior: Flickable.StopAtBounds
+        model: card.result?.failedFiles ?? []
+        ScrollBar.vertical: ScrollBar {
+            policy: failures.contentHeight > failures.height ? ScrollBar.AlwaysOn : ScrollBar.AlwaysOff
+        }
+        delegate: SymbolLabel {
+            required property string modelData
+            text: modelData
+            symbol: "xmark.circle.fill"
+            color: Theme.danger
+            font: Theme.print
+            maximumWidth: failures.width - Theme.large
+        }
+    }
+    Item {
+        width: parent.width
+        height: save.height
+        Text {
+            objectName: "offload.reportStatus"
+            anchors { left: parent.left; right: save.left; rightMargin: Theme.regular; verticalCenter: parent.verticalCenter }
+            text: card.model.reportStatus
+            color: Theme.secondary
+            font: Theme.print
+            elide: Text.ElideMiddle
+            textFormat: Text.PlainText
+        }
+        ActionButton {
+            id: save
+            objectName: "offload.save"
+            anchors.right: parent.right
+            text: "Save Report (PDF + CSV)…"
+            symbol: "doc.text"
+            onClicked: card.model.saveReport()
+        }
+    }
+}

@@ -1,0 +1,84 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import Keldo.Components
+import Keldo.Offload
+import Keldo.Shell
+import Keldo.Support
+
+// The window: a header with the mode switch, and the screen of the current mode. Only that screen
+// exists; a switch drops the one before together with its view model.
+ApplicationWindow {
+    id: view
+
+    required property Desktop desktop
+    property int mode: AppModes.offload
+
+    title: "keldobay"
+    visible: true
+    width: 980
+    height: 720
+    minimumWidth: 940
+    minimumHeight: 680
+    color: Theme.windowBackground
+    palette.toolTipBase: Theme.cardBackground
+    palette.toolTipText: Theme.primary
+    palette.dark: Theme.secondary
+
+    header: Rectangle {
+        implicitHeight: Theme.headerHeight
+        color: Theme.windowBackground
+
+        Symbol {
+            id: mark
+            anchors { left: parent.left; leftMargin: Theme.wide; verticalCenter: parent.verticalCenter }
+            name: "externaldrive.fill.badge.checkmark"
+            color: Theme.accent
+            size: Theme.huge + 2
+        }
+        Column {
+            anchors { left: mark.right; leftMargin: Theme.regular; verticalCenter: parent.verticalCenter }
+            Text {
+                text: "keldobay"
+                color: Theme.primary
+                font: Theme.title
+            }
+            Text {
+                text: "DIT Offload & Dailies"
+                color: Theme.secondary
+                font: Theme.print
+            }
+        }
+        SegmentedControl {
+            objectName: "mode"
+            name: "Mode"
+            anchors { right: parent.right; rightMargin: Theme.wide; verticalCenter: parent.verticalCenter }
+            width: 560
+            labels: AppModes.labels
+            currentIndex: view.mode
+            onChosen: index => view.mode = index
+        }
+        Rectangle {
+            anchors { left: parent.left; right: parent.right; bottom: parent.bottom }
+            height: Theme.hairline
+            color: Theme.separator
+        }
+    }
+
+    Loader {
+        anchors.fill: parent
+        focus: true
+        sourceComponent: view.mode === AppModes.offload ? offload : later
+    }
+    Component {
+        id: offload
+        OffloadScreen {
+            desktop: view.desktop
+        }
+    }
+    Component {
+        id: later
+        LaterScreen {
+            label: AppModes.labels[view.mode]
+        }
+    }
+}

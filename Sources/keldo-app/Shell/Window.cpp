@@ -1,0 +1,22 @@
+#include "keldo-app/Shell/Window.h"
+
+#include "keldo-app/Components/SymbolProvider.h"
+
+#include <QtQml/qqmlextensionplugin.h>
+
+Q_IMPORT_QML_PLUGIN(Keldo_ComponentsPlugin)
+Q_IMPORT_QML_PLUGIN(Keldo_OffloadPlugin)
+Q_IMPORT_QML_PLUGIN(Keldo_ShellPlugin)
+Q_IMPORT_QML_PLUGIN(Keldo_SupportPlugin)
+
+namespace keldo_app {
+
+bool loadWindow(QQmlApplicationEngine& engine, Desktop& desktop) {
+    engine.addImportPath("qrc:/qt/qml");
+    engine.addImageProvider("symbol", new SymbolProvider);
+    engine.setInitialProperties({{"desktop", QVariant::fromValue(&desktop)}});
+    engine.load(QUrl("qrc:/qt/qml/Keldo/Shell/ContentView.qml"));
+    return !engine.rootObjects().isEmpty();
+}
+
+}  // namespace keldo_app

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "ReelCore/Platform/URL.h"
+
+#include <QString>
+#include <cstdint>
+
+namespace keldo_app {
+
+/// Texts for the screen.
+struct Format {
+    /// A byte count in powers of 1024 up to TB: "512 B", "1.5 KB". Below 1024, also below zero, it
+    /// stays in bytes.
+    static QString bytes(std::int64_t bytes);
+
+    /// The name that a card's reel gets unless the user types another: the folder's name, "_" and
+    /// today's date in the local time zone as "yyyy-MM-dd".
+    static QString defaultReel(const ReelCore::URL& source);
+
+    /// A path or a name from the file system; bytes that are no UTF-8 show as U+FFFD.
+    static QString path(const ReelCore::URL& url);
+
+    /// The last part of a path.
+    static QString name(const ReelCore::URL& url);
+
+    static QString text(std::string_view text);
+};
+
+}  // namespace keldo_app

@@ -1,0 +1,54 @@
+#include "keldo-app/Support/SystemDesktop.h"
+
+#include "ReelCore/Platform/FileSystem.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDesktopServices>
+#include <QDir>
+#include <QFile>
+#include <QFileDialog>
+#include <QStorageInfo>
+#include <QUrl>
+
+namespace keldo_app {
+
+namespace {
+
+/// The user's folder, then every card and drive that is mounted where desktops mount them.
+QList<QUrl> placesToShow() {
+    QList<QUrl> places{QUrl::fromLocalFile(QDir::homePath())};
+    for (const QStorageInfo& volume : QStorageInfo::mountedVolumes()) {
+        const QString root = volume.rootPath();
+        const bool removable = root.startsWith("/media/") || root.startsWith("/run/media/") ||
+                               root.startsWith("/mnt/") || root.startsWith("/Volumes/");
+        if (removable) places.append(QUrl::fromLocalFile(root));
+    }
+    return places;
+}
+
+}  // namespace
+
+std::optional<ReelCore::URL> SystemDesktop::chooseFolder(const QString& message) {
+    QFileDialog panel(nullptr, message);
+    panel.setFileMode(QFileDialog::Directory);
+    panel.setOption(QFileDialog::ShowDirsOnly);
+    panel.setLabelText(QFileDialog::Accept, "Select");
+    panel.setSidebarUrls(placesToShow());
+    if (panel.exec() != QDialog::Accepted || panel.selectedFiles().isEmpty()) return std::nullopt;
+    const QByteArray path = QFile::encodeName(panel.selectedFiles().constFirst());
+    return ReelCore::FileSystem::standardised(path.toStdString());
+}
+
+void SystemDesktop::reveal(const ReelCore::URL& file) {
+    const QUrl url = QUrl::fromLocalFile(QFile::decodeName(file.c_str()));
+    QDBusMessage show = QDBusMessage::createMethodCall("org.freedesktop.FileManager1",
+                                                       "/org/freedesktop/FileManager1",
+                                                       "org.freedesktop.FileManager1", "ShowItems");
+    show << QStringList{url.toString(QUrl::FullyEncoded)} << QString();
+    if (QDBusConnection::sessionBus().call(show).type() == QDBusMessage::ErrorMessage) {
+        QDesktopServices::openUrl(url.adjusted(QUrl::RemoveFilename));
+    }
+}
+
+}  // namespace keldo_app

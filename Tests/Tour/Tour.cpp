@@ -1,0 +1,133 @@
+#include "Tour/SampleCard.h"
+#include "Window/FakeDesktop.h"
+#include "Window/WindowDriver.h"
+
+#include <QApplication>
+#include <cstdio>
+#include <cstdlib>
+#include <stdexcept>
+#include <string>
+
+#include <fmt/format.h>
+
+namespace fs = std::filesystem;
+using keldo_app::OffloadViewModel;
+using WindowSupport::WindowDriver;
+
+namespace {
+
+/// Says each step, does it, and keeps a picture of what the window showed afterwards.
+class Guide {
+public:
+    Guide(WindowDriver& driver, const fs::path& pictures) : driver_(driver), pictures_(pictures) {}
+
+    void press(const std::string& name, const std::string& label) {
+        say(fmt::format("press “{}”", label));
+        driver_.press(QString::fromStdString(name));
+    }
+
+    void picture(const std::string& name) {
+        const fs::path path = pictures_ / fmt::format("{}-{}.png", ++count_, name);
+        driver_.screenshot(path);
+        say("     screenshot " + path.native());
+    }
+
+    static void say(const std::string& line) {
+        fmt::print("{}\n", line);
+        std::fflush(stdout);
+    }
+
+private:
+    WindowDriver& driver_;
+    fs::path pictures_;
+    int count_ = 0;
+};
+
+void require(bool holds, const std::string& what) {
+    if (!holds) throw std::runtime_error("the tour expected " + what);
+    Guide::say("  ok " + what);
+}
+
+void offload(WindowDriver& driver, Guide& guide, const fs::path& folder) {
+    guide.picture("start");
+    guide.press("offload.choose", "Choose…");
+    driver.waitForStage(OffloadViewModel::Stage::setup);
+    guide.picture("card-chosen");
+    guide.press("offload.add", "Add Drive…");
+    guide.picture("one-drive");
+    guide.press("offload.add", "Add Drive…");
+    guide.picture("two-drives");
+
+    // A picture of the run itself, whenever the first progress has come.
+    guide.press("offload.start", "Start Offload");
+    driver.waitFor("the first progress", [&] {
+        return !driver.offload() || driver.offload()->progress() ||
+               driver.offload()->stage() == OffloadViewModel::Stage::finished;
+    });
+    if (driver.isShown("offload.cancel")) guide.picture("running");
+    driver.waitForStage(OffloadViewModel::Stage::finished);
+    guide.picture("finished");
+    require(driver.text("offload.verdict") == "All Files Verified", "“All Files Verified”");
+    require(driver.offload()->gate()->eligible, "an open gate");
+    Guide::say("     " + driver.text("offload.reason").toStdString());
+
+    guide.press("offload.save", "Save Report (PDF + CSV)…");
+    driver.waitFor("the report", [&] { return !driver.text("offload.reportStatus").isEmpty(); });
+    guide.picture("report-saved");
+    require(driver.text("offload.reportStatus") == "Saved 2 file(s) to Reports.",
+            "two report files");
+
+    guide.press("offload.formatButton", "Format Card…");
+    driver.waitFor("the sheet", [&] { return driver.isShown("sheet.typed"); });
+    driver.type("erase");
+    require(!driver.isEnabled("sheet.erase"), "no erase for “erase”");
+    guide.picture("erase-locked");
+    driver.key(Qt::Key_Escape);
+    driver.waitFor("the sheet to close", [&] { return !driver.isShown("sheet.typed"); });
+    guide.press("offload.new", "New Offload");
+    driver.waitForStage(OffloadViewModel::Stage::setup);
+    guide.picture("new-offload");
+    Guide::say("\nWhat was made:");
+    for (const auto& entry : fs::recursive_directory_iterator(folder)) {
+        if (entry.is_regular_file()) {
+            Guide::say(fmt::format("{:>10}  {}", entry.file_size(), entry.path().native()));
+        }
+    }
+}
+
+void tour(const fs::path& folder) {
+    fs::remove_all(folder);
+    const fs::path card = folder / "A001_C003";
+    Guide::say("make a sample card at " + card.native());
+    Tour::makeSampleCard(card);
+    WindowSupport::FakeDesktop desktop;
+    for (const char* name : {"SHUTTLE_01", "RAID_MASTER", "Reports"}) {
+        fs::create_directories(folder / name);
+    }
+    desktop.answers = {card, folder / "SHUTTLE_01", folder / "RAID_MASTER", folder / "Reports"};
+    WindowDriver driver(desktop);
+    Guide guide(driver, folder / "screenshots");
+    offload(driver, guide, folder);
+    require(driver.warnings().isEmpty(), "no complaint from the toolkit");
+    Guide::say("All Files Verified; the gate is open.");
+}
+
+}  // namespace
+
+/// keldobay-tour FOLDER: offloads a sample card through the real window without a display, and
+/// leaves all it made in FOLDER, which is emptied first.
+int main(int argc, char* argv[]) {
+    WindowSupport::startOffscreen(argc, argv);
+    if (argc != 2) {
+        fmt::print(stderr, "usage: keldobay-tour FOLDER\n");
+        return EXIT_FAILURE;
+    }
+    try {
+        tour(fs::absolute(argv[1]));
+    } catch (const std::exception& error) {
+        fmt::print(stderr, "the tour failed: {}\n", error.what());
+        std::_Exit(EXIT_FAILURE);
+    }
+    std::fflush(stdout);
+    std::_Exit(EXIT_SUCCESS);
+}

@@ -1,0 +1,151 @@
+#include "Window/WindowDriver.h"
+
+#include "keldo-app/Shell/Window.h"
+
+#include <QApplication>
+#include <QPalette>
+#include <QTest>
+#include <filesystem>
+#include <stdexcept>
+
+namespace WindowSupport {
+
+namespace {
+
+QStringList& complaints() {
+    static QStringList list;
+    return list;
+}
+
+void keepComplaints(QtMsgType type, const QMessageLogContext&, const QString& message) {
+    // Said once by every program where no login session runs.
+    if (message.startsWith("QStandardPaths: XDG_RUNTIME_DIR not set")) return;
+    if (type != QtDebugMsg && type != QtInfoMsg) complaints().append(message);
+    fprintf(stderr, "%s\n", qPrintable(message));
+}
+
+QQuickItem* findBelow(QQuickItem* item, const QString& name) {
+    if (!item->isVisible()) return nullptr;
+    if (item->objectName() == name) return item;
+    for (QQuickItem* child : item->childItems()) {
+        if (QQuickItem* found = findBelow(child, name)) return found;
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+void startOffscreen(int& argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("QT_QUICK_BACKEND", "software");
+    qInstallMessageHandler(keepComplaints);
+    new QApplication(argc, argv);
+    setLook(Look::light);
+}
+
+void setLook(Look look) {
+    const bool dark = look == Look::dark;
+    QPalette palette;
+    palette.setColor(QPalette::Window, dark ? QColor(40, 40, 40) : QColor(240, 240, 240));
+    palette.setColor(QPalette::WindowText, dark ? Qt::white : Qt::black);
+    QApplication::setPalette(palette);
+}
+
+WindowDriver::WindowDriver(keldo_app::Desktop& desktop) {
+    complaints().clear();
+    if (!keldo_app::loadWindow(engine_, desktop)) {
+        throw std::runtime_error("no window: " + complaints().join("; ").toStdString());
+    }
+    window_ = qobject_cast<QQuickWindow*>(engine_.rootObjects().constFirst());
+    window_->requestActivate();
+    waitFor("the window to be active", [this] { return window_->isActive(); });
+}
+
+WindowDriver::~WindowDriver() = default;
+
+keldo_app::OffloadViewModel* WindowDriver::offload() const {
+    return window_->findChild<keldo_app::OffloadViewModel*>("offload");
+}
+
+QQuickItem* WindowDriver::find(const QString& name) const {
+    return findBelow(window_->contentItem(), name);
+}
+
+bool WindowDriver::isEnabled(const QString& name) const {
+    const QQuickItem* item = find(name);
+    return item && item->isEnabled();
+}
+
+QString WindowDriver::text(const QString& name) const {
+    const QQuickItem* item = find(name);
+    if (!item) throw std::runtime_error("nothing to read: " + name.toStdString());
+    const QVariant text = item->property("text");
+    return text.isValid() ? text.toString() : item->property("title").toString();
+}
+
+void WindowDriver::press(const QString& name) {
+    waitFor("something to press: " + name.toStdString(), [&] { return isEnabled(name); });
+    QQuickItem* item = find(name);
+    scrollTo(*item);
+    const QPointF middle = item->mapToScene(QPointF(item->width() / 2, item->height() / 2));
+    QTest::mouseClick(window_, Qt::LeftButton, Qt::NoModifier, middle.toPoint());
+    QCoreApplication::processEvents();
+}
+
+void WindowDriver::scrollTo(QQuickItem& item) const {
+    QQuickItem* scroll = find("offload.scroll");
+    if (!scroll || !scroll->isAncestorOf(&item)) return;
+    const double top = item.mapToItem(scroll, QPointF(0, 0)).y();
+    const double bottom = top + item.height();
+    const double now = scroll->property("contentY").toDouble();
+    if (top < 0) scroll->setProperty("contentY", now + top);
+    if (bottom > scroll->height()) {
+        scroll->setProperty("contentY", now + bottom - scroll->height());
+    }
+    QCoreApplication::processEvents();
+}
+
+void WindowDriver::type(const QString& text) {
+    for (const QChar character : text) {
+        const bool isCapital = character.isUpper();
+        QTest::keyClick(window_, character.toLatin1(),
+                        isCapital ? Qt::ShiftModifier : Qt::NoModifier);
+    }
+}
+
+void WindowDriver::key(Qt::Key key) {
+    QTest::keyClick(window_, key);
+}
+
+void WindowDriver::waitFor(const std::string& what, const std::function<bool()>& condition,
+                           int milliseconds) const {
+    if (!QTest::qWaitFor(condition, milliseconds)) {
+        throw std::runtime_error("waited in vain for " + what);
+    }
+}
+
+void WindowDriver::waitForStage(keldo_app::OffloadViewModel::Stage stage, int milliseconds) const {
+    waitFor(
+        "stage " + std::to_string(static_cast<int>(stage)),
+        [&] { return offload() && offload()->stage() == stage; }, milliseconds);
+    QCoreApplication::processEvents();
+}
+
+void WindowDriver::resize(int width, int height) {
+    window_->resize(width, height);
+    waitFor("the new size", [&] { return window_->size() == QSize(width, height); });
+}
+
+void WindowDriver::screenshot(const ReelCore::URL& path) const {
+    std::filesystem::create_directories(path.parent_path());
+    QCoreApplication::processEvents();
+    if (!window_->grabWindow().save(QString::fromStdString(path.native()))) {
+        throw std::runtime_error("no screenshot at " + path.native());
+    }
+}
+
+const QStringList& WindowDriver::warnings() const {
+    return complaints();
+}
+
+}  // namespace WindowSupport
