@@ -1,0 +1,172 @@
+#include "keldo-diskutil/Erase.h"
+
+#include "ReelCore/Platform/FileSystem.h"
+#include "ReelCore/Platform/Text.h"
+#include "keldo-diskutil/Label.h"
+#include "keldo-diskutil/UDisks.h"
+#include "keldo-diskutil/Volume.h"
+
+#include <array>
+#include <fstream>
+#include <string_view>
+
+#include <fmt/format.h>
+
+namespace keldo_diskutil {
+
+namespace {
+
+using ReelCore::URL;
+
+struct Target {
+    std::string_view name;     ///< As the caller names it.
+    std::string_view type;     ///< As the kernel and UDisks name it.
+    std::string_view package;  ///< What brings the program that makes it.
+    TargetFileSystem fileSystem;
+};
+
+constexpr std::array targets{
+    Target{"ExFAT", "exfat", "exfatprogs", TargetFileSystem::exFAT},
+    Target{"MS-DOS FAT32", "vfat", "dosfstools", TargetFileSystem::fat32},
+};
+
+struct Order {
+    Target target;
+    std::string newName;
+    URL path;
+};
+
+Order parse(const std::vector<std::string>& arguments) {
+    if (arguments.size() != 4 || arguments[0] != "eraseVolume") {
+        throw Refusal(
+            "the arguments are: eraseVolume <ExFAT | \"MS-DOS FAT32\"> <new name> <mount point>.");
+    }
+    for (const Target& target : targets) {
+        if (target.name == arguments[1]) return {target, arguments[2], arguments[3]};
+    }
+    throw Refusal(fmt::format(
+        "this computer cannot make the file system {}; it can make ExFAT and MS-DOS FAT32.",
+        ReelCore::Text::wellFormed(arguments[1])));
+}
+
+/// The volume, as the disk service knows it, all set to be erased.
+struct Device {
+    const UDisks& disks;
+    std::string object;
+};
+
+UDisks connect() {
+    try {
+        return UDisks();
+    } catch (const UDisksError& error) {
+        throw Refusal(
+            fmt::format("the disk service UDisks2 can't be reached ({}).", error.description()));
+    }
+}
+
+Device prepare(const UDisks& disks, const Volume& volume, const Target& target) {
+    try {
+        if (const auto tool = disks.missingTool(std::string(target.type))) {
+            throw Refusal(fmt::format("{} is missing, which makes {}. Install the package {}.",
+                                      *tool, target.name, target.package));
+        }
+        return {disks, disks.blockObject(volume.node, volume.device)};
+    } catch (const UDisksError& error) {
+        throw Refusal(fmt::format("UDisks2 can't erase {}: {}.", volume.mountPoint.native(),
+                                  error.description()));
+    }
+}
+
+void unmount(const Device& device, const Volume& volume) {
+    try {
+        device.disks.unmount(device.object);
+    } catch (const UDisksError& error) {
+        const std::string place = volume.mountPoint.native();
+        if (error.isBusy()) {
+            throw Refusal(fmt::format(
+                "a program still uses {}. Close what is open there and try again.", place));
+        }
+        throw Refusal(fmt::format("{} can't be unmounted: {}.", place, error.description()));
+    }
+}
+
+[[noreturn]] void fail(const Device& device, const UDisksError& failure) {
+    std::string after;
+    try {
+        after = "is mounted at " + device.disks.mount(device.object).native();
+    } catch (const UDisksError&) {
+        after = "can't be mounted again";
+    }
+    throw ReelCore::Error(
+        fmt::format("The erase failed. The state of the volume is unknown; it {}. ({})", after,
+                    failure.description()));
+}
+
+/// Returns the label that the volume got. A disk service that runs without a UTF-8 locale can't
+/// write a label beyond ASCII and fails: the second try needs none.
+std::string format(const Device& device, const Order& order) {
+    const std::string type(order.target.type);
+    const std::string label = labelFor(order.newName, order.target.fileSystem);
+    const std::string plain = plainLabel(label);
+    try {
+        if (label != plain) {
+            try {
+                device.disks.format(device.object, type, label);
+                return label;
+            } catch (const UDisksError&) {
+            }
+        }
+        device.disks.format(device.object, type, plain);
+        return plain;
+    } catch (const UDisksError& error) {
+        fail(device, error);
+    }
+}
+
+bool canMount(std::string_view type) {
+    std::ifstream list("/proc/filesystems");
+    for (std::string word; list >> word;) {
+        if (word == type) return true;
+    }
+    return ReelCore::FileSystem::exists(fmt::format("/sbin/mount.{}", type));
+}
+
+void mount(const Device& device, const Target& target, std::ostream& lines) {
+    try {
+        lines << "It is mounted at " << device.disks.mount(device.object).native() << ".\n";
+    } catch (const UDisksError& error) {
+        if (canMount(target.type)) {
+            throw ReelCore::Error(
+                fmt::format("The volume is erased, but it can't be mounted again: {}. Check it "
+                            "before you use it.",
+                            error.description()));
+        }
+        lines << "The card is erased. This computer can't mount " << target.name
+              << ", so it stays unmounted.\n";
+    }
+}
+
+}  // namespace
+
+void erase(const std::vector<std::string>& arguments, std::ostream& lines) {
+    const Order order = parse(arguments);
+    const Volume volume = volumeToErase(order.path, Machine::current());
+    const UDisks disks = connect();
+    const Device device = prepare(disks, volume, order.target);
+    unmount(device, volume);
+    const std::string label = format(device, order);
+    lines << fmt::format("{} is erased as {}, named \"{}\".\n", volume.node.native(),
+                         order.target.name, label);
+    if (label != order.newName) {
+        lines << fmt::format("The name \"{}\" does not fit {}: it became \"{}\".\n",
+                             ReelCore::Text::wellFormed(order.newName), order.target.name, label);
+    }
+    if (order.target.fileSystem == TargetFileSystem::fat32) {
+        const std::string version = disks.fileSystemVersion(device.object);
+        if (version != "FAT32")
+            lines << "It is too small for FAT32 and became " << version << ".\n";
+    }
+    mount(device, order.target, lines);
+}
+
+}  // namespace keldo_diskutil

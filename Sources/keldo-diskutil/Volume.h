@@ -1,0 +1,44 @@
+#pragma once
+
+#include "ReelCore/Platform/Error.h"
+#include "ReelCore/Platform/MountTable.h"
+#include "ReelCore/Platform/URL.h"
+#include "keldo-diskutil/BlockDevice.h"
+
+#include <set>
+#include <string>
+#include <vector>
+
+namespace keldo_diskutil {
+
+/// Why nothing was erased, as one line for people. Thrown only while the volume is untouched.
+class Refusal : public ReelCore::Error {
+public:
+    explicit Refusal(const std::string& reason) : Error("Nothing was erased: " + reason) {}
+};
+
+/// What decides whether a volume may be erased, as the kernel tells it.
+struct Machine {
+    std::vector<ReelCore::Mount> mounts;
+    std::string swaps;  ///< The text of /proc/swaps.
+    DeviceTree devices;
+
+    static Machine current();
+};
+
+/// A mounted volume on a block device that holds nothing of the system's own.
+struct Volume {
+    ReelCore::URL mountPoint;  ///< With all links resolved.
+    std::string device;        ///< "major:minor".
+    ReelCore::URL node;        ///< The device's node below /dev.
+};
+
+/// The volume that is mounted at `path`. Throws a Refusal for all but a writable volume that is
+/// mounted whole, once, with no other volume inside, on a block device of its own whose disks
+/// carry no part of the running system.
+Volume volumeToErase(const ReelCore::URL& path, const Machine& machine);
+
+/// The physical disks that carry the system: its folders and its swap space.
+std::set<std::string> systemDisks(const Machine& machine);
+
+}  // namespace keldo_diskutil
