@@ -8,7 +8,8 @@
 namespace ReelCore {
 
 /// One run of an external program, started with an explicit argument list and never through a
-/// shell. The child inherits nothing but the environment and its three standard streams.
+/// shell. The child inherits nothing but the environment, the working directory and its three
+/// standard streams.
 struct ChildProcess {
     struct Outcome {
         /// The exit status; for a child that a signal ended, 128 and the signal's number.

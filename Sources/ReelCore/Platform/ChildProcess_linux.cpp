@@ -27,9 +27,11 @@ public:
         return children;
     }
 
-    void add(pid_t child) {
+    /// Starts a child and puts it on the list in one step: endAll finds it or comes before it.
+    template <class Start>
+    pid_t add(Start start) {
         const std::lock_guard guard(lock_);
-        children_.insert(child);
+        return *children_.insert(start()).first;
     }
 
     void remove(pid_t child) {
@@ -93,6 +95,28 @@ private:
     posix_spawn_file_actions_t actions_{};
 };
 
+/// No signal is blocked or ignored in the child, whatever the calling thread has set up.
+class SpawnAttributes {
+public:
+    SpawnAttributes() {
+        ::posix_spawnattr_init(&attributes_);
+        sigset_t signals;
+        ::sigemptyset(&signals);
+        ::posix_spawnattr_setsigmask(&attributes_, &signals);
+        ::sigfillset(&signals);
+        ::posix_spawnattr_setsigdefault(&attributes_, &signals);
+        ::posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+    }
+    ~SpawnAttributes() { ::posix_spawnattr_destroy(&attributes_); }
+    SpawnAttributes(const SpawnAttributes&) = delete;
+    SpawnAttributes& operator=(const SpawnAttributes&) = delete;
+
+    const posix_spawnattr_t* get() const { return &attributes_; }
+
+private:
+    posix_spawnattr_t attributes_{};
+};
+
 std::vector<char*> argumentVector(const URL& program, const std::vector<std::string>& arguments) {
     std::vector<char*> vector{const_cast<char*>(program.c_str())};
     for (const std::string& argument : arguments) {
@@ -103,13 +127,14 @@ std::vector<char*> argumentVector(const URL& program, const std::vector<std::str
 }
 
 pid_t start(const URL& program, const std::vector<std::string>& arguments, int output) {
+    const SpawnAttributes attributes;
     SpawnActions actions;
     ::posix_spawn_file_actions_addopen(actions.get(), STDIN_FILENO, "/dev/null", O_RDONLY, 0);
     ::posix_spawn_file_actions_adddup2(actions.get(), output, STDOUT_FILENO);
     ::posix_spawn_file_actions_adddup2(actions.get(), output, STDERR_FILENO);
     ::posix_spawn_file_actions_addclosefrom_np(actions.get(), STDERR_FILENO + 1);
     pid_t child = 0;
-    const int failure = ::posix_spawn(&child, program.c_str(), actions.get(), nullptr,
+    const int failure = ::posix_spawn(&child, program.c_str(), actions.get(), attributes.get(),
                                       argumentVector(program, arguments).data(), environ);
     if (failure != 0) throw SystemError(failure, program);
     return child;
@@ -132,8 +157,8 @@ int waitFor(pid_t child) {
 ChildProcess::Outcome ChildProcess::run(const URL& program,
                                         const std::vector<std::string>& arguments) {
     Pipe pipe;
-    const pid_t child = start(program, arguments, pipe.writeEnd());
-    RunningChildren::shared().add(child);
+    const pid_t child =
+        RunningChildren::shared().add([&] { return start(program, arguments, pipe.writeEnd()); });
     pipe.closeWriteEnd();
     Outcome outcome;
     outcome.output = pipe.readAll();

@@ -26,21 +26,26 @@ bool holdsOption(const std::string& options, const std::string& wanted) {
     return ("," + options + ",").find("," + wanted + ",") != std::string::npos;
 }
 
+/// The fields of a line, each parted from the next by one blank: a field may be empty.
+std::vector<std::string> fieldsOf(const std::string& line) {
+    std::istringstream rest(line);
+    std::vector<std::string> fields;
+    for (std::string field; std::getline(rest, field, ' ');) fields.push_back(field);
+    return fields;
+}
+
 std::optional<Mount> parseLine(const std::string& line) {
-    std::istringstream words(line);
-    std::string id, parent, device, root, mountPoint, options, word;
-    words >> id >> parent >> device >> root >> mountPoint >> options;
-    while (words >> word && word != "-") {
-    }
-    std::string fileSystem, source, superOptions;
-    words >> fileSystem >> source >> superOptions;
-    if (source.empty()) return std::nullopt;
-    return Mount{unescaped(mountPoint),
-                 unescaped(root),
-                 device,
-                 unescaped(source),
-                 fileSystem,
-                 holdsOption(options, "ro") || holdsOption(superOptions, "ro")};
+    const std::vector<std::string> fields = fieldsOf(line);
+    constexpr std::ptrdiff_t fixed = 6;
+    if (fields.size() < fixed) return std::nullopt;
+    const auto separator = std::find(fields.begin() + fixed, fields.end(), "-");
+    if (fields.end() - separator < 4) return std::nullopt;
+    return Mount{unescaped(fields[4]),
+                 unescaped(fields[3]),
+                 fields[2],
+                 unescaped(separator[2]),
+                 unescaped(separator[1]),
+                 holdsOption(fields[5], "ro") || holdsOption(separator[3], "ro")};
 }
 
 }  // namespace
