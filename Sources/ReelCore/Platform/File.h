@@ -18,10 +18,10 @@ public:
     /// time is left alone where the system allows it.
     static File openForReading(const URL& path);
 
-    /// Creates an empty file to be written, in place of a file or link of that name. Where that
-    /// one can't be removed, a regular file is emptied instead, but only if it has no second name,
-    /// under which its content would be lost as well. Links are never followed; a folder, pipe or
-    /// device stays and is refused.
+    /// Creates an empty file to be written, in place of whatever has that name. Where that can't be
+    /// removed, a regular file is emptied instead, but only if it has no second name, under which
+    /// its content would be lost as well; anything else, and always a folder, stays and is refused.
+    /// Links are never followed.
     static File create(const URL& path);
 
     File(File&& other) noexcept;

@@ -20,11 +20,24 @@ URL withoutTrailingSlash(const URL& path) {
     return path.has_filename() ? path : path.parent_path();
 }
 
+// Twice, since ".." behind a part that is still to be made can lead back to a link.
 URL resolve(const URL& path) {
     std::error_code failure;
-    const URL resolved =
-        std::filesystem::weakly_canonical(std::filesystem::absolute(path), failure);
+    URL resolved = std::filesystem::weakly_canonical(std::filesystem::absolute(path), failure);
+    if (!failure) resolved = std::filesystem::weakly_canonical(resolved, failure);
     return failure ? FileSystem::standardised(path) : withoutTrailingSlash(resolved);
+}
+
+/// True if `folder` is met on the way up from `path`, however it is spelt: names that differ in
+/// the case of letters can be the same folder.
+bool leadsThrough(URL path, const URL& folder) {
+    const auto wanted = FileSystem::identity(folder);
+    if (!wanted) return false;
+    while (FileSystem::identity(path) != wanted) {
+        if (path == path.parent_path()) return false;
+        path = path.parent_path();
+    }
+    return true;
 }
 
 Place placeOf(const URL& path) {
@@ -40,7 +53,7 @@ Place placeOf(const URL& path) {
 bool liesWithin(const URL& path, const URL& folder) {
     const Place inner = placeOf(path);
     const Place outer = placeOf(folder);
-    return hasPathPrefix(inner.path, outer.path) ||
+    return hasPathPrefix(inner.path, outer.path) || leadsThrough(inner.path, outer.path) ||
            (inner.device == outer.device &&
             hasPathPrefix(inner.pathInFileSystem, outer.pathInFileSystem));
 }

@@ -1,8 +1,10 @@
 #include "ReelCore/Platform/FileSystem.h"
 
+#include "ReelCore/Platform/OpenFolder.h"
 #include "ReelCore/Platform/SystemError.h"
 
 #include <cerrno>
+#include <string_view>
 #include <system_error>
 
 #include <fcntl.h>
@@ -24,14 +26,16 @@ bool FileSystem::exists(const URL& path) {
 }
 
 std::vector<std::string> FileSystem::names(const URL& folder) {
-    std::error_code failure;
+    const OpenFolder open = openFolder(folder, FolderLinks::follow);
+    if (!open) throwSystemError(folder);
     std::vector<std::string> result;
-    fs::directory_iterator entry(folder, failure);
-    while (!failure && entry != fs::directory_iterator()) {
-        result.push_back(entry->path().filename().native());
-        entry.increment(failure);
+    errno = 0;
+    while (const dirent* entry = ::readdir(open.get())) {
+        const std::string_view name = entry->d_name;
+        if (name != "." && name != "..") result.emplace_back(name);
+        errno = 0;
     }
-    if (failure) throw SystemError(failure.value(), folder);
+    if (errno != 0) throwSystemError(folder);
     return result;
 }
 

@@ -27,7 +27,8 @@ struct FileSystem {
     /// True if anything at all stands at `path`, a dangling link included.
     static bool exists(const URL& path);
 
-    /// The names in a folder, in no order, without "." and "..".
+    /// The names in a folder, in no order, without "." and "..". Where the system allows it, the
+    /// folder's access time is left alone.
     static std::vector<std::string> names(const URL& folder);
 
     /// Makes a folder with its intermediates; one that is there already is fine.

@@ -1,33 +1,22 @@
 #include "ReelCore/Platform/FolderWalk.h"
+#include "ReelCore/Platform/OpenFolder.h"
 #include "ReelCore/Platform/SystemError.h"
 
 #include <cerrno>
-#include <memory>
 #include <utility>
 #include <vector>
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace ReelCore {
 
 namespace {
 
-struct CloseFolder {
-    void operator()(DIR* folder) const { ::closedir(folder); }
-};
-using OpenFolder = std::unique_ptr<DIR, CloseFolder>;
-
-OpenFolder openFolder(const URL& path, int extraFlags) {
-    const int flags = O_RDONLY | O_DIRECTORY | O_CLOEXEC | extraFlags;
-    int descriptor = ::open(path.c_str(), flags | O_NOATIME);
-    if (descriptor < 0 && errno == EPERM) descriptor = ::open(path.c_str(), flags);
-    if (descriptor < 0) return nullptr;
-    DIR* folder = ::fdopendir(descriptor);
-    if (!folder) ::close(descriptor);
-    return OpenFolder(folder);
+/// A folder that only this process can't open is not the card's fault, and leaving it out would
+/// leave its files out of every copy.
+bool isOwnLimit(int code) {
+    return code == EMFILE || code == ENFILE || code == ENOMEM || code == ENAMETOOLONG;
 }
 
 /// Absent where the date lies outside what a Date can hold.
@@ -50,14 +39,17 @@ public:
         : root_(root), isIgnored_(isIgnored), visit_(visit) {}
 
     bool run() {
-        const OpenFolder top = openFolder(root_, 0);
+        const OpenFolder top = openFolder(root_, FolderLinks::follow);
         if (!top) return false;
         list(top.get(), "");
         while (!pending_.empty()) {
             const std::string prefix = std::move(pending_.back());
             pending_.pop_back();
-            if (const OpenFolder folder = openFolder(root_ / prefix, O_NOFOLLOW)) {
+            const OpenFolder folder = openFolder(root_ / prefix, FolderLinks::refuse);
+            if (folder) {
                 list(folder.get(), prefix);
+            } else if (isOwnLimit(errno)) {
+                throwSystemError(root_ / prefix);
             }
         }
         return true;
