@@ -8,6 +8,7 @@
 #include "ReelCore/Platform/DeviceReader.h"
 #include "ReelCore/Platform/Fatal.h"
 #include "ReelCore/Platform/File.h"
+#include "ReelCore/Platform/FileSystem.h"
 #include "ReelCore/Platform/SystemError.h"
 #include "ReelCore/Reports/MHLWriter.h"
 
@@ -34,6 +35,7 @@ std::vector<ReelFolder> makeReelFolders(const OffloadRequest& request) {
 void writeHashLists(const OffloadResult& result, const std::vector<ReelFolder>& reels) {
     const MHLWriter writer{std::string(toolName), std::string(ReelCoreVersion)};
     for (const ReelFolder& reel : reels) {
+        if (!reel.isStillThere()) continue;
         try {
             writer.write(result, reel.path());
         } catch (const SystemError&) {
@@ -110,8 +112,8 @@ OffloadResult OffloadEngine::run(const OffloadRequest& request, const Progress& 
         report(Phase::verifying);
         for (std::size_t i = 0; i < targets.size(); ++i) {
             throwIfCancelled();
-            verification.destinations.push_back(readBack(
-                request.destinations[i], targets[i], request.algorithm, verification.sourceHash));
+            verification.destinations.push_back(
+                readBack(reels[i], targets[i], request.algorithm, verification.sourceHash));
         }
         standing.filesCompleted += 1;
         standing.bytesCompleted = checkedAdd(standing.bytesCompleted, file.size);
@@ -167,14 +169,19 @@ std::string OffloadEngine::hashFile(const URL& file, HashAlgorithm algorithm) co
     return hasher->finalizeHex();
 }
 
-DestinationResult OffloadEngine::readBack(const URL& destination, const URL& target,
+DestinationResult OffloadEngine::readBack(const ReelFolder& reel, const URL& target,
                                           HashAlgorithm algorithm,
                                           const std::string& sourceHash) const {
     try {
+        // Where a drive has gone, a file of that name on the disk below would prove nothing.
+        if (!reel.isStillThere()) {
+            throw OffloadError(OffloadError::ReadFailed{target.filename().native(),
+                                                        "the drive is no longer there"});
+        }
         const std::string hash = hashFile(target, algorithm);
-        return {destination, target, hash, hash == sourceHash, std::nullopt};
+        return {reel.destination(), target, hash, hash == sourceHash, std::nullopt};
     } catch (const Error& error) {
-        return {destination, target, std::nullopt, false, error.description()};
+        return {reel.destination(), target, std::nullopt, false, error.description()};
     }
 }
 

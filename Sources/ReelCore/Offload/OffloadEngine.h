@@ -9,6 +9,8 @@
 
 namespace ReelCore {
 
+class ReelFolder;
+
 /// Copies a card to several drives in one read pass, then proves every copy: each file is read
 /// back from its device, past the file cache, and its checksum compared with the source's.
 /// Nothing counts as copied until that has matched.
@@ -62,7 +64,7 @@ public:
 
 private:
     void throwIfCancelled() const;
-    DestinationResult readBack(const URL& destination, const URL& target, HashAlgorithm algorithm,
+    DestinationResult readBack(const ReelFolder& reel, const URL& target, HashAlgorithm algorithm,
                                const std::string& sourceHash) const;
 };
 

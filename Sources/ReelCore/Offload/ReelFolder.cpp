@@ -2,6 +2,7 @@
 
 #include "ReelCore/Offload/OffloadError.h"
 #include "ReelCore/Platform/FileLocation.h"
+#include "ReelCore/Platform/FileSystem.h"
 #include "ReelCore/Platform/SystemError.h"
 
 namespace ReelCore {
@@ -27,10 +28,14 @@ void ReelFolder::requireOutsideSource() const {
 void ReelFolder::create() {
     try {
         FileSystem::createFolders(path_);
+        held_.emplace(path_);
     } catch (const SystemError&) {
         throw OffloadError(OffloadError::DestinationNotWritable{destination_});
     }
-    identity_ = FileSystem::identity(path_);
+}
+
+bool ReelFolder::isStillThere() const {
+    return held_ && held_->isStillThere();
 }
 
 URL ReelFolder::targetFor(const std::string& relativePath) const {
@@ -38,7 +43,7 @@ URL ReelFolder::targetFor(const std::string& relativePath) const {
 }
 
 void ReelFolder::prepareParent(const URL& target) {
-    if (FileSystem::identity(path_) != identity_) {
+    if (!isStillThere()) {
         throw OffloadError(OffloadError::WriteFailed{target, "the drive is no longer there"});
     }
     const URL parent = target.parent_path();

@@ -1,8 +1,9 @@
 #pragma once
 
-#include "ReelCore/Platform/FileSystem.h"
+#include "ReelCore/Platform/HeldFolder.h"
 #include "ReelCore/Platform/URL.h"
 
+#include <optional>
 #include <string>
 
 namespace ReelCore {
@@ -20,8 +21,12 @@ public:
     /// Throws OffloadError::DestinationNotWritable if the folder lies in the source or is it.
     void requireOutsideSource() const;
 
-    /// Makes the folder with its intermediates. Throws OffloadError::DestinationNotWritable.
+    /// Makes the folder with its intermediates, and holds it from then on, so that its drive is not
+    /// unmounted by mistake. Throws OffloadError::DestinationNotWritable.
     void create();
+
+    /// True if the path still leads to the folder that was created; false once its drive has gone.
+    bool isStillThere() const;
 
     URL targetFor(const std::string& relativePath) const;
 
@@ -34,7 +39,7 @@ private:
     URL source_;
     URL destination_;
     URL path_;
-    std::optional<FileIdentity> identity_;
+    std::optional<HeldFolder> held_;
     URL preparedParent_;
 };
 
