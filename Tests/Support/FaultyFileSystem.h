@@ -17,26 +17,29 @@ class FaultyFileSystem {
 public:
     struct Faults {
         /// Only the file of this name has the faults that concern one file; empty for all.
-        std::string onlyFile;
+        std::string onlyFile = {};
 
-        int writeError = 5;                          ///< An `errno`, EIO unless said otherwise.
-        std::optional<std::int64_t> failWriteAt;     ///< Byte of a file.
-        std::optional<std::int64_t> failWriteAfter;  ///< Bytes written in total.
+        int writeError = 5;                            ///< An `errno`, EIO unless said otherwise.
+        std::optional<std::int64_t> failWriteAt = {};  ///< Byte of a file.
+        std::optional<std::int64_t> failWriteAfter = {};  ///< Bytes written in total.
 
-        std::optional<std::int64_t> failReadAt;  ///< Byte of a file; EIO.
-        bool failOpenForReading = false;         ///< EIO.
-        std::optional<std::int64_t> flipBitAt;   ///< Byte of a file whose bit 0 reads wrong.
+        std::optional<std::int64_t> failReadAt = {};  ///< Byte of a file; EIO.
+        bool failOpenForReading = false;              ///< EIO.
+        std::optional<std::int64_t> flipBitAt = {};   ///< Byte of a file whose bit 0 reads wrong.
 
-        std::optional<std::int64_t> vanishAfterWriting;  ///< Bytes in total; the server exits.
-        std::optional<std::int64_t> vanishAfterReading;  ///< Bytes in total; the server exits.
+        std::optional<std::int64_t> vanishAfterWriting = {};  ///< Bytes in total; the server exits.
+        std::optional<std::int64_t> vanishAfterReading = {};  ///< Bytes in total; the server exits.
 
         std::int64_t delay = 0;  ///< Milliseconds that each read and write takes.
 
         bool refuseDirectReads = false;  ///< EINVAL for what is read with O_DIRECT.
         bool keepCache = false;          ///< The kernel keeps pages from one open to the next.
 
-        std::string failAttributesOf;  ///< A name whose attributes can't be read; EIO.
-        std::string failListingOf;     ///< The name of a folder that can't be opened; EACCES.
+        /// Names differ by more than the case of letters; the backing folder holds lower case.
+        bool ignoreCase = false;
+
+        std::string failAttributesOf = {};  ///< A name whose attributes can't be read; EIO.
+        std::string failListingOf = {};     ///< The name of a folder that can't be opened; EACCES.
     };
 
     FaultyFileSystem(const ReelCore::URL& backing, const ReelCore::URL& mountPoint,

@@ -60,7 +60,7 @@ void unmount(const URL& mountPoint) {
 }  // namespace
 
 LoopMount::LoopMount(const std::string& fileSystem, std::int64_t mebibytes)
-    : image_(folder_.path() / "image"), path_(folder_.path() / "drive") {
+    : image_(folder_.path() / "image"), path_(folder_.path() / "drive"), mountPoints_{path_} {
     writeFile(image_, "");
     std::filesystem::resize_file(image_, static_cast<std::uintmax_t>(mebibytes) << 20U);
     std::filesystem::create_directory(path_);
@@ -69,7 +69,7 @@ LoopMount::LoopMount(const std::string& fileSystem, std::int64_t mebibytes)
 }
 
 LoopMount::~LoopMount() {
-    unmount(path_);
+    for (const URL& mountPoint : mountPoints_) unmount(mountPoint);
 }
 
 void LoopMount::makeReadOnly() {
@@ -83,7 +83,9 @@ void LoopMount::vanish() {
 void LoopMount::mountAgainAt(const URL& mountPoint) {
     std::string device = outputOf("findmnt", {"-n", "-o", "SOURCE", path_.native()});
     device.erase(device.find('\n'));
+    std::filesystem::create_directories(mountPoint);
     outputOf("mount", {device, mountPoint.native()});
+    mountPoints_.push_back(mountPoint);
 }
 
 void LoopMount::flipBitBelow(const URL& file, std::int64_t at) {

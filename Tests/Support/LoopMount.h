@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace TestSupport {
 
@@ -30,7 +31,7 @@ public:
     /// Takes the drive out of the tree at once, open files or not; the empty folder stays.
     void vanish();
 
-    /// Mounts the same device a second time.
+    /// Mounts the same device at a second place, as long as this object lives.
     void mountAgainAt(const ReelCore::URL& mountPoint);
 
     /// Flushes the drive, then flips one bit of the file's byte `at` in the image. The mounted
@@ -44,6 +45,7 @@ private:
     TemporaryFolder folder_;
     ReelCore::URL image_;
     ReelCore::URL path_;
+    std::vector<ReelCore::URL> mountPoints_;
 };
 
 /// One folder mounted at a second place. Needs root.

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <cerrno>
 #include <chrono>
 #include <cstdint>
@@ -45,7 +46,8 @@ bool isSet(std::string_view key) {
     return faults.contains(key);
 }
 
-std::string real(const char* path) {
+std::string real(std::string path) {
+    if (isSet("ignore-case")) std::ranges::transform(path, path.begin(), ::tolower);
     return backing + path;
 }
 
@@ -141,9 +143,12 @@ int openFolder(const char* path, fuse_file_info*) {
     return !refused.empty() && nameOf(path) == refused ? -EACCES : 0;
 }
 
-void* configure(fuse_conn_info*, fuse_config* config) {
+void* configure(fuse_conn_info* connection, fuse_config* config) {
     config->use_ino = 1;
-    config->kernel_cache = isSet("keep-cache") ? 1 : 0;
+    if (isSet("keep-cache")) {
+        config->kernel_cache = 1;
+        connection->want &= ~static_cast<unsigned>(FUSE_CAP_AUTO_INVAL_DATA);
+    }
     config->entry_timeout = 0;
     config->attr_timeout = 0;
     return nullptr;
