@@ -7,6 +7,7 @@
 
 #include <unicode/brkiter.h>
 #include <unicode/normalizer2.h>
+#include <unicode/ubidi.h>
 #include <unicode/unistr.h>
 #include <unicode/utext.h>
 #include <unicode/utf8.h>
@@ -98,6 +99,16 @@ std::string Text::prefix(std::string_view text, std::int64_t count) {
         return --count > 0;
     });
     return whole.substr(0, end);
+}
+
+bool Text::isLeftToRight(std::string_view text) {
+    if (isASCII(text)) return true;
+    const icu::UnicodeString units = decode(text);
+    const std::unique_ptr<UBiDi, decltype(&ubidi_close)> order(ubidi_open(), ubidi_close);
+    UErrorCode status = U_ZERO_ERROR;
+    ubidi_setPara(order.get(), units.getBuffer(), units.length(), 0, nullptr, &status);
+    require(status, "text has no direction");
+    return ubidi_getDirection(order.get()) == UBIDI_LTR;
 }
 
 std::string Text::orderingKey(std::string_view text) {

@@ -24,6 +24,9 @@ struct Text {
     /// The first `count` characters, or all if there are fewer.
     static std::string prefix(std::string_view text, std::int64_t count);
 
+    /// True if every part of the text runs from left to right (UAX #9).
+    static bool isLeftToRight(std::string_view text);
+
     /// A key whose byte order is the order of texts by code points of their canonically composed
     /// form (NFC).
     static std::string orderingKey(std::string_view text);

@@ -11,9 +11,10 @@ namespace ReelCore {
 
 namespace {
 
-/// The last part of a path, also where it ends in a slash.
+/// The last part of a path, also where it ends in a slash; "/" for the root of all folders.
 std::string lastPathComponent(const URL& url) {
-    return (url.has_filename() ? url : url.parent_path()).filename().native();
+    const URL path = url.has_filename() ? url : url.parent_path();
+    return path.has_filename() ? path.filename().native() : path.native();
 }
 
 std::string verdict(const OffloadResult& result) {

@@ -21,11 +21,16 @@ constexpr Font monospaced(double size) {
     return {Font::Family::monospaced, false, size};
 }
 
+constexpr const char* firstStrongIsolate = "\u2068";
+constexpr const char* popDirectionalIsolate = "\u2069";
+
 std::int64_t widthCap(std::size_t column) {
     static constexpr std::array<std::int64_t, 6> caps{44, 12, 18, 12, 14, 10};
     return column < caps.size() ? caps[column] : 20;
 }
 
+/// The cut or padded cell. Text that runs from right to left is isolated, since it would otherwise
+/// draw its neighbours into its own order, a verdict in front of another file's name.
 std::string fitted(const std::string& cell, std::int64_t width) {
     std::string text = cell;
     std::int64_t length = Text::characterCount(text);
@@ -33,12 +38,26 @@ std::string fitted(const std::string& cell, std::int64_t width) {
         text = Text::prefix(text, width - 1) + "…";
         length = width;
     }
+    if (!Text::isLeftToRight(text)) text = firstStrongIsolate + text + popDirectionalIsolate;
     return text + std::string(static_cast<std::size_t>(width - length), ' ');
 }
 
 std::string repeated(const char* text, std::int64_t count) {
     std::string result;
     for (; count > 0; --count) result += text;
+    return result;
+}
+
+/// As the text system takes it: well formed, and without a NUL, where it would see the text's end.
+std::string printable(const std::string& text) {
+    std::string result;
+    for (const char c : Text::wellFormed(text)) {
+        if (c == '\0') {
+            result += "\uFFFD";
+        } else {
+            result += c;
+        }
+    }
     return result;
 }
 
@@ -87,7 +106,7 @@ std::vector<Paragraph> ReportLayout::buildAttributed(const Report& report) {
         paragraphs.push_back({field.label + ":  " + field.value, system(11), 2});
     }
     if (report.table) appendTable(paragraphs, *report.table);
-    for (Paragraph& paragraph : paragraphs) paragraph.text = Text::wellFormed(paragraph.text);
+    for (Paragraph& paragraph : paragraphs) paragraph.text = printable(paragraph.text);
     return paragraphs;
 }
 

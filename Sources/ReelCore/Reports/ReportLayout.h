@@ -21,7 +21,7 @@ struct ReportLayout {
     };
 
     struct Paragraph {
-        std::string text;  ///< Well-formed UTF-8, without the line feed that ends the paragraph.
+        std::string text;  ///< Well-formed UTF-8 without NUL and without the line feed at the end.
         Font font;
         double spacingAfter = 0;  ///< In points.
 
@@ -33,7 +33,8 @@ struct ReportLayout {
     static std::vector<std::int64_t> columnWidths(const Report::Table& table);
 
     /// One line of a table: each cell cut or padded to its column's width (12 behind the last
-    /// known column), with two blanks between.
+    /// known column), with two blanks between. Cells that run from right to left stand between
+    /// isolating marks, which count for nothing.
     static std::string rowString(const std::vector<std::string>& cells,
                                  const std::vector<std::int64_t>& widths);
 

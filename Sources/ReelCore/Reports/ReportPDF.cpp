@@ -59,6 +59,10 @@ public:
         pango_cairo_context_set_font_options(pango_layout_get_context(layout_.get()), exact.get());
         pango_layout_set_width(layout_.get(), pango_units_from_double(frameWidth));
         pango_layout_set_wrap(layout_.get(), PANGO_WRAP_WORD_CHAR);
+        // A name with a line feed or in another writing direction stays in its row and column.
+        pango_layout_set_single_paragraph_mode(layout_.get(), true);
+        pango_layout_set_auto_dir(layout_.get(), false);
+        pango_context_set_base_dir(pango_layout_get_context(layout_.get()), PANGO_DIRECTION_LTR);
     }
 
     void add(const ReportLayout::Paragraph& paragraph) {

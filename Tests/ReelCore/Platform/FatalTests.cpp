@@ -1,0 +1,43 @@
+#include "ReelCore/Platform/Fatal.h"
+
+#include <csignal>
+#include <limits>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace ReelCore;
+
+constexpr std::int64_t largest = std::numeric_limits<std::int64_t>::max();
+constexpr std::int64_t smallest = std::numeric_limits<std::int64_t>::min();
+
+TEST(FatalDeathTest, Fatal_AbortsAndSaysWhatAndWhere) {
+    EXPECT_EXIT(fatal("no application data"), testing::KilledBySignal(SIGABRT),
+                "fatal: no application data in .*FatalTests\\.cpp:[0-9]+\\)");
+}
+
+TEST(FatalDeathTest, Fatal_CannotBeCaught) {
+    const auto swallowing = [] {
+        try {
+            fatal("nothing to go on with");
+        } catch (...) {
+        }
+    };
+
+    EXPECT_EXIT(swallowing(), testing::KilledBySignal(SIGABRT), "nothing to go on with");
+}
+
+TEST(FatalDeathTest, CheckedAdd_OverflowAtEitherEndIsFatalAndNamesTheCaller) {
+    EXPECT_EXIT(checkedAdd(largest, 1), testing::KilledBySignal(SIGABRT),
+                "arithmetic overflow in .*FatalTests\\.cpp");
+    EXPECT_EXIT(checkedAdd(smallest, -1), testing::KilledBySignal(SIGABRT), "arithmetic overflow");
+}
+
+TEST(CheckedAdd, SumThatFits_IsGiven) {
+    EXPECT_EQ(checkedAdd(2, 3), 5);
+    EXPECT_EQ(checkedAdd(largest - 1, 1), largest);
+    EXPECT_EQ(checkedAdd(smallest, largest), -1);
+}
+
+}  // namespace

@@ -1,0 +1,77 @@
+#include "ReelCore/Platform/UserAccount.h"
+
+#include "Support/Tool.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <sstream>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+namespace {
+
+using namespace ReelCore;
+using TestSupport::outputOf;
+
+std::string firstLine(const std::string& text) {
+    return text.substr(0, text.find('\n'));
+}
+
+struct Account {
+    std::string loginName;
+    uid_t id = 0;
+    std::string comment;
+};
+
+/// The accounts of this computer, as the system's own tool lists them.
+std::vector<Account> accounts() {
+    std::vector<Account> all;
+    std::istringstream lines(outputOf("getent", {"passwd"}));
+    for (std::string line; std::getline(lines, line);) {
+        std::vector<std::string> fields;
+        std::istringstream parts(line);
+        for (std::string part; std::getline(parts, part, ':');) fields.push_back(part);
+        all.push_back({fields[0], static_cast<uid_t>(std::stoul(fields[2])), fields[4]});
+    }
+    return all;
+}
+
+/// Becomes another user and ends well if that one is told by the given names. For a child process
+/// only.
+[[noreturn]] void expectNames(uid_t id, const std::string& loginName, const std::string& fullName) {
+    if (::setuid(id) != 0) std::abort();
+    const bool right = UserAccount::loginName() == loginName && UserAccount::fullName() == fullName;
+    std::fprintf(stderr, "%s, %s", UserAccount::loginName().c_str(),
+                 UserAccount::fullName().c_str());
+    std::_Exit(right ? 0 : 1);
+}
+
+TEST(UserAccount, LoginName_IsTheOneOfTheSystem) {
+    EXPECT_EQ(UserAccount::loginName(), firstLine(outputOf("id", {"-un"})));
+}
+
+TEST(UserAccount, HostName_IsTheOneOfTheSystem) {
+    EXPECT_EQ(UserAccount::hostName(), firstLine(outputOf("uname", {"-n"})));
+}
+
+TEST(UserAccountDeathTest, FullName_IsTheFirstPartOfTheCommentElseTheLoginName) {
+    if (::geteuid() != 0) GTEST_SKIP() << "needs root, to become other users";
+
+    for (const Account& account : accounts()) {
+        const std::string name = account.comment.substr(0, account.comment.find(','));
+        EXPECT_EXIT(
+            expectNames(account.id, account.loginName, name.empty() ? account.loginName : name),
+            testing::ExitedWithCode(0), "");
+    }
+}
+
+TEST(UserAccountDeathTest, UserWithoutAnAccount_IsUnknown) {
+    if (::geteuid() != 0) GTEST_SKIP() << "needs root, to become another user";
+    constexpr uid_t nobodysNumber = 987'654;
+
+    EXPECT_EXIT(expectNames(nobodysNumber, "unknown", "unknown"), testing::ExitedWithCode(0), "");
+}
+
+}  // namespace

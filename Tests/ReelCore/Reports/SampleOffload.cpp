@@ -1,0 +1,27 @@
+#include "SampleOffload.h"
+
+namespace TestSupport {
+
+using namespace ReelCore;
+using namespace std::chrono_literals;
+
+Date sampleDate() {
+    return std::chrono::sys_days(2026y / 3 / 1) + 14h + 5min + 9s;
+}
+
+FileVerification sampleFile(const std::string& relativePath, std::int64_t size,
+                            const std::vector<bool>& matches) {
+    FileVerification one{{relativePath, size, sampleDate() - 1h}, "0eab543384f878ad", {}};
+    for (const bool same : matches) {
+        one.destinations.push_back({"/drive", "/drive/file", one.sourceHash, same, std::nullopt});
+    }
+    return one;
+}
+
+OffloadResult sampleOffload(std::vector<FileVerification> files) {
+    const OffloadRequest request{
+        "/media/CARD", {"/mnt/RAID", "/mnt/SHUTTLE"}, HashAlgorithm::xxhash64, "A001"};
+    return {request, CameraFormat::sony, std::move(files), sampleDate(), sampleDate() + 1min};
+}
+
+}  // namespace TestSupport
