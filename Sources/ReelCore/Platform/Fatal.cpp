@@ -7,9 +7,8 @@
 
 namespace ReelCore {
 
-void fatal(std::string_view what, std::source_location where) {
-    fmt::print(stderr, "fatal: {} in {} ({}:{})\n", what, where.function_name(), where.file_name(),
-               where.line());
+void fatal(std::string_view what, CodeLocation where) {
+    fmt::print(stderr, "fatal: {} in {} ({}:{})\n", what, where.function, where.file, where.line);
     std::abort();
 }
 

@@ -1,20 +1,32 @@
 #pragma once
 
 #include <cstdint>
-#include <source_location>
 #include <string_view>
 
 namespace ReelCore {
 
+/// Where in the code a call stands. As a default argument `CodeLocation::current()` is the place
+/// of the caller, as std::source_location is, which clang 14 does not have.
+struct CodeLocation {
+    const char* function;
+    const char* file;
+    int line;
+
+    static constexpr CodeLocation current(const char* function = __builtin_FUNCTION(),
+                                          const char* file = __builtin_FILE(),
+                                          int line = __builtin_LINE()) {
+        return {function, file, line};
+    }
+};
+
 /// Ends the process with one line on standard error that says what and where. For faults that no
 /// caller can answer for: arithmetic overflow, impossible conversions, a system that lacks its
 /// foundations. Never an exception, so that no catch can go on from a wrong number.
-[[noreturn]] void fatal(std::string_view what,
-                        std::source_location where = std::source_location::current());
+[[noreturn]] void fatal(std::string_view what, CodeLocation where = CodeLocation::current());
 
 /// The sum, or a fatal fault on overflow.
 inline std::int64_t checkedAdd(std::int64_t left, std::int64_t right,
-                               std::source_location where = std::source_location::current()) {
+                               CodeLocation where = CodeLocation::current()) {
     std::int64_t sum = 0;
     if (__builtin_add_overflow(left, right, &sum)) fatal("arithmetic overflow", where);
     return sum;

@@ -34,6 +34,14 @@ TEST(FatalDeathTest, CheckedAdd_OverflowAtEitherEndIsFatalAndNamesTheCaller) {
     EXPECT_EXIT(checkedAdd(smallest, -1), testing::KilledBySignal(SIGABRT), "arithmetic overflow");
 }
 
+TEST(CodeLocation, Current_IsWhereItIsAskedFor) {
+    const CodeLocation here = CodeLocation::current();
+    constexpr int lineAbove = __LINE__ - 1;
+
+    EXPECT_EQ(here.line, lineAbove);
+    EXPECT_STREQ(here.function, "TestBody");
+}
+
 TEST(CheckedAdd, SumThatFits_IsGiven) {
     EXPECT_EQ(checkedAdd(2, 3), 5);
     EXPECT_EQ(checkedAdd(largest - 1, 1), largest);
