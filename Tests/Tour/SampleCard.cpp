@@ -19,8 +19,8 @@ void runFFmpeg(const std::vector<std::string>& arguments) {
 }
 
 void makeClip(const ReelCore::URL& path, const std::string& timecode) {
-    runFFmpeg({"-f", "lavfi", "-i", "testsrc2=size=640x360:rate=25:duration=2", "-f", "lavfi", "-i",
-               "sine=frequency=440:sample_rate=48000:duration=2", "-timecode", timecode, "-c:v",
+    runFFmpeg({"-f", "lavfi", "-i", "testsrc2=size=1280x720:rate=25:duration=4", "-f", "lavfi", "-i",
+               "sine=frequency=440:sample_rate=48000:duration=4", "-timecode", timecode, "-c:v",
                "prores_ks", "-profile:v", "0", "-c:a", "pcm_s16le", path.native()});
 }
 

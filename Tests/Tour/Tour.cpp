@@ -58,10 +58,11 @@ void offload(WindowDriver& driver, Guide& guide, const fs::path& folder) {
     guide.press("offload.add", "Add Drive…");
     guide.picture("two-drives");
 
-    // A picture of the run itself, whenever the first progress has come.
+    // A picture of the run itself, once a file is done.
     guide.press("offload.start", "Start Offload");
-    driver.waitFor("the first progress", [&] {
-        return !driver.offload() || driver.offload()->progress() ||
+    driver.waitFor("a file to be done", [&] {
+        const auto& progress = driver.offload()->progress();
+        return (progress && progress->filesCompleted > 0) ||
                driver.offload()->stage() == OffloadViewModel::Stage::finished;
     });
     if (driver.isShown("offload.cancel")) guide.picture("running");

@@ -138,7 +138,6 @@ void WindowDriver::resize(int width, int height) {
 
 void WindowDriver::screenshot(const ReelCore::URL& path) const {
     std::filesystem::create_directories(path.parent_path());
-    QCoreApplication::processEvents();
     if (!window_->grabWindow().save(QString::fromStdString(path.native()))) {
         throw std::runtime_error("no screenshot at " + path.native());
     }

@@ -38,6 +38,7 @@ Button {
             text: button.text
             color: button.foreground
             font: button.isFilled ? Theme.strong : Theme.emphasis
+            width: Math.ceil(implicitWidth)
             anchors.verticalCenter: parent.verticalCenter
         }
     }

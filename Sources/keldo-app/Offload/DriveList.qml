@@ -43,6 +43,7 @@ Column {
             Column {
                 anchors { left: drive.right; right: remove.left; margins: Theme.medium; verticalCenter: parent.verticalCenter }
                 Text {
+                    objectName: "offload.drive." + row.index
                     width: parent.width
                     text: row.modelData.name
                     color: Theme.primary

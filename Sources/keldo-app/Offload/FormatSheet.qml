@@ -16,6 +16,7 @@ Sheet {
         spacing: Theme.large
 
         SymbolLabel {
+            objectName: "sheet.heading"
             text: "Erase the camera card?"
             symbol: "exclamationmark.triangle.fill"
             color: Theme.danger

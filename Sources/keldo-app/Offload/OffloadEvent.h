@@ -2,6 +2,7 @@
 
 #include "ReelCore/Offload/OffloadTypes.h"
 
+#include <memory>
 #include <string>
 #include <variant>
 
@@ -13,7 +14,7 @@ struct OffloadEvent {
         ReelCore::OffloadProgress progress;
     };
     struct Finished {
-        ReelCore::OffloadResult result;
+        std::shared_ptr<const ReelCore::OffloadResult> result;  ///< Never null.
     };
     struct Failed {
         std::string description;

@@ -89,7 +89,8 @@ Job<OffloadEvent> OffloadJobs::offload(const ReelCore::OffloadRequest& request,
             auto result = engine.run(request, [&](const ReelCore::OffloadProgress& progress) {
                 send({OffloadEvent::Progress{progress}});
             });
-            send({OffloadEvent::Finished{std::move(result)}});
+            send(
+                {OffloadEvent::Finished{std::make_shared<const OffloadResult>(std::move(result))}});
         } catch (const std::exception& error) {
             send({OffloadEvent::Failed{error.what()}});
         }
@@ -102,12 +103,12 @@ Job<OffloadEvent> OffloadJobs::offload(const ReelCore::OffloadRequest& request,
         });
 }
 
-Job<OffloadJobs::URLs> OffloadJobs::report(const OffloadResult& result, const URL& folder,
+Job<OffloadJobs::URLs> OffloadJobs::report(Result result, const URL& folder,
                                            std::function<void(const URLs&)> done) {
     return runOnce<URLs>(
         [result, folder]() -> URLs {
             try {
-                const auto report = ReelCore::Report::offload(result, std::nullopt, std::nullopt);
+                const auto report = ReelCore::Report::offload(*result, std::nullopt, std::nullopt);
                 return ReelCore::ReportRenderer::write(report, folder, {"pdf", "csv"});
             } catch (const ReelCore::Error&) {
                 return {};
@@ -117,9 +118,9 @@ Job<OffloadJobs::URLs> OffloadJobs::report(const OffloadResult& result, const UR
 }
 
 Job<QString> OffloadJobs::format(const CardFormatter::FormatPlan& plan,
-                                 const CardFormatter::FormatGate& gate, const OffloadResult& result,
+                                 const CardFormatter::FormatGate& gate, Result result,
                                  std::function<void(const QString&)> done) {
-    return runOnce<QString>([plan, gate, result] { return erase(plan, gate, result); },
+    return runOnce<QString>([plan, gate, result] { return erase(plan, gate, *result); },
                             std::move(done));
 }
 

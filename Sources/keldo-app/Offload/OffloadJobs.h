@@ -20,6 +20,7 @@ namespace keldo_app {
 struct OffloadJobs {
     using ScanResult = std::optional<ReelCore::SourceScanner::ScanResult>;
     using URLs = std::vector<ReelCore::URL>;
+    using Result = std::shared_ptr<const ReelCore::OffloadResult>;
 
     /// Scans a source; a scan that fails gives nothing.
     static Job<ScanResult> scan(const ReelCore::URL& source, std::function<void(ScanResult)> done);
@@ -31,14 +32,13 @@ struct OffloadJobs {
                                      std::function<void(OffloadEvent)> consume);
 
     /// Writes the PDF and the CSV report of an offload; a failure gives no files.
-    static Job<URLs> report(const ReelCore::OffloadResult& result, const ReelCore::URL& folder,
+    static Job<URLs> report(Result result, const ReelCore::URL& folder,
                             std::function<void(const URLs&)> done);
 
     /// Erases the card of an offload, and gives a text that begins with "✓" or "✗". A card whose
     /// files are no longer just those that were proved is not erased.
     static Job<QString> format(const ReelCore::CardFormatter::FormatPlan& plan,
-                               const ReelCore::CardFormatter::FormatGate& gate,
-                               const ReelCore::OffloadResult& result,
+                               const ReelCore::CardFormatter::FormatGate& gate, Result result,
                                std::function<void(const QString&)> done);
 };
 

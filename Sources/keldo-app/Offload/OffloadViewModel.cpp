@@ -93,8 +93,9 @@ void OffloadViewModel::apply(OffloadEvent::Progress event) {
 }
 
 void OffloadViewModel::apply(OffloadEvent::Finished event) {
-    gate_ = CardFormatter::gate(event.result, minimumCopies);
     result_ = std::move(event.result);
+    resultFacts_ = QVariant::fromValue(ResultFacts::of(*result_));
+    gate_ = CardFormatter::gate(*result_, minimumCopies);
     emit resultChanged();
     emit gateChanged();
     setStage(Stage::finished);
@@ -112,7 +113,7 @@ void OffloadViewModel::saveReport() {
     if (!folder) return;
     setReportStatus({});
     reportJob_ = OffloadJobs::report(
-        *result_, *folder, [this, folder](const auto& written) { applyReport(written, *folder); });
+        result_, *folder, [this, folder](const auto& written) { applyReport(written, *folder); });
 }
 
 void OffloadViewModel::applyReport(const std::vector<URL>& written, const URL& folder) {
@@ -130,7 +131,7 @@ void OffloadViewModel::formatCard() {
     isFormatting_ = true;
     emit isFormattingChanged();
     setFormatStatus({});
-    formatJob_ = OffloadJobs::format(*plan, *gate_, *result_, [this](const QString& status) {
+    formatJob_ = OffloadJobs::format(*plan, *gate_, result_, [this](const QString& status) {
         setFormatStatus(status);
         isFormatting_ = false;
         emit isFormattingChanged();
@@ -146,6 +147,7 @@ void OffloadViewModel::clearOutcome() {
     progress_.reset();
     emit progressChanged();
     result_.reset();
+    resultFacts_.clear();
     emit resultChanged();
     gate_.reset();
     emit gateChanged();
@@ -214,9 +216,6 @@ QVariant OffloadViewModel::scanFacts() const {
 }
 QVariant OffloadViewModel::progressFacts() const {
     return facts<ProgressFacts>(progress_);
-}
-QVariant OffloadViewModel::resultFacts() const {
-    return facts<ResultFacts>(result_);
 }
 QVariant OffloadViewModel::gateFacts() const {
     return facts<GateFacts>(gate_);

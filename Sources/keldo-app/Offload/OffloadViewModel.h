@@ -58,7 +58,8 @@ public:
     QString reelName() const { return reelName_; }
     ReelCore::HashAlgorithm algorithm() const { return algorithm_; }
     const std::optional<ReelCore::OffloadProgress>& progress() const { return progress_; }
-    const std::optional<ReelCore::OffloadResult>& result() const { return result_; }
+    /// Null while there is none. Shared, since a large card's result takes long to copy.
+    const std::shared_ptr<const ReelCore::OffloadResult>& result() const { return result_; }
     const std::optional<ReelCore::CardFormatter::FormatGate>& gate() const { return gate_; }
     QString errorMessage() const { return errorMessage_; }
     QString formatStatus() const { return formatStatus_; }
@@ -110,7 +111,7 @@ private:
     void setAlgorithmName(const QString& name);
     QStringList algorithmNames() const;
     QVariant progressFacts() const;
-    QVariant resultFacts() const;
+    QVariant resultFacts() const { return resultFacts_; }
     QVariant gateFacts() const;
     QString formatCommand() const;
 
@@ -130,7 +131,8 @@ private:
     QString reelName_;
     ReelCore::HashAlgorithm algorithm_ = ReelCore::HashAlgorithm::xxhash64;
     std::optional<ReelCore::OffloadProgress> progress_;
-    std::optional<ReelCore::OffloadResult> result_;
+    std::shared_ptr<const ReelCore::OffloadResult> result_;
+    QVariant resultFacts_;
     std::optional<ReelCore::CardFormatter::FormatGate> gate_;
     QString errorMessage_;
     QString formatStatus_;

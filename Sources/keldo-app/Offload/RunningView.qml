@@ -80,6 +80,7 @@ Card {
                 symbol: "scalemass"
             }
             StatBadge {
+                objectName: "offload.drives"
                 text: view.model.destinations.length + " drives"
                 symbol: "externaldrive"
             }

@@ -43,14 +43,17 @@ Column {
             visible: view.model.stage === OffloadViewModel.Stage.setup && view.model.scan !== undefined
             spacing: Theme.wide
             StatBadge {
+                objectName: "offload.camera"
                 text: view.model.scan?.camera ?? ""
                 symbol: "camera"
             }
             StatBadge {
+                objectName: "offload.fileCount"
                 text: (view.model.scan?.fileCount ?? 0) + " files"
                 symbol: "doc.on.doc"
             }
             StatBadge {
+                objectName: "offload.total"
                 text: view.model.scan?.total ?? ""
                 symbol: "scalemass"
             }

@@ -19,18 +19,22 @@ Card {
     Row {
         spacing: Theme.wide
         StatBadge {
+            objectName: "offload.verdict.files"
             text: (card.result?.fileCount ?? 0) + " files"
             symbol: "doc.on.doc"
         }
         StatBadge {
+            objectName: "offload.verdict.total"
             text: card.result?.total ?? ""
             symbol: "scalemass"
         }
         StatBadge {
+            objectName: "offload.verdict.drives"
             text: (card.result?.driveCount ?? 0) + " drives"
             symbol: "externaldrive"
         }
         StatBadge {
+            objectName: "offload.verdict.algorithm"
             text: card.result?.algorithm ?? ""
             symbol: "number"
         }
@@ -56,6 +60,8 @@ Card {
         }
         delegate: SymbolLabel {
             required property string modelData
+            required property int index
+            objectName: "offload.failures." + index
             text: modelData
             symbol: "xmark.circle.fill"
             color: Theme.danger

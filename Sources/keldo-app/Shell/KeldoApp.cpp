@@ -1,4 +1,3 @@
-#include "ReelCore/Platform/ChildProcess.h"
 #include "keldo-app/Shell/Window.h"
 #include "keldo-app/Support/SystemDesktop.h"
 
@@ -18,10 +17,5 @@ int main(int argc, char* argv[]) {
     auto* window = qobject_cast<QQuickWindow*>(engine.rootObjects().constFirst());
     window->raise();
     window->requestActivate();
-    const int status = QApplication::exec();
-
-    // A job may still be running unseen. It ends here with the process, and its child with it;
-    // unwinding the process beneath it would not be safe.
-    ReelCore::ChildProcess::endAll();
-    std::_Exit(status);
+    keldo_app::runUntilClosed();
 }

@@ -1,6 +1,10 @@
 #include "keldo-app/Shell/Window.h"
 
+#include "ReelCore/Platform/ChildProcess.h"
 #include "keldo-app/Components/SymbolProvider.h"
+
+#include <QGuiApplication>
+#include <cstdlib>
 
 #include <QtQml/qqmlextensionplugin.h>
 
@@ -17,6 +21,13 @@ bool loadWindow(QQmlApplicationEngine& engine, Desktop& desktop) {
     engine.setInitialProperties({{"desktop", QVariant::fromValue(&desktop)}});
     engine.load(QUrl("qrc:/qt/qml/Keldo/Shell/ContentView.qml"));
     return !engine.rootObjects().isEmpty();
+}
+
+void runUntilClosed() {
+    const int status = QGuiApplication::exec();
+    ReelCore::ChildProcess::endAll();
+    // Not by unwinding: what the jobs' threads still use must stay to the last.
+    std::_Exit(status);
 }
 
 }  // namespace keldo_app

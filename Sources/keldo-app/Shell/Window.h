@@ -10,4 +10,8 @@ namespace keldo_app {
 /// outlive the engine. False if the window could not be made.
 bool loadWindow(QQmlApplicationEngine& engine, Desktop& desktop);
 
+/// Runs the event loop until the last window is closed, then ends the process with its status. A
+/// job that still runs unseen ends with the process, and a child that it waits for is ended too.
+[[noreturn]] void runUntilClosed();
+
 }  // namespace keldo_app

@@ -1,0 +1,126 @@
+#include "WindowFixture.h"
+
+#include <sys/stat.h>
+
+using WindowSupport::WindowFixture;
+
+namespace {
+
+/// A window at an open gate, with a script in the place of the erase tool.
+class FormatSheetTests : public WindowFixture {
+protected:
+    void SetUp() override {
+        std::filesystem::remove(tool());
+        setUpOffload();
+        runToEnd();
+    }
+    void TearDown() override {
+        WindowFixture::TearDown();
+        std::filesystem::remove(tool());
+    }
+
+    static ReelCore::URL tool() {
+        const ReelCore::URL program = std::filesystem::read_symlink("/proc/self/exe");
+        return program.parent_path().parent_path() / "libexec/keldobay/diskutil";
+    }
+
+    static void installTool(const std::string& script) {
+        TestSupport::writeFile(tool(), "#!/bin/sh\n" + script);
+        ::chmod(tool().c_str(), 0755);
+    }
+
+    void openSheet() {
+        driver_->press("offload.formatButton");
+        driver_->waitFor("the sheet", [&] {
+            const QQuickItem* typed = driver_->find("sheet.typed");
+            return typed && typed->hasActiveFocus();
+        });
+    }
+
+    void eraseCard() {
+        openSheet();
+        driver_->type("ERASE");
+        driver_->press("sheet.erase");
+        driver_->waitFor("the erase", [&] { return driver_->text("offload.formatStatus") != ""; });
+    }
+};
+
+}  // namespace
+
+TEST_F(FormatSheetTests, SaysWhatWillBeDone) {
+    openSheet();
+    EXPECT_EQ(driver_->text("sheet.heading"), "Erase the camera card?");
+    EXPECT_EQ(driver_->text("sheet.text"),
+              "This permanently erases the source card. Your footage is verified on 2 drives, so "
+              "this is safe — but it cannot be undone.");
+    EXPECT_EQ(driver_->text("sheet.command").toStdString(),
+              "diskutil eraseVolume ExFAT 'A001' '" + card().native() + "'");
+    EXPECT_FALSE(driver_->isEnabled("sheet.erase"));
+    keepPictures("erase");
+}
+
+TEST_F(FormatSheetTests, OnlyTheExactWordUnlocksTheErase) {
+    openSheet();
+    driver_->type("erase");
+    EXPECT_FALSE(driver_->isEnabled("sheet.erase"));
+    for (int i = 0; i < 5; ++i) driver_->key(Qt::Key_Backspace);
+    driver_->type("ERASE");
+    EXPECT_TRUE(driver_->isEnabled("sheet.erase"));
+    keepPictures("erase-unlocked");
+    driver_->type(" ");
+    EXPECT_FALSE(driver_->isEnabled("sheet.erase"));
+}
+
+TEST_F(FormatSheetTests, EscapeAndCancelCloseItAndForgetWhatWasTyped) {
+    openSheet();
+    driver_->type("ERASE");
+    driver_->key(Qt::Key_Escape);
+    driver_->waitFor("the sheet to close", [&] { return !driver_->isShown("sheet.typed"); });
+    openSheet();
+    EXPECT_EQ(driver_->text("sheet.typed"), "");
+    driver_->press("sheet.cancel");
+    driver_->waitFor("the sheet to close", [&] { return !driver_->isShown("sheet.typed"); });
+    EXPECT_EQ(driver_->offload()->formatStatus(), "");
+}
+
+TEST_F(FormatSheetTests, ReturnDoesNotErase) {
+    installTool("touch \"$4/erased\"\n");
+    openSheet();
+    driver_->type("ERASE");
+    driver_->key(Qt::Key_Return);
+    EXPECT_TRUE(driver_->isShown("sheet.typed"));
+    EXPECT_FALSE(driver_->offload()->isFormatting());
+}
+
+TEST_F(FormatSheetTests, Erase_RunsTheToolAndSaysSo) {
+    const ReelCore::URL record = folder_.path() / "arguments";
+    installTool("for a in \"$@\"; do echo \"$a\"; done > '" + record.native() +
+                "'\necho Finished erase\n");
+    eraseCard();
+    EXPECT_EQ(driver_->text("offload.formatStatus"),
+              "✓ Card formatted as “A001”.\nFinished erase\n");
+    EXPECT_EQ(TestSupport::readFile(record), "eraseVolume\nExFAT\nA001\n" + card().native() + "\n");
+    EXPECT_FALSE(driver_->isShown("offload.formatButton"));
+    keepPictures("erased");
+}
+
+TEST_F(FormatSheetTests, EraseThatFails_SaysWhyAndIsNotOfferedAgain) {
+    installTool("echo The volume is busy.\nexit 3\n");
+    eraseCard();
+    EXPECT_EQ(driver_->text("offload.formatStatus"),
+              "✗ diskutil failed (3): The volume is busy.\n");
+    EXPECT_FALSE(driver_->isShown("offload.formatButton"));
+    keepPictures("erase-failed");
+    driver_->press("offload.new");
+    EXPECT_EQ(driver_->offload()->formatStatus(), "");
+}
+
+TEST_F(FormatSheetTests, EraseOfACardThatHasChanged_IsRefusedBeforeTheToolRuns) {
+    const ReelCore::URL record = folder_.path() / "ran";
+    installTool("touch '" + record.native() + "'\n");
+    TestSupport::writeFile(card() / "XDROOT/Clip/A001C003.MXF", "a take of just now");
+    eraseCard();
+    EXPECT_EQ(driver_->text("offload.formatStatus"),
+              "✗ The files on the card are not the ones that were verified. Nothing was erased.");
+    EXPECT_FALSE(std::filesystem::exists(record));
+}

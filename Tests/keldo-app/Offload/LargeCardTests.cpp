@@ -1,0 +1,75 @@
+#include "ReelCore/Platform/File.h"
+#include "WindowFixture.h"
+
+#include <QElapsedTimer>
+#include <QTimer>
+#include <algorithm>
+
+using WindowSupport::WindowFixture;
+
+namespace {
+
+/// The longest time that the event loop has not come around, in milliseconds.
+class LoopWatch {
+public:
+    LoopWatch() {
+        clock_.start();
+        QObject::connect(&timer_, &QTimer::timeout, &timer_,
+                         [this] { longest = std::max(longest, clock_.restart()); });
+        timer_.start(1);
+    }
+
+    qint64 longest = 0;
+
+private:
+    QElapsedTimer clock_;
+    QTimer timer_;
+};
+
+/// In memory, so that the files come faster than any drive could give them.
+class LargeCardTests : public WindowFixture {
+protected:
+    LargeCardTests() : memory_("/dev/shm/keldo-large-" + std::to_string(::getpid())) {
+        for (int folder = 0; folder < 100; ++folder) {
+            const ReelCore::URL path = memory_ / "card" / std::to_string(folder);
+            std::filesystem::create_directories(path);
+            for (int i = 0; i < 1'000; ++i) ReelCore::File::create(path / std::to_string(i));
+        }
+        TestSupport::writeFile(memory_ / "card" / "last", "bytes, so that there is progress");
+        TestSupport::writeFile(memory_ / "card" / "0" / "first", "bytes");
+        std::filesystem::create_directories(memory_ / "drive");
+    }
+    ~LargeCardTests() override {
+        driver_.reset();
+        std::filesystem::remove_all(memory_);
+    }
+
+    ReelCore::URL memory_;
+};
+
+constexpr qint64 longestBlock = 100;
+
+}  // namespace
+
+TEST_F(LargeCardTests, AHundredThousandFiles_NeverBlockTheWindowAndTheProgressMoves) {
+    openWindow();
+    LoopWatch watch;
+    chooseCard(memory_ / "card");
+    EXPECT_EQ(driver_->text("offload.fileCount"), "100002 files");
+    addDrive(memory_ / "drive");
+    driver_->press("offload.start");
+    QSet<QString> counts;
+    QObject::connect(driver_->offload(), &keldo_app::OffloadViewModel::progressChanged,
+                     driver_->offload(), [&] {
+                         if (driver_->isShown("offload.files"))
+                             counts += driver_->text("offload.files");
+                     });
+    driver_->waitForStage(Stage::finished, 280'000);
+    EXPECT_EQ(driver_->text("offload.verdict"), "All Files Verified");
+    driver_->press("offload.new");
+    driver_->waitFor("the setup", [&] { return driver_->isShown("offload.choose"); });
+    EXPECT_GT(counts.size(), 20);
+    RecordProperty("longest_block_ms", static_cast<int>(watch.longest));
+    std::printf("longest block of the event loop: %lld ms\n", watch.longest);
+    EXPECT_LE(watch.longest, longestBlock);
+}
