@@ -69,7 +69,10 @@ void collect(const URL& path, const std::string& below, Snapshot& snapshot) {
     Trace trace{status.st_ino,          status.st_mode,         status.st_size,
                 dateOf(status.st_mtim), dateOf(status.st_atim), {}};
     if (S_ISREG(status.st_mode)) trace.content = contentOf(path);
-    if (S_ISLNK(status.st_mode)) trace.content = std::filesystem::read_symlink(path).native();
+    if (S_ISLNK(status.st_mode)) {
+        trace.content = std::filesystem::read_symlink(path).native();
+        trace.accessed = {};
+    }
     snapshot[below] = trace;
     if (!S_ISDIR(status.st_mode)) return;
     for (const std::string& name : namesIn(path)) {

@@ -15,8 +15,8 @@ struct Trace {
     std::uint32_t mode = 0;
     std::int64_t size = 0;
     ReelCore::Date modified;
-    ReelCore::Date accessed;
-    std::string content;  ///< Of a regular file; the target of a link.
+    ReelCore::Date accessed;  ///< Not of a link, which can't be looked at without a trace.
+    std::string content;      ///< Of a regular file; the target of a link.
 
     bool operator==(const Trace&) const = default;
 };

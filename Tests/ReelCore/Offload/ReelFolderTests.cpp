@@ -1,0 +1,127 @@
+#include "ReelCore/Offload/ReelFolder.h"
+
+#include "ReelCore/Offload/OffloadError.h"
+#include "ReelCore/Platform/SystemError.h"
+#include "Support/FolderTree.h"
+#include "Support/LoopMount.h"
+
+#include <gtest/gtest.h>
+
+using namespace ReelCore;
+using namespace TestSupport;
+
+namespace fs = std::filesystem;
+
+namespace {
+
+class ReelFolderTest : public testing::Test {
+protected:
+    ReelFolderTest() { fs::create_directories(at("card/DCIM")); }
+
+    URL at(const std::string& name) const { return folder_.path() / name; }
+    ReelFolder reel(const std::string& name) const {
+        return ReelFolder(at("card"), at("drive"), name);
+    }
+
+private:
+    TemporaryFolder folder_;
+};
+
+bool isRefused(const ReelFolder& reel) {
+    try {
+        reel.requireOutsideSource();
+        return false;
+    } catch (const OffloadError& error) {
+        const auto* refusal = error.get<OffloadError::DestinationNotWritable>();
+        return refusal && refusal->destination == reel.destination();
+    }
+}
+
+}  // namespace
+
+TEST_F(ReelFolderTest, Path_ReelNameIsAppendedExactlyAsItIs) {
+    const std::string drive = at("drive").native();
+
+    EXPECT_EQ(reel("A001").path().native(), drive + "/A001");
+    EXPECT_EQ(reel("day 1/A001").path().native(), drive + "/day 1/A001");
+    EXPECT_EQ(reel(" A 1 ").path().native(), drive + "/ A 1 ");
+    EXPECT_EQ(reel("/A001").path().native(), drive + "//A001") << "still below the drive";
+    EXPECT_EQ(reel("..").path().native(), drive + "/..");
+}
+
+TEST_F(ReelFolderTest, Create_MakesIntermediates_AndTakesWhatIsThere) {
+    reel("day/A001").create();
+    writeFile(at("drive/day/A001/old"), "stays");
+    reel("day/A001").create();
+
+    EXPECT_EQ(readTree(at("drive")), (FolderTree{{"day/A001/old", "stays"}}));
+}
+
+TEST_F(ReelFolderTest, Create_FileInTheWay_NamesTheDriveNotTheReel) {
+    writeFile(at("drive/A001"), "");
+    try {
+        reel("A001").create();
+        FAIL() << "no error";
+    } catch (const OffloadError& error) {
+        EXPECT_EQ(error.description(), "Destination is not writable: " + at("drive").native());
+    }
+}
+
+TEST_F(ReelFolderTest, RequireOutsideSource_LooksAtTheReelNotAtTheDrive) {
+    EXPECT_FALSE(isRefused(reel("A001")));
+    EXPECT_TRUE(isRefused(reel("../card")));
+    EXPECT_TRUE(isRefused(reel("../card/new")));
+    EXPECT_FALSE(isRefused(reel("../card2")));
+    EXPECT_FALSE(isRefused(ReelFolder(at("card"), at("card"), "../A001")));
+    EXPECT_TRUE(isRefused(ReelFolder(at("card"), at("card"), "A001")));
+}
+
+TEST_F(ReelFolderTest, TargetFor_KeepsTheCardsFoldersAndNames) {
+    EXPECT_EQ(reel("A001").targetFor("DCIM/100/\xff.MOV").native(),
+              at("drive").native() + "/A001/DCIM/100/\xff.MOV");
+}
+
+TEST_F(ReelFolderTest, PrepareParent_MakesTheFolderOfTheTarget) {
+    ReelFolder folder = reel("A001");
+    folder.create();
+
+    folder.prepareParent(folder.targetFor("DCIM/100/A.MOV"));
+    folder.prepareParent(folder.targetFor("B.MOV"));
+
+    EXPECT_TRUE(fs::is_directory(at("drive/A001/DCIM/100")));
+}
+
+TEST_F(ReelFolderTest, PrepareParent_LinkThatLeadsIntoTheSource_IsRefused) {
+    ReelFolder folder = reel("A001");
+    folder.create();
+    fs::create_symlink(at("card/DCIM"), at("drive/A001/DCIM"));
+
+    EXPECT_THROW(folder.prepareParent(folder.targetFor("DCIM/new/A.MOV")), OffloadError);
+    EXPECT_TRUE(fs::is_empty(at("card/DCIM")));
+}
+
+TEST_F(ReelFolderTest, PrepareParent_FileInTheWay_IsTheSystemsError) {
+    ReelFolder folder = reel("A001");
+    folder.create();
+    writeFile(at("drive/A001/DCIM"), "");
+
+    EXPECT_THROW(folder.prepareParent(folder.targetFor("DCIM/A.MOV")), SystemError);
+}
+
+TEST_F(ReelFolderTest, PrepareParent_AnotherFolderStandsThere_SaysThatTheDriveHasGone) {
+    ReelFolder folder = reel("A001");
+    folder.create();
+    fs::rename(at("drive"), at("gone"));
+    fs::create_directories(at("drive/A001"));
+    const URL target = folder.targetFor("DCIM/A.MOV");
+
+    EXPECT_FALSE(folder.isStillThere());
+    try {
+        folder.prepareParent(target);
+        FAIL() << "no error";
+    } catch (const OffloadError& error) {
+        EXPECT_EQ(error.description(),
+                  "Failed writing to " + target.native() + ": the drive is no longer there");
+    }
+    EXPECT_TRUE(fs::is_empty(at("drive/A001")));
+}
