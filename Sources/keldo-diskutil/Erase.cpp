@@ -133,7 +133,8 @@ bool canMount(std::string_view type) {
 
 void mount(const Device& device, const Target& target, std::ostream& lines) {
     try {
-        lines << "It is mounted at " << device.disks.mount(device.object).native() << ".\n";
+        const URL place = device.disks.mount(device.object);
+        lines << "It is mounted at " << place.native() << ".\n";
     } catch (const UDisksError& error) {
         if (canMount(target.type)) {
             throw ReelCore::Error(

@@ -1,0 +1,154 @@
+#include "ReelCore/Platform/ChildProcess.h"
+
+#include "ReelCore/Platform/SystemError.h"
+#include "Support/FolderTree.h"
+
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <future>
+#include <thread>
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+namespace ReelCore {
+
+namespace {
+
+using TestSupport::TemporaryFolder;
+
+ChildProcess::Outcome shell(const std::string& script) {
+    return ChildProcess::run("/bin/sh", {"-c", script});
+}
+
+TEST(ChildProcess, ExitStatus_IsGivenBack) {
+    EXPECT_EQ(shell("exit 0").status, 0);
+    EXPECT_EQ(shell("exit 42").status, 42);
+    EXPECT_EQ(shell("exit 255").status, 255);
+}
+
+TEST(ChildProcess, ChildEndedByASignal_Is128AndItsNumber) {
+    EXPECT_EQ(shell("kill -KILL $$").status, 128 + SIGKILL);
+    EXPECT_EQ(shell("kill -TERM $$").status, 128 + SIGTERM);
+}
+
+TEST(ChildProcess, Arguments_ArePassedWithoutAShell) {
+    const auto outcome = ChildProcess::run(
+        "/usr/bin/printf", {"[%s]", "", "a b", "$HOME", "'\"`*", "\xFF", "two\nlines"});
+
+    EXPECT_EQ(outcome.output, "[][a b][$HOME]['\"`*][\xFF][two\nlines]");
+}
+
+TEST(ChildProcess, BothStreams_ComeInTheOrderWritten) {
+    EXPECT_EQ(shell("echo 1; echo 2 >&2; echo 3; echo 4 >&2").output, "1\n2\n3\n4\n");
+}
+
+TEST(ChildProcess, OutputLargerThanThePipe_IsReadWhole) {
+    EXPECT_EQ(shell("head -c 3000000 /dev/zero").output, std::string(3'000'000, '\0'));
+}
+
+TEST(ChildProcess, OutputOfAChildThatOutlivesItsParent_IsReadToItsEnd) {
+    EXPECT_EQ(shell("(sleep 0.2; echo late) & echo early").output, "early\nlate\n");
+}
+
+TEST(ChildProcess, StandardInput_IsEmpty) {
+    EXPECT_EQ(shell("cat; echo end").output, "end\n");
+}
+
+TEST(ChildProcess, MissingProgram_FailsWithItsPath) {
+    try {
+        ChildProcess::run("/no/such/program", {});
+        FAIL() << "no failure";
+    } catch (const SystemError& error) {
+        EXPECT_EQ(error.code(), ENOENT);
+        EXPECT_EQ(error.description(), "No such file or directory: /no/such/program");
+    }
+}
+
+TEST(ChildProcess, FileThatIsNoProgram_Fails) {
+    const TemporaryFolder folder;
+    TestSupport::writeFile(folder.path() / "text", "no program");
+
+    try {
+        ChildProcess::run(folder.path() / "text", {});
+        FAIL() << "no failure";
+    } catch (const SystemError& error) {
+        EXPECT_EQ(error.code(), EACCES);
+    }
+}
+
+TEST(ChildProcess, NameWithoutAFolder_IsNotSearchedFor) {
+    EXPECT_THROW(ChildProcess::run("sh", {"-c", "true"}), SystemError);
+}
+
+TEST(ChildProcess, OpenFiles_AreNotPassedOn) {
+    const TemporaryFolder folder;
+    TestSupport::writeFile(folder.path() / "card", "x");
+    const int open = ::open((folder.path() / "card").c_str(), O_RDONLY);  // not close-on-exec
+    ASSERT_GT(open, STDERR_FILENO);
+
+    const auto outcome = shell("readlink /proc/self/fd/*");
+    ::close(open);
+
+    EXPECT_EQ(outcome.output.find("card"), std::string::npos) << outcome.output;
+}
+
+TEST(ChildProcess, BlockedAndIgnoredSignals_AreNotPassedOn) {
+    sigset_t blocked;
+    sigset_t before;
+    ::sigemptyset(&blocked);
+    ::sigaddset(&blocked, SIGTERM);
+    ::pthread_sigmask(SIG_BLOCK, &blocked, &before);
+    auto* handler = ::signal(SIGPIPE, SIG_IGN);
+
+    const int terminated = shell("kill -TERM $$; exit 0").status;
+    const int pipeBroken = shell("kill -PIPE $$; exit 0").status;
+
+    ::signal(SIGPIPE, handler);
+    ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    EXPECT_EQ(terminated, 128 + SIGTERM);
+    EXPECT_EQ(pipeBroken, 128 + SIGPIPE);
+}
+
+TEST(ChildProcess, ManyThreads_GetEachItsOwnOutcome) {
+    std::vector<std::future<ChildProcess::Outcome>> runs;
+    for (int i = 0; i < 32; ++i) {
+        runs.push_back(std::async(std::launch::async, [i] {
+            return shell("echo " + std::to_string(i) + "; exit " + std::to_string(i));
+        }));
+    }
+    for (int i = 0; i < 32; ++i) {
+        const auto outcome = runs[static_cast<std::size_t>(i)].get();
+        EXPECT_EQ(outcome.status, i);
+        EXPECT_EQ(outcome.output, std::to_string(i) + "\n");
+    }
+}
+
+TEST(ChildProcess, EndAll_EndsTheChildThatAThreadWaitsFor) {
+    const TemporaryFolder folder;
+    const URL started = folder.path() / "started";
+    auto run = std::async(std::launch::async, [&] {
+        return shell("touch '" + started.native() + "'; exec sleep 600");
+    });
+    while (!std::filesystem::exists(started)) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+
+    ChildProcess::endAll();
+
+    EXPECT_EQ(run.get().status, 128 + SIGTERM);
+}
+
+TEST(ChildProcess, EndAllWithNothingRunning_DoesNothing) {
+    shell("true");
+    ChildProcess::endAll();
+
+    EXPECT_EQ(shell("exit 3").status, 3);
+}
+
+}  // namespace
+
+}  // namespace ReelCore
