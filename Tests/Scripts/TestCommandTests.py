@@ -23,7 +23,6 @@ name=$(basename "$2"); [ "$name" = "$BROKEN" ] && echo "no compiler" && exit 1
 mkdir -p build/$name/bin
 [ $name = release ] && cp -p /bin/true build/release/bin/keldobay-tour
 [ $name = release ] && cp -p /bin/true build/release/bin/HashingBenchmark
-[ $name = fuzz ] && cp -p /bin/true build/fuzz/bin/WaveFuzzer
 true
 """
 CTEST = """
@@ -44,6 +43,7 @@ class TestCommandTests(unittest.TestCase):
         for script in ("install-dependencies", "layers", "format"):
             self.script(f"Scripts/{script}", "true")
         self.script("Tests/Scripts/SomeTests.py", "true")
+        self.script("Fuzz/run", "true")
         self.script("bin/cmake", CMAKE)
         self.script("bin/ctest", CTEST)
 
@@ -61,8 +61,8 @@ class TestCommandTests(unittest.TestCase):
                  "RESULTS": results, "BROKEN": broken})
         return run.returncode, run.stdout.splitlines()
 
-    # layers, scripts, format; configure and build of four presets; tour, benchmark, fuzzer.
-    STAGES = 3 + 8 + 3
+    # layers, scripts, format; configure and build of three presets; tour, benchmark, fuzzers.
+    STAGES = 3 + 6 + 3
 
     def test_AllPasses_CountsStagesAndTestsOfThreeBuilds(self):
         status, lines = self.run_test(results=PASSED)
@@ -103,11 +103,12 @@ class TestCommandTests(unittest.TestCase):
         self.assertEqual(lines[-1], f"{self.STAGES - 2 + 2} passed, 1 failed, 0 skipped")
         self.assertEqual(status, 1)
 
-    def test_FuzzersAndBenchmarksGone_Fails(self):
+    def test_TourBenchmarksAndFuzzersGone_Fails(self):
         self.script("bin/cmake", "mkdir -p build/$(basename $2)")
+        (self.tree / "Fuzz/run").unlink()
         status, lines = self.run_test()
-        self.assertEqual(lines[-5:], ["Failed:", "  tour", "  benchmark: no programs found",
-                                      "  fuzz: no programs found",
+        self.assertEqual(lines[-5:], ["Failed:", "  tour", "  benchmarks: no programs found",
+                                      "  fuzzers",
                                       f"{self.STAGES - 3 + 3} passed, 3 failed, 0 skipped"])
         self.assertEqual(status, 1)
 
