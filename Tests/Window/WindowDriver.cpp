@@ -8,6 +8,8 @@
 #include <filesystem>
 #include <stdexcept>
 
+#include <QtQuickTest/quicktest.h>
+
 namespace WindowSupport {
 
 namespace {
@@ -85,11 +87,17 @@ QString WindowDriver::text(const QString& name) const {
 
 void WindowDriver::press(const QString& name) {
     waitFor("something to press: " + name.toStdString(), [&] { return isEnabled(name); });
+    settle();
     QQuickItem* item = find(name);
     scrollTo(*item);
     const QPointF middle = item->mapToScene(QPointF(item->width() / 2, item->height() / 2));
     QTest::mouseClick(window_, Qt::LeftButton, Qt::NoModifier, middle.toPoint());
     QCoreApplication::processEvents();
+}
+
+void WindowDriver::settle() const {
+    if (!QQuickTest::qWaitForPolish(window_))
+        throw std::runtime_error("the window does not settle");
 }
 
 void WindowDriver::scrollTo(QQuickItem& item) const {
@@ -102,7 +110,6 @@ void WindowDriver::scrollTo(QQuickItem& item) const {
     if (bottom > scroll->height()) {
         scroll->setProperty("contentY", now + bottom - scroll->height());
     }
-    QCoreApplication::processEvents();
 }
 
 void WindowDriver::type(const QString& text) {
@@ -133,7 +140,9 @@ void WindowDriver::waitForStage(keldo_app::OffloadViewModel::Stage stage, int mi
 
 void WindowDriver::resize(int width, int height) {
     window_->resize(width, height);
-    waitFor("the new size", [&] { return window_->size() == QSize(width, height); });
+    const QSizeF size(width, height);
+    waitFor("the new size", [&] { return window_->contentItem()->size() == size; });
+    settle();
 }
 
 void WindowDriver::screenshot(const ReelCore::URL& path) const {

@@ -64,6 +64,8 @@ public:
     const QStringList& warnings() const;
 
 private:
+    /// Waits until everything has its place.
+    void settle() const;
     void scrollTo(QQuickItem& item) const;
 
     QQmlApplicationEngine engine_;

@@ -1,7 +1,7 @@
 import QtQuick
 import QtQuick.Controls.Basic
 
-// One choice of a few, side by side. Tab reaches the chosen one, the arrow keys move the choice.
+// One choice of a few, side by side. Tab reaches it as a whole, the arrow keys move the choice.
 Rectangle {
     id: control
 
@@ -14,14 +14,16 @@ Rectangle {
     implicitHeight: Theme.buttonHeight + 2
     color: Theme.troughBackground
     radius: Theme.small
+    activeFocusOnTab: true
     Accessible.role: Accessible.PageTabList
     Accessible.name: name
+    Accessible.focusable: true
+    Keys.onLeftPressed: choose(currentIndex - 1)
+    Keys.onRightPressed: choose(currentIndex + 1)
 
     function choose(index) {
-        if (index < 0 || index >= labels.length)
-            return;
-        chosen(index);
-        segments.itemAt(index).forceActiveFocus(Qt.TabFocusReason);
+        if (index >= 0 && index < labels.length)
+            chosen(index);
     }
 
     Row {
@@ -29,7 +31,6 @@ Rectangle {
         anchors.margins: 2
 
         Repeater {
-            id: segments
             model: control.labels
 
             AbstractButton {
@@ -43,13 +44,11 @@ Rectangle {
                 text: modelData
                 width: parent.width / control.labels.length
                 height: parent.height
-                focusPolicy: isCurrent ? Qt.StrongFocus : Qt.ClickFocus
+                focusPolicy: Qt.NoFocus
                 Accessible.role: Accessible.RadioButton
                 Accessible.name: modelData
                 Accessible.checked: isCurrent
                 onClicked: control.chosen(index)
-                Keys.onLeftPressed: control.choose(index - 1)
-                Keys.onRightPressed: control.choose(index + 1)
 
                 contentItem: Text {
                     text: segment.text
@@ -65,7 +64,7 @@ Rectangle {
                     border.width: segment.isCurrent ? Theme.hairline : 0
                     border.color: Theme.separator
                     FocusRing {
-                        visible: segment.visualFocus
+                        visible: segment.isCurrent && control.activeFocus
                     }
                 }
             }

@@ -41,7 +41,7 @@ protected:
         openSheet();
         driver_->type("ERASE");
         driver_->press("sheet.erase");
-        driver_->waitFor("the erase", [&] { return driver_->text("offload.formatStatus") != ""; });
+        driver_->waitFor("the erase", [&] { return driver_->isShown("offload.formatStatus"); });
     }
 };
 
