@@ -12,6 +12,7 @@
 #include "ReelCore/Platform/SystemError.h"
 #include "ReelCore/Reports/MHLWriter.h"
 
+#include <algorithm>
 #include <span>
 #include <utility>
 
@@ -32,10 +33,25 @@ std::vector<ReelFolder> makeReelFolders(const OffloadRequest& request) {
     return reels;
 }
 
+/// True if a file that was copied stands at `path`. It could only stand at the top of its reel.
+bool isCopy(const URL& path, const OffloadResult& result) {
+    const auto wanted = FileSystem::identity(path);
+    if (!wanted) return false;
+    const auto isIt = [&](const DestinationResult& copy) {
+        return FileSystem::identity(copy.writtenURL) == wanted;
+    };
+    return std::ranges::any_of(result.files, [&](const FileVerification& one) {
+        const bool atTheTop = one.file.relativePath.find('/') == std::string::npos;
+        return atTheTop && std::ranges::any_of(one.destinations, isIt);
+    });
+}
+
 void writeHashLists(const OffloadResult& result, const std::vector<ReelFolder>& reels) {
     const MHLWriter writer{std::string(toolName), std::string(ReelCoreVersion)};
     for (const ReelFolder& reel : reels) {
         if (!reel.isStillThere()) continue;
+        // A reel offloaded once more brings its old list along. That copy has been proved.
+        if (isCopy(reel.path() / MHLWriter::listName(result.request.reelName), result)) continue;
         try {
             writer.write(result, reel.path());
         } catch (const SystemError&) {

@@ -31,7 +31,8 @@ public:
 
     /// Runs a whole offload: scan, reel folders, then for each file copy and read-back, and at the
     /// end a hash list in each reel folder. A read-back that fails or differs is recorded in the
-    /// result and never repaired; every other failure ends the run:
+    /// result and never repaired. A hash list that can't be written is left out, and so is one that
+    /// would replace a copy of the card's own file of that name. Every other failure ends the run:
     ///
     /// - OffloadError::NoDestinations, before anything else;
     /// - OffloadError::SourceNotFound, or the scan's SystemError;

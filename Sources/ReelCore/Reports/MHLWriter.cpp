@@ -67,10 +67,13 @@ std::string document(const OffloadResult& result, const MHLWriter& writer) {
 
 }  // namespace
 
+std::string MHLWriter::listName(std::string reelName) {
+    std::ranges::replace(reelName, '/', '_');
+    return reelName + ".mhl";
+}
+
 URL MHLWriter::write(const OffloadResult& result, const URL& folder) const {
-    std::string name = result.request.reelName;
-    std::ranges::replace(name, '/', '_');
-    const URL url = folder / (name + ".mhl");
+    const URL url = folder / listName(result.request.reelName);
     const std::string list = document(result, *this);
     File file = File::create(url);
     file.write(std::as_bytes(std::span(list)));

@@ -15,9 +15,12 @@ struct MHLWriter {
     std::string toolName;
     std::string toolVersion;
 
+    /// The reel name with each "/" as "_", and ".mhl".
+    static std::string listName(std::string reelName);
+
     /// Writes the list of `result` into `folder`, which is the reel folder of one destination, and
-    /// returns where it stands: the reel name with each "/" as "_", and ".mhl". A file of that
-    /// name is replaced; the list is durable on its device when this returns. Throws SystemError.
+    /// returns where it stands: under its `listName`. A file of that name is replaced; the list is
+    /// durable on its device when this returns. Throws SystemError.
     URL write(const OffloadResult& result, const URL& folder) const;
 };
 

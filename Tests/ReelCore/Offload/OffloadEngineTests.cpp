@@ -2,8 +2,6 @@
 #include "ReelCore/Platform/SystemError.h"
 #include "Support/Tool.h"
 
-#include <thread>
-
 #include <sys/stat.h>
 
 using namespace ReelCore;
@@ -57,50 +55,6 @@ TEST_F(OffloadEngineTest, Run_CameraFormat_ComesFromTheScan) {
     makeCard({{"DCIM/a", ""}, {"MISC/b", ""}});
 
     EXPECT_EQ(run(request({at("d1")})).cameraFormat, CameraFormat::canon);
-}
-
-TEST_F(OffloadEngineTest, Progress_TwoFiles_ExactlyTheseEventsInThisOrder) {
-    makeCard({{"A", "12345"}, {"DCIM/B", "123"}});
-
-    run(request({at("d1"), at("d2")}));
-
-    EXPECT_EQ(events_,
-              (std::vector<OffloadProgress>{{Phase::scanning, std::nullopt, 0, 0, 0, 0},
-                                            {Phase::copying, "A", 0, 2, 0, 8},
-                                            {Phase::verifying, "A", 0, 2, 0, 8},
-                                            {Phase::copying, "DCIM/B", 1, 2, 5, 8},
-                                            {Phase::verifying, "DCIM/B", 1, 2, 5, 8},
-                                            {Phase::writingReport, std::nullopt, 2, 2, 8, 8},
-                                            {Phase::done, std::nullopt, 2, 2, 8, 8}}));
-}
-
-TEST_F(OffloadEngineTest, Progress_Phases_ComeWhenTheDisksAreInThatState) {
-    makeCard({{"DCIM/A", "12345"}, {"DCIM/B", "123"}});
-    std::vector<std::string> seen;
-    onProgress = [&](const OffloadProgress& progress) {
-        const bool folder = std::filesystem::exists(at("d2/A001"));
-        const bool copied = std::filesystem::exists(at("d2/A001/DCIM/A"));
-        const bool list = hasHashList(at("d2"));
-        seen.push_back(std::string(rawValue(progress.phase)) + (folder ? " folder" : "") +
-                       (copied ? " copy" : "") + (list ? " list" : ""));
-    };
-
-    run(request({at("d1"), at("d2")}));
-
-    EXPECT_EQ(seen,
-              (std::vector<std::string>{"scanning", "copying folder", "verifying folder copy",
-                                        "copying folder copy", "verifying folder copy",
-                                        "writingReport folder copy", "done folder copy list"}));
-}
-
-TEST_F(OffloadEngineTest, Progress_EventsOfARun_ComeOnTheThreadThatRuns) {
-    makeCard({{"A", "12345"}});
-    const auto here = std::this_thread::get_id();
-    onProgress = [&](const auto&) { EXPECT_EQ(std::this_thread::get_id(), here); };
-
-    run(request({at("d1")}));
-
-    EXPECT_EQ(events_.size(), 5U);
 }
 
 TEST_F(OffloadEngineTest, Run_Dates_StartBeforeTheScanAndFinishBeforeTheHashLists) {
@@ -197,6 +151,27 @@ TEST_F(OffloadEngineTest, Run_HashListCannotBeWritten_IsIgnored) {
     EXPECT_EQ(events_.back().phase, Phase::done);
     EXPECT_TRUE(hasHashList(at("d2")));
     EXPECT_EQ(readFile(at("d1/A001/A001.mhl/inside")), "a folder in the way");
+}
+
+TEST_F(OffloadEngineTest, Run_CardHoldsAFileOfTheHashListsName_ItsProvedCopyStays) {
+    const FolderTree card{{"A", "a"}, {"A001.mhl", "the list of an earlier offload"}};
+    makeCard(card);
+
+    EXPECT_TRUE(run(request({at("d1"), at("d2")})).allVerified());
+    EXPECT_TRUE(run(request({at("d1"), at("d2")})).allVerified());
+
+    EXPECT_EQ(readTree(at("d1/A001")), card);
+    EXPECT_EQ(readTree(at("d2/A001")), card);
+}
+
+TEST_F(OffloadEngineTest, Run_AgainOntoTheSameReel_WritesTheHashListAnew) {
+    makeCard({{"A", "a"}, {"DCIM/A001.mhl", "no matter in a folder"}});
+    run(request({at("d1")}));
+    writeFile(at("d1/A001/A001.mhl"), "an old list");
+
+    run(request({at("d1")}));
+
+    EXPECT_EQ(runTool("xmllint", {"--noout", at("d1/A001/A001.mhl").native()}).status, 0);
 }
 
 TEST_F(OffloadEngineTest, Run_FileDates_AreKeptToTheNanosecondOnEveryCopy) {
