@@ -45,6 +45,7 @@ FaultyFileSystem::FaultyFileSystem(const ReelCore::URL& backing, const ReelCore:
     add(arguments, "delay", std::optional<std::int64_t>(faults.delay));
     add(arguments, "refuse-direct-reads", faults.refuseDirectReads);
     add(arguments, "keep-cache", faults.keepCache);
+    add(arguments, "hide-types", faults.hideTypes);
     add(arguments, "ignore-case", faults.ignoreCase);
     add(arguments, "fail-attributes-of", faults.failAttributesOf);
     add(arguments, "fail-listing-of", faults.failListingOf);

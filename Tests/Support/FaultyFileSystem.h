@@ -35,6 +35,9 @@ public:
         bool refuseDirectReads = false;  ///< EINVAL for what is read with O_DIRECT.
         bool keepCache = false;          ///< The kernel keeps pages from one open to the next.
 
+        /// Listings don't tell files from folders, as those of some file systems don't.
+        bool hideTypes = false;
+
         /// Names differ by more than the case of letters; the backing folder holds lower case.
         bool ignoreCase = false;
 

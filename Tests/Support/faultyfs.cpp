@@ -131,7 +131,7 @@ int listFolder(const char* path, void* buffer, fuse_fill_dir_t fill, off_t, fuse
     while (const dirent* entry = ::readdir(folder)) {
         struct stat status {};
         status.st_ino = entry->d_ino;
-        status.st_mode = static_cast<mode_t>(entry->d_type) << 12;
+        if (!isSet("hide-types")) status.st_mode = static_cast<mode_t>(entry->d_type) << 12;
         fill(buffer, entry->d_name, &status, 0, fuse_fill_dir_flags{});
     }
     ::closedir(folder);

@@ -135,6 +135,17 @@ TEST_F(FolderWalkTest, Walk_FolderThatTheDriveRefuses_IsPassedOverInSilence) {
     EXPECT_EQ(walk(card.path()), (Found{{"a", 0}, {"good/d", 0}}));
 }
 
+TEST_F(FolderWalkTest, Walk_FileSystemThatHidesTypesInItsListings_MeetsTheSameFiles) {
+    if (!FaultyFileSystem::isAvailable()) GTEST_SKIP() << "needs FUSE";
+    writeTree(at("back"), {{"a", "1"}, {"DCIM/100/b", "12"}, {"ignored/c", ""}});
+    std::filesystem::create_symlink("a", at("back/link"));
+    std::filesystem::create_directory_symlink("DCIM", at("back/linkToFolder"));
+    ASSERT_EQ(::mkfifo(at("back/pipe").c_str(), 0666), 0);
+    const FaultyFileSystem card(at("back"), at("card"), {.hideTypes = true});
+
+    EXPECT_EQ(walk(card.path()), (Found{{"a", 1}, {"DCIM/100/b", 2}}));
+}
+
 TEST_F(FolderWalkTest, Walk_AttributesThatCannotBeRead_EndItWithThatError) {
     if (!FaultyFileSystem::isAvailable()) GTEST_SKIP() << "needs FUSE";
     writeTree(at("back"), {{"a", ""}, {"DCIM/bad", ""}});
