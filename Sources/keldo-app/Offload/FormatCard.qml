@@ -29,7 +29,7 @@ Card {
         objectName: "offload.formatStatus"
         width: parent.width
         visible: text !== ""
-        text: card.model.formatStatus
+        text: card.model.formatStatus.replace(/\s+$/, "")
         color: text.startsWith("✓") ? Theme.proved : Theme.danger
         font: Theme.code
         readOnly: true

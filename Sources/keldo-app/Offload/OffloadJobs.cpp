@@ -7,6 +7,7 @@
 #include "keldo-app/Support/Format.h"
 
 #include <algorithm>
+#include <thread>
 #include <utility>
 
 namespace keldo_app {
@@ -115,6 +116,11 @@ Job<OffloadJobs::URLs> OffloadJobs::report(Result result, const URL& folder,
             }
         },
         std::move(done));
+}
+
+void OffloadJobs::release(Result result) {
+    if (!result) return;
+    std::thread([result = std::move(result)]() mutable { result.reset(); }).detach();
 }
 
 Job<QString> OffloadJobs::format(const CardFormatter::FormatPlan& plan,

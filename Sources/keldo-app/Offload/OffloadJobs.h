@@ -35,6 +35,9 @@ struct OffloadJobs {
     static Job<URLs> report(Result result, const ReelCore::URL& folder,
                             std::function<void(const URLs&)> done);
 
+    /// Lets go of a result in the background: taking a large card's apart would hold the window up.
+    static void release(Result result);
+
     /// Erases the card of an offload, and gives a text that begins with "✓" or "✗". A card whose
     /// files are no longer just those that were proved is not erased.
     static Job<QString> format(const ReelCore::CardFormatter::FormatPlan& plan,

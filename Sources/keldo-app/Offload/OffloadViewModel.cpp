@@ -146,7 +146,7 @@ void OffloadViewModel::reset() {
 void OffloadViewModel::clearOutcome() {
     progress_.reset();
     emit progressChanged();
-    result_.reset();
+    OffloadJobs::release(std::move(result_));
     resultFacts_.clear();
     emit resultChanged();
     gate_.reset();

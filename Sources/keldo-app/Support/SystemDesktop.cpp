@@ -1,6 +1,7 @@
 #include "keldo-app/Support/SystemDesktop.h"
 
 #include "ReelCore/Platform/FileSystem.h"
+#include "ReelCore/Platform/UserAccount.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -8,12 +9,22 @@
 #include <QDir>
 #include <QFile>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QStorageInfo>
 #include <QUrl>
 
 namespace keldo_app {
 
 namespace {
+
+/// Where this desktop mounts cards and drives; the user's folder where it does not say.
+QString folderOfMounts() {
+    const QString user = QString::fromStdString(ReelCore::UserAccount::loginName());
+    for (const QString& folder : {"/run/media/" + user, "/media/" + user, QString("/Volumes")}) {
+        if (QDir(folder).exists()) return folder;
+    }
+    return QDir::homePath();
+}
 
 /// The user's folder, then every card and drive that is mounted where desktops mount them.
 QList<QUrl> placesToShow() {
@@ -35,7 +46,9 @@ std::optional<ReelCore::URL> SystemDesktop::chooseFolder(const QString& message)
     panel.setOption(QFileDialog::ShowDirsOnly);
     panel.setLabelText(QFileDialog::Accept, "Select");
     panel.setSidebarUrls(placesToShow());
+    panel.setDirectory(lastFolder_.isEmpty() ? folderOfMounts() : lastFolder_);
     if (panel.exec() != QDialog::Accepted || panel.selectedFiles().isEmpty()) return std::nullopt;
+    lastFolder_ = QFileInfo(panel.selectedFiles().constFirst()).absolutePath();
     const QByteArray path = QFile::encodeName(panel.selectedFiles().constFirst());
     return ReelCore::FileSystem::standardised(path.toStdString());
 }

@@ -13,6 +13,10 @@ public:
 
     std::optional<ReelCore::URL> chooseFolder(const QString& message) override;
     void reveal(const ReelCore::URL& file) override;
+
+private:
+    /// Where the last choice lies: cards and drives mostly stand side by side.
+    QString lastFolder_;
 };
 
 }  // namespace keldo_app

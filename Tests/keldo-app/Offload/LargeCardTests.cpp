@@ -47,7 +47,11 @@ protected:
     ReelCore::URL memory_;
 };
 
+#if defined(NDEBUG) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 constexpr qint64 longestBlock = 100;
+#else
+constexpr qint64 longestBlock = 1'000;  // A debug or sanitized build is that much slower.
+#endif
 
 }  // namespace
 
