@@ -19,9 +19,9 @@ void runFFmpeg(const std::vector<std::string>& arguments) {
 }
 
 void makeClip(const ReelCore::URL& path, const std::string& timecode) {
-    runFFmpeg({"-f", "lavfi", "-i", "testsrc2=size=1280x720:rate=25:duration=4", "-f", "lavfi", "-i",
-               "sine=frequency=440:sample_rate=48000:duration=4", "-timecode", timecode, "-c:v",
-               "prores_ks", "-profile:v", "0", "-c:a", "pcm_s16le", path.native()});
+    runFFmpeg({"-f", "lavfi", "-i", "testsrc2=size=1920x1080:rate=25:duration=4", "-f", "lavfi",
+               "-i", "sine=frequency=440:sample_rate=48000:duration=4", "-timecode", timecode,
+               "-c:v", "prores_ks", "-profile:v", "0", "-c:a", "pcm_s16le", path.native()});
 }
 
 void makeWAV(const ReelCore::URL& path) {

@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
 #include <stdexcept>
 #include <string>
 
@@ -96,8 +97,19 @@ void offload(WindowDriver& driver, Guide& guide, const fs::path& folder) {
     }
 }
 
-void tour(const fs::path& folder) {
+/// Empties the folder of an earlier tour. Any other folder that holds something is refused.
+void beginAfresh(const fs::path& folder) {
+    const fs::path mark = folder / ".keldobay-tour";
+    if (fs::exists(folder) && !fs::is_empty(folder) && !fs::exists(mark)) {
+        throw std::runtime_error(folder.native() + " is not empty and not from an earlier tour");
+    }
     fs::remove_all(folder);
+    fs::create_directories(folder);
+    std::ofstream(mark) << "made by keldobay-tour, and emptied by it\n";
+}
+
+void tour(const fs::path& folder) {
+    beginAfresh(folder);
     const fs::path card = folder / "A001_C003";
     Guide::say("make a sample card at " + card.native());
     Tour::makeSampleCard(card);
@@ -116,7 +128,7 @@ void tour(const fs::path& folder) {
 }  // namespace
 
 /// keldobay-tour FOLDER: offloads a sample card through the real window without a display, and
-/// leaves all it made in FOLDER, which is emptied first.
+/// leaves all it made in FOLDER, which must be empty, missing or from an earlier tour.
 int main(int argc, char* argv[]) {
     WindowSupport::startOffscreen(argc, argv);
     if (argc != 2) {
