@@ -20,7 +20,8 @@ namespace ReelCore {
 /// One thread at a time; owns its descriptor and one buffer.
 class DeviceReader {
 public:
-    /// `path` must be a regular file. Blocks are about `blockSize` bytes long.
+    /// `path` must be a regular file. Blocks are about `blockSize` bytes long, for a file that is
+    /// shorter about its length.
     /// Throws SystemError if the file can't be opened.
     DeviceReader(const URL& path, std::size_t blockSize);
     ~DeviceReader();

@@ -1,15 +1,30 @@
 #include "ReelCore/Platform/DeviceReader.h"
 #include "ReelCore/Platform/SystemError.h"
 
+#include <algorithm>
 #include <cerrno>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace ReelCore {
 
+namespace {
+
+/// No block need be longer than the file. A direct read that asks for more is right as well, but
+/// has the kernel fill the rest of the buffer with zeros, which for a small file takes longer than
+/// the read itself.
+std::size_t blockFor(const File& file, std::size_t blockSize) {
+    struct stat status {};
+    if (::fstat(file.descriptor(), &status) != 0) throwSystemError();
+    return std::min(blockSize, static_cast<std::size_t>(status.st_size));
+}
+
+}  // namespace
+
 DeviceReader::DeviceReader(const URL& path, std::size_t blockSize)
-    : file_(File::openForReading(path)), buffer_(blockSize) {}
+    : file_(File::openForReading(path)), buffer_(blockFor(file_, blockSize)) {}
 
 DeviceReader::~DeviceReader() {
     if (!direct_) file_.dropFromCache(0, 0);
