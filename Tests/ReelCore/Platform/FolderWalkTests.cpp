@@ -164,6 +164,9 @@ TEST_F(FolderWalkTest, Walk_AttributesThatCannotBeRead_EndItWithThatError) {
 // A folder that only this process can't open is no fault of the card's, and its files would be
 // missing from every copy without a word.
 TEST_F(FolderWalkTest, Walk_ProcessOutOfDescriptors_FailsAndDoesNotLeaveFoldersOut) {
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "the sanitizer needs descriptors of its own when an exception is thrown";
+#endif
     writeTree(at(""), {{"DCIM/clip", "1"}});
 
     const int status = statusOfForked([&] {

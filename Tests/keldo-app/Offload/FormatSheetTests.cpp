@@ -97,8 +97,7 @@ TEST_F(FormatSheetTests, Erase_RunsTheToolAndSaysSo) {
     installTool("for a in \"$@\"; do echo \"$a\"; done > '" + record.native() +
                 "'\necho Finished erase\n");
     eraseCard();
-    EXPECT_EQ(driver_->text("offload.formatStatus"),
-              "✓ Card formatted as “A001”.\nFinished erase");
+    EXPECT_EQ(driver_->text("offload.formatStatus"), "✓ Card formatted as “A001”.\nFinished erase");
     EXPECT_EQ(TestSupport::readFile(record), "eraseVolume\nExFAT\nA001\n" + card().native() + "\n");
     EXPECT_FALSE(driver_->isShown("offload.formatButton"));
     keepPictures("erased");
@@ -107,8 +106,7 @@ TEST_F(FormatSheetTests, Erase_RunsTheToolAndSaysSo) {
 TEST_F(FormatSheetTests, EraseThatFails_SaysWhyAndIsNotOfferedAgain) {
     installTool("echo The volume is busy.\nexit 3\n");
     eraseCard();
-    EXPECT_EQ(driver_->text("offload.formatStatus"),
-              "✗ diskutil failed (3): The volume is busy.");
+    EXPECT_EQ(driver_->text("offload.formatStatus"), "✗ diskutil failed (3): The volume is busy.");
     EXPECT_FALSE(driver_->isShown("offload.formatButton"));
     keepPictures("erase-failed");
     driver_->press("offload.new");

@@ -1,10 +1,8 @@
-#include "keldo-app/Offload/OffloadViewModel.h"
-
+#include "OffloadViewModelFixture.h"
 #include "Support/FolderTree.h"
 #include "Window/FakeDesktop.h"
 #include "keldo-app/Support/Format.h"
 
-#include <QSignalSpy>
 #include <QTest>
 
 #include <gtest/gtest.h>
@@ -12,49 +10,9 @@
 using keldo_app::Format;
 using keldo_app::OffloadViewModel;
 using ReelCore::URL;
-using Stage = OffloadViewModel::Stage;
-using TestSupport::TemporaryFolder;
 
 namespace {
-
-class OffloadViewModelTests : public testing::Test {
-protected:
-    OffloadViewModelTests() {
-        TestSupport::writeTree(card(), {{"XDROOT/Clip/A.MXF", "picture"}, {"sound.wav", "sound"}});
-        std::filesystem::create_directories(one());
-        std::filesystem::create_directories(two());
-        model_.desktop = &desktop_;
-    }
-
-    URL card() const { return folder_.path() / "card"; }
-    URL one() const { return folder_.path() / "one"; }
-    URL two() const { return folder_.path() / "two"; }
-
-    void choose(const URL& source) {
-        desktop_.answers = {source};
-        model_.chooseSource();
-        ASSERT_TRUE(waitForStage(Stage::setup));
-    }
-
-    void add(const URL& drive) {
-        desktop_.answers = {drive};
-        model_.addDestination();
-    }
-
-    void runToEnd() {
-        model_.start();
-        ASSERT_TRUE(waitForStage(Stage::finished));
-    }
-
-    bool waitForStage(Stage stage) const {
-        return QTest::qWaitFor([&] { return model_.stage() == stage; }, 60'000);
-    }
-
-    TemporaryFolder folder_;
-    WindowSupport::FakeDesktop desktop_;
-    OffloadViewModel model_;
-};
-
+class OffloadViewModelTests : public OffloadViewModelFixture {};
 }  // namespace
 
 TEST_F(OffloadViewModelTests, Start_HasNothingChosenAndCantStart) {
@@ -221,35 +179,6 @@ TEST_F(OffloadViewModelTests, Reset_KeepsWhatWasChosenAndDropsTheOutcome) {
     EXPECT_EQ(model_.destinations().size(), 2U);
     EXPECT_TRUE(model_.scan());
     EXPECT_TRUE(model_.canStart());
-}
-
-TEST_F(OffloadViewModelTests, SaveReport_WritesBothFilesAndShowsThePDF) {
-    choose(card());
-    add(one());
-    model_.setReelName("A001");
-    runToEnd();
-    const URL reports = folder_.path() / "Reports";
-    std::filesystem::create_directories(reports);
-    desktop_.answers = {reports};
-    model_.saveReport();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !model_.reportStatus().isEmpty(); }, 30'000));
-    EXPECT_EQ(desktop_.messages.constLast(), "Save Offload Report to…");
-    EXPECT_EQ(model_.reportStatus(), "Saved 2 file(s) to Reports.");
-    EXPECT_EQ(desktop_.revealed, std::vector<URL>{reports / "Offload_Report_A001.pdf"});
-    EXPECT_TRUE(std::filesystem::exists(reports / "Offload_Report_A001.csv"));
-    model_.reset();
-    EXPECT_EQ(model_.reportStatus(), "Saved 2 file(s) to Reports.");
-}
-
-TEST_F(OffloadViewModelTests, SaveReport_WhereNothingCanBeWritten_SaysSo) {
-    choose(card());
-    add(one());
-    runToEnd();
-    desktop_.answers = {card() / "sound.wav"};
-    model_.saveReport();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !model_.reportStatus().isEmpty(); }, 30'000));
-    EXPECT_EQ(model_.reportStatus(), "Could not write report.");
-    EXPECT_TRUE(desktop_.revealed.empty());
 }
 
 TEST_F(OffloadViewModelTests, FormatCard_BehindAClosedGate_DoesNothing) {

@@ -43,8 +43,7 @@ TEST_F(RunningViewTests, ShowsPhaseFileCountsBytesAndDrives) {
 TEST_F(RunningViewTests, Cancel_KeepsTheViewUntilTheEngineHasAnswered) {
     startSlowRun();
     driver_->press("offload.cancel");
-    EXPECT_EQ(driver_->isShown("offload.cancel"),
-              driver_->offload()->stage() == Stage::running);
+    EXPECT_EQ(driver_->isShown("offload.cancel"), driver_->offload()->stage() == Stage::running);
     driver_->waitForStage(Stage::finished);
     EXPECT_EQ(driver_->text("offload.error"), "Offload cancelled.");
     EXPECT_FALSE(driver_->isShown("offload.format"));
