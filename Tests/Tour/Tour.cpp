@@ -59,11 +59,11 @@ void offload(WindowDriver& driver, Guide& guide, const fs::path& folder) {
     guide.press("offload.add", "Add Drive…");
     guide.picture("two-drives");
 
-    // A picture of the run itself, once a file is done.
+    // A picture of the run itself, once a third is done.
     guide.press("offload.start", "Start Offload");
-    driver.waitFor("a file to be done", [&] {
+    driver.waitFor("a third to be done", [&] {
         const auto& progress = driver.offload()->progress();
-        return (progress && progress->filesCompleted > 0) ||
+        return (progress && progress->fractionComplete() > 0.3) ||
                driver.offload()->stage() == OffloadViewModel::Stage::finished;
     });
     if (driver.isShown("offload.cancel")) guide.picture("running");

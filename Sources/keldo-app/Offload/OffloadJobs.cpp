@@ -1,7 +1,7 @@
 #include "keldo-app/Offload/OffloadJobs.h"
 
+#include "ReelCore/CardFormat/EraseCheck.h"
 #include "ReelCore/Offload/OffloadEngine.h"
-#include "ReelCore/Platform/Error.h"
 #include "ReelCore/Reports/Report.h"
 #include "ReelCore/Reports/ReportRenderer.h"
 #include "keldo-app/Support/Format.h"
@@ -43,25 +43,17 @@ std::vector<OffloadEvent> withoutStaleProgress(std::vector<OffloadEvent> events)
     return kept;
 }
 
-/// Whether the card still holds exactly the files that were proved. Another card may have been
-/// put in its place, or a camera may have gone on recording.
-bool isAsProved(const OffloadResult& result) {
-    const auto scan = ReelCore::SourceScanner::scan(result.request.source);
-    return std::ranges::equal(scan.files, result.files, {}, {}, &ReelCore::FileVerification::file);
-}
-
 QString erase(const CardFormatter::FormatPlan& plan, const CardFormatter::FormatGate& gate,
               const OffloadResult& result) {
     try {
-        if (!isAsProved(result)) {
-            return "✗ The files on the card are not the ones that were verified. Nothing was "
-                   "erased.";
+        if (const auto objection = ReelCore::EraseCheck::objection(result)) {
+            return QStringLiteral("✗ %1 Nothing was erased.").arg(Format::text(*objection));
         }
         const std::string output = CardFormatter::execute(plan, gate, true, false);
         return QStringLiteral("✓ Card formatted as “%1”.\n%2")
             .arg(Format::text(plan.newName), Format::text(output));
-    } catch (const ReelCore::Error& error) {
-        return "✗ " + Format::text(error.description());
+    } catch (const std::exception& error) {
+        return "✗ " + Format::text(error.what());
     }
 }
 
@@ -73,7 +65,7 @@ Job<OffloadJobs::ScanResult> OffloadJobs::scan(const URL& source,
         [source]() -> ScanResult {
             try {
                 return ReelCore::SourceScanner::scan(source);
-            } catch (const ReelCore::Error&) {
+            } catch (const std::exception&) {
                 return std::nullopt;
             }
         },
@@ -111,7 +103,7 @@ Job<OffloadJobs::URLs> OffloadJobs::report(Result result, const URL& folder,
             try {
                 const auto report = ReelCore::Report::offload(*result, std::nullopt, std::nullopt);
                 return ReelCore::ReportRenderer::write(report, folder, {"pdf", "csv"});
-            } catch (const ReelCore::Error&) {
+            } catch (const std::exception&) {
                 return {};
             }
         },

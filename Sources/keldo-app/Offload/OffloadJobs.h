@@ -38,8 +38,8 @@ struct OffloadJobs {
     /// Lets go of a result in the background: taking a large card's apart would hold the window up.
     static void release(Result result);
 
-    /// Erases the card of an offload, and gives a text that begins with "✓" or "✗". A card whose
-    /// files are no longer just those that were proved is not erased.
+    /// Erases the card of an offload, and gives a text that begins with "✓" or "✗". A card
+    /// that is no longer as it was proved, or whose copies have gone, is not erased.
     static Job<QString> format(const ReelCore::CardFormatter::FormatPlan& plan,
                                const ReelCore::CardFormatter::FormatGate& gate, Result result,
                                std::function<void(const QString&)> done);
