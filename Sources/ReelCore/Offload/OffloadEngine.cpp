@@ -84,9 +84,18 @@ std::span<const std::byte> readBlock(File& source, const URL& url, std::span<std
     }
 }
 
-void writeBlock(File& target, const URL& url, std::span<const std::byte> block) {
+/// How much of a long file may be on its way to one drive: enough to keep the drive busy while the
+/// next block is read, little enough that the pages written to are the same few over and over.
+constexpr std::int64_t writeBehind = 16 << 20;
+
+void writeBlock(File& target, const URL& url, std::span<const std::byte> block,
+                std::int64_t position, bool fileIsLong) {
     try {
         target.write(block);
+        if (!fileIsLong) return;
+        const auto length = static_cast<std::int64_t>(block.size());
+        target.beginWriteback(position, length);
+        if (position >= writeBehind) target.finishWriteback(position - writeBehind, length);
     } catch (const SystemError& error) {
         throw OffloadError(OffloadError::WriteFailed{url, error.sentence()});
     }
@@ -158,13 +167,13 @@ std::string OffloadEngine::copy(const URL& source, const std::vector<URL>& targe
         const auto block = readBlock(input, source, buffer);
         if (block.empty()) return hasher->finalizeHex();
         hasher->update(block);
-        for (std::size_t i = 0; i < outputs.size(); ++i) writeBlock(outputs[i], targets[i], block);
         // A long file goes to its drives while it is read on, and does not fill the cache.
-        const auto length = static_cast<std::int64_t>(block.size());
-        if (block.size() == buffer.size()) {
-            for (File& output : outputs) output.beginWriteback(position, length);
-            input.dropFromCache(position, length);
+        const bool isLong = block.size() == buffer.size();
+        for (std::size_t i = 0; i < outputs.size(); ++i) {
+            writeBlock(outputs[i], targets[i], block, position, isLong);
         }
+        const auto length = static_cast<std::int64_t>(block.size());
+        if (isLong) input.dropFromCache(position, length);
         position += length;
     }
 }

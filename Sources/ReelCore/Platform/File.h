@@ -39,6 +39,10 @@ public:
     /// Makes the file's contents and size durable on its device.
     void flush();
 
+    /// Waits until what was written to a range has gone to the device, and lets go of its cached
+    /// pages. Unlike a flush it leaves the file's size and dates for later.
+    void finishWriteback(std::int64_t offset, std::int64_t length);
+
     /// Hints, which never fail: read ahead further than usual; begin to write a written range to
     /// the device; let go of cached pages of a range (0, 0 for all).
     void expectSequentialRead();

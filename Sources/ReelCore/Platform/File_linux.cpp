@@ -95,6 +95,16 @@ void File::flush() {
     }
 }
 
+// A failure is told once: were it passed over here, a later flush would know nothing of it.
+void File::finishWriteback(std::int64_t offset, std::int64_t length) {
+    constexpr unsigned int all =
+        SYNC_FILE_RANGE_WAIT_BEFORE | SYNC_FILE_RANGE_WRITE | SYNC_FILE_RANGE_WAIT_AFTER;
+    while (::sync_file_range(descriptor_, offset, length, all) != 0) {
+        if (errno != EINTR) throwSystemError();
+    }
+    dropFromCache(offset, length);
+}
+
 void File::expectSequentialRead() {
     ::posix_fadvise(descriptor_, 0, 0, POSIX_FADV_SEQUENTIAL);
 }

@@ -1,0 +1,93 @@
+#include "ReelCore/Platform/File.h"
+#include "ReelCore/Platform/SystemError.h"
+#include "Support/FileCache.h"
+#include "Support/FolderTree.h"
+#include "Support/LoopMount.h"
+#include "Support/Tool.h"
+
+#include <cerrno>
+#include <cstdlib>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace ReelCore;
+using namespace TestSupport;
+
+std::span<const std::byte> bytesOf(std::string_view text) {
+    return std::as_bytes(std::span(text));
+}
+
+TEST(FileWriteback, FinishedRange_IsNoLongerInMemoryAndTheRestIs) {
+    if (!LoopMount::isAvailable()) GTEST_SKIP() << "needs root and loop devices";
+    const LoopMount drive("ext4", 64);
+    constexpr std::int64_t block = 4 << 20;
+    const std::string content = noise(2 * block);
+    const URL clip = drive.path() / "clip";
+    File file = File::create(clip);
+    file.write(bytesOf(content));
+    ASSERT_EQ(cachedBytes(clip), 2 * block);
+
+    file.finishWriteback(0, block);
+
+    EXPECT_EQ(cachedBytes(clip), block);
+    EXPECT_TRUE(readFile(clip) == content);
+}
+
+TEST(FileWriteback, EmptyOrUnwrittenRange_IsFine) {
+    const TemporaryFolder folder;
+    File file = File::create(folder.path() / "clip");
+    file.write(bytesOf("abc"));
+
+    file.finishWriteback(0, 3);
+    file.finishWriteback(3, 0);
+    file.finishWriteback(1 << 20, 4096);
+
+    EXPECT_EQ(readFile(folder.path() / "clip"), "abc");
+}
+
+/// Memory that temporary folders lie in for one test, so little that it soon runs full.
+class SmallMemory {
+public:
+    SmallMemory() {
+        outputOf("mount", {"-t", "tmpfs", "-o", "size=8m", "tmpfs", folder_.path()});
+        if (const char* old = std::getenv("TMPDIR")) old_ = old;
+        ::setenv("TMPDIR", folder_.path().c_str(), 1);
+    }
+    ~SmallMemory() {
+        if (old_.empty()) {
+            ::unsetenv("TMPDIR");
+        } else {
+            ::setenv("TMPDIR", old_.c_str(), 1);
+        }
+        runTool("umount", {"--lazy", folder_.path()});
+    }
+    SmallMemory(const SmallMemory&) = delete;
+    SmallMemory& operator=(const SmallMemory&) = delete;
+
+private:
+    TemporaryFolder folder_;
+    std::string old_;
+};
+
+// The image of this drive lies in a memory that is smaller than the drive says it is.
+TEST(FileWriteback, DriveThatRefusesWhatItSeemedToTake_IsAnError) {
+    if (!LoopMount::isAvailable()) GTEST_SKIP() << "needs root and loop devices";
+    const SmallMemory memory;
+    const LoopMount drive("ext4", 64);
+    File file = File::create(drive.path() / "clip");
+    constexpr std::int64_t size = 16 << 20;
+    file.write(bytesOf(noise(size)));
+
+    int code = 0;
+    try {
+        file.finishWriteback(0, size);
+    } catch (const SystemError& error) {
+        code = error.code();
+    }
+
+    EXPECT_TRUE(code == EIO || code == ENOSPC) << code;
+}
+
+}  // namespace
