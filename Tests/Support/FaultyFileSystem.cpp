@@ -49,6 +49,12 @@ FaultyFileSystem::FaultyFileSystem(const ReelCore::URL& backing, const ReelCore:
     add(arguments, "ignore-case", faults.ignoreCase);
     add(arguments, "fail-attributes-of", faults.failAttributesOf);
     add(arguments, "fail-listing-of", faults.failListingOf);
+    add(arguments, "break-listing-of", faults.breakListingOf);
+    add(arguments, "listing-error", std::optional<std::int64_t>(faults.listingError));
+    add(arguments, "vanish-at-listing-of", faults.vanishAtListingOf);
+    add(arguments, "fail-flush", faults.failFlush);
+    add(arguments, "fail-dates", faults.failDates);
+    add(arguments, "write-late", faults.writeLate);
     outputOf(KELDO_FAULTYFS, arguments);
 }
 

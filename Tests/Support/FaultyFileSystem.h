@@ -41,8 +41,17 @@ public:
         /// Names differ by more than the case of letters; the backing folder holds lower case.
         bool ignoreCase = false;
 
-        std::string failAttributesOf = {};  ///< A name whose attributes can't be read; EIO.
-        std::string failListingOf = {};     ///< The name of a folder that can't be opened; EACCES.
+        std::string failAttributesOf = {};   ///< A name whose attributes can't be read; EIO.
+        std::string failListingOf = {};      ///< The name of a folder that can't be opened; EACCES.
+        std::string breakListingOf = {};     ///< The name of a folder that opens but can't be read.
+        int listingError = 5;                ///< An `errno` for that, EIO unless said otherwise.
+        std::string vanishAtListingOf = {};  ///< The name of a folder; the server exits.
+
+        bool failFlush = false;  ///< Of one file; EIO.
+        bool failDates = false;  ///< EPERM for who sets the date of a file.
+
+        /// Writes stay in memory until a file is flushed or closed, so that they fail that late.
+        bool writeLate = false;
     };
 
     FaultyFileSystem(const ReelCore::URL& backing, const ReelCore::URL& mountPoint,

@@ -72,9 +72,14 @@ void takeTime() {
     std::this_thread::sleep_for(std::chrono::milliseconds(numberOf("delay", 0)));
 }
 
+/// True if a fault names the file or folder at `path`.
+bool names(std::string_view fault, std::string_view path) {
+    const std::string name = textOf(fault);
+    return !name.empty() && nameOf(path) == name;
+}
+
 int getAttributes(const char* path, struct stat* status, fuse_file_info*) {
-    const std::string refused = textOf("fail-attributes-of");
-    if (!refused.empty() && nameOf(path) == refused) return -EIO;
+    if (names("fail-attributes-of", path)) return -EIO;
     return answer(::lstat(real(path).c_str(), status));
 }
 
@@ -126,6 +131,7 @@ int writeBytes(const char* path, const char* bytes, std::size_t size, off_t at,
 
 int listFolder(const char* path, void* buffer, fuse_fill_dir_t fill, off_t, fuse_file_info*,
                fuse_readdir_flags) {
+    if (names("break-listing-of", path)) return -static_cast<int>(numberOf("listing-error", EIO));
     DIR* folder = ::opendir(real(path).c_str());
     if (!folder) return -errno;
     while (const dirent* entry = ::readdir(folder)) {
@@ -139,8 +145,18 @@ int listFolder(const char* path, void* buffer, fuse_fill_dir_t fill, off_t, fuse
 }
 
 int openFolder(const char* path, fuse_file_info*) {
-    const std::string refused = textOf("fail-listing-of");
-    return !refused.empty() && nameOf(path) == refused ? -EACCES : 0;
+    if (names("vanish-at-listing-of", path)) ::_exit(0);
+    return names("fail-listing-of", path) ? -EACCES : 0;
+}
+
+int setDates(const char* path, const timespec times[2], fuse_file_info*) {
+    if (isSet("fail-dates")) return -EPERM;
+    return answer(::utimensat(AT_FDCWD, real(path).c_str(), times, AT_SYMLINK_NOFOLLOW));
+}
+
+int flushFile(const char* path, int, fuse_file_info* info) {
+    if (isSet("fail-flush") && concerns(path)) return -EIO;
+    return answer(::fsync(descriptorOf(info)));
 }
 
 void* configure(fuse_conn_info* connection, fuse_config* config) {
@@ -149,6 +165,7 @@ void* configure(fuse_conn_info* connection, fuse_config* config) {
         config->kernel_cache = 1;
         connection->want &= ~static_cast<unsigned>(FUSE_CAP_AUTO_INVAL_DATA);
     }
+    if (isSet("write-late")) connection->want |= FUSE_CAP_WRITEBACK_CACHE;
     config->entry_timeout = 0;
     config->attr_timeout = 0;
     return nullptr;
@@ -172,12 +189,8 @@ fuse_operations operations() {
     all.truncate = [](const char* path, off_t size, fuse_file_info*) {
         return answer(::truncate(real(path).c_str(), size));
     };
-    all.utimens = [](const char* path, const timespec times[2], fuse_file_info*) {
-        return answer(::utimensat(AT_FDCWD, real(path).c_str(), times, AT_SYMLINK_NOFOLLOW));
-    };
-    all.fsync = [](const char*, int, fuse_file_info* info) {
-        return answer(::fsync(descriptorOf(info)));
-    };
+    all.utimens = setDates;
+    all.fsync = flushFile;
     all.release = [](const char*, fuse_file_info* info) { return ::close(descriptorOf(info)); };
     all.statfs = [](const char* path, struct statvfs* status) {
         return answer(::statvfs(real(path).c_str(), status));

@@ -4,6 +4,7 @@
 #include "ReelCore/Platform/Fatal.h"
 #include "ReelCore/Platform/FileSystem.h"
 #include "ReelCore/Platform/FolderWalk.h"
+#include "ReelCore/Platform/HeldFolder.h"
 #include "ReelCore/Platform/SystemError.h"
 #include "ReelCore/Platform/Text.h"
 
@@ -18,6 +19,16 @@ namespace {
 bool isIgnored(std::string_view name) {
     return std::ranges::find(SourceScanner::ignoredNames, name) !=
            SourceScanner::ignoredNames.end();
+}
+
+/// Throws OffloadError::SourceNotFound unless a folder that can be opened stands at `root`.
+HeldFolder hold(const URL& root) {
+    try {
+        return HeldFolder(root);
+    } catch (const SystemError& error) {
+        if (error.isOwnLimit()) throw;
+        throw OffloadError(OffloadError::SourceNotFound{root});
+    }
 }
 
 CameraFormat cameraFormatOf(const URL& root) {
@@ -59,14 +70,15 @@ std::int64_t SourceScanner::ScanResult::totalBytes() const {
 }
 
 SourceScanner::ScanResult SourceScanner::scan(const URL& root) {
-    if (!FileSystem::isFolder(root)) throw OffloadError(OffloadError::SourceNotFound{root});
+    const HeldFolder held = hold(root);
     ScanResult result{root, {}, cameraFormatOf(root)};
     const URL standardisedRoot = FileSystem::standardised(root);
     const bool walked = walkFolder(root, isIgnored, [&](WalkedFile file) {
         result.files.push_back({pathBelow(standardisedRoot, std::move(file.relativePath)),
                                 file.size, file.modificationDate});
     });
-    if (!walked) throw OffloadError(OffloadError::SourceNotFound{root});
+    // Where a card has gone, the folders still to be read were passed over like unreadable ones.
+    if (!walked || !held.isStillThere()) throw OffloadError(OffloadError::SourceNotFound{root});
     sortByPath(result.files);
     return result;
 }

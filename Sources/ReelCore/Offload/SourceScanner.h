@@ -41,8 +41,9 @@ struct SourceScanner {
     /// pipes and devices are not listed; folders that can't be read are passed over in silence.
     /// Reads names and attributes only, never a file's content, and writes nothing.
     ///
-    /// Throws OffloadError::SourceNotFound if `root` is missing, no folder or can't be opened, and
-    /// SystemError if a file's attributes can't be read. Blocks for the whole walk; any thread.
+    /// Throws OffloadError::SourceNotFound if `root` is missing, no folder or can't be opened, or
+    /// is no longer there at the end; SystemError if the attributes of any entry can't be read, or
+    /// if this process has no means left to read a folder. Blocks for the whole walk; any thread.
     static ScanResult scan(const URL& root);
 };
 

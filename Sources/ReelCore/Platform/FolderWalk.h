@@ -23,10 +23,9 @@ struct WalkedFile {
 /// folder that can't be read, and anything, with all below it, whose name `isIgnored` tells.
 /// Folders are only read: where the system allows it, not even their access times change.
 ///
-/// False, with nothing visited, if `root` can't be opened. Throws SystemError if a file's
-/// attributes can't be read, or if this process has no means left to open a folder (descriptors,
-/// memory, the length of a path). Synchronous; memory grows with the number of folders, not of
-/// files.
+/// False, with nothing visited, if `root` can't be opened. Throws SystemError if the attributes of
+/// any entry can't be read, or if this process has no means left to read a folder, `root` included
+/// (SystemError::isOwnLimit). Synchronous; memory grows with the number of folders, not of files.
 bool walkFolder(const URL& root, const std::function<bool(std::string_view name)>& isIgnored,
                 const std::function<void(WalkedFile)>& visit);
 

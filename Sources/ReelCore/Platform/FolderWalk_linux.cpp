@@ -13,10 +13,11 @@ namespace ReelCore {
 
 namespace {
 
-/// A folder that only this process can't open is not the card's fault, and leaving it out would
+/// A folder that only this process can't read is not the card's fault, and leaving it out would
 /// leave its files out of every copy.
-bool isOwnLimit(int code) {
-    return code == EMFILE || code == ENFILE || code == ENOMEM || code == ENAMETOOLONG;
+void throwIfOwnLimit(int code, const URL& path) {
+    const SystemError failure(code, path);
+    if (failure.isOwnLimit()) throw failure;
 }
 
 /// Absent where the date lies outside what a Date can hold.
@@ -39,41 +40,50 @@ public:
         : root_(root), isIgnored_(isIgnored), visit_(visit) {}
 
     bool run() {
-        const OpenFolder top = openFolder(root_, FolderLinks::follow);
-        if (!top) return false;
-        list(top.get(), "");
+        if (!visitFolder("", FolderLinks::follow)) return false;
         while (!pending_.empty()) {
-            const std::string prefix = std::move(pending_.back());
+            const std::string path = std::move(pending_.back());
             pending_.pop_back();
-            const OpenFolder folder = openFolder(root_ / prefix, FolderLinks::refuse);
-            if (folder) {
-                list(folder.get(), prefix);
-            } else if (isOwnLimit(errno)) {
-                throwSystemError(root_ / prefix);
-            }
+            visitFolder(path, FolderLinks::refuse);
         }
         return true;
     }
 
 private:
-    void list(DIR* folder, const std::string& prefix) {
-        while (const dirent* entry = ::readdir(folder)) {
-            const std::string_view name = entry->d_name;
-            if (name == "." || name == ".." || isIgnored_(name)) continue;
-            meet(folder, *entry, prefix + std::string(name));
+    /// False, and nothing visited, if the folder is passed over.
+    bool visitFolder(const std::string& path, FolderLinks links) {
+        const URL place = path.empty() ? root_ : root_ / path;
+        const OpenFolder folder = openFolder(place, links);
+        if (!folder) {
+            throwIfOwnLimit(errno, place);
+            return false;
         }
+        throwIfOwnLimit(list(folder.get(), path.empty() ? "" : path + "/"), place);
+        return true;
     }
 
-    void meet(DIR* folder, const dirent& entry, std::string path) {
-        if (entry.d_type == DT_DIR) return pending_.push_back(path + "/");
-        if (entry.d_type != DT_REG && entry.d_type != DT_UNKNOWN) return;
+    /// The `errno` value that ended the listing, 0 if there were no more entries.
+    int list(DIR* folder, const std::string& prefix) {
+        errno = 0;
+        while (const dirent* entry = ::readdir(folder)) {
+            const std::string_view name = entry->d_name;
+            if (name != "." && name != ".." && !isIgnored_(name)) {
+                meet(folder, entry->d_name, prefix + std::string(name));
+            }
+            errno = 0;
+        }
+        return errno;
+    }
+
+    void meet(DIR* folder, const char* name, std::string path) {
         struct stat status {};
-        if (::fstatat(::dirfd(folder), entry.d_name, &status, AT_SYMLINK_NOFOLLOW) != 0) {
-            throwSystemError(root_ / path);
+        if (::fstatat(::dirfd(folder), name, &status, AT_SYMLINK_NOFOLLOW) != 0) {
+            const int code = errno;
+            throw SystemError(code, root_ / path);
         }
         switch (kindOf(status.st_mode)) {
             case Kind::folder:
-                return pending_.push_back(path + "/");
+                return pending_.push_back(std::move(path));
             case Kind::file:
                 return visit_({std::move(path), status.st_size, dateOf(status.st_mtim)});
             case Kind::other:

@@ -10,7 +10,7 @@ namespace ReelCore {
 /// like another one. Movable; any thread.
 class HeldFolder {
 public:
-    /// Throws SystemError if no folder stands at `path`.
+    /// Throws SystemError if no folder that can be read stands at `path`.
     explicit HeldFolder(const URL& path);
 
     HeldFolder(HeldFolder&& other) noexcept;
@@ -19,6 +19,11 @@ public:
 
     /// True if the path still leads to this very folder.
     bool isStillThere() const;
+
+    /// Makes everything that was written to the folder's file system durable, names and dates
+    /// included. Throws SystemError if that fails, or if anything written there since the folder
+    /// is held did not reach the device.
+    void flushFileSystem() const;
 
 private:
     URL path_;

@@ -1,6 +1,7 @@
 #include "ReelCore/Platform/HeldFolder.h"
 #include "ReelCore/Platform/SystemError.h"
 
+#include <cerrno>
 #include <utility>
 
 #include <fcntl.h>
@@ -9,8 +10,10 @@
 
 namespace ReelCore {
 
-HeldFolder::HeldFolder(const URL& path)
-    : path_(path), descriptor_(::open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC)) {
+HeldFolder::HeldFolder(const URL& path) : path_(path), descriptor_(-1) {
+    do {
+        descriptor_ = ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    } while (descriptor_ < 0 && errno == EINTR);
     if (descriptor_ < 0) throwSystemError(path);
 }
 
@@ -25,6 +28,10 @@ HeldFolder& HeldFolder::operator=(HeldFolder&& other) noexcept {
 
 HeldFolder::~HeldFolder() {
     if (descriptor_ >= 0) ::close(descriptor_);
+}
+
+void HeldFolder::flushFileSystem() const {
+    if (::syncfs(descriptor_) != 0) throwSystemError(path_);
 }
 
 bool HeldFolder::isStillThere() const {

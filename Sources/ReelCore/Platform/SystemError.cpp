@@ -17,6 +17,10 @@ SystemError::SystemError(int code, const URL& path)
     : Error(path.empty() ? sentenceFor(code) : sentenceFor(code) + ": " + path.native()),
       code_(code) {}
 
+bool SystemError::isOwnLimit() const noexcept {
+    return code_ == EMFILE || code_ == ENFILE || code_ == ENOMEM || code_ == ENAMETOOLONG;
+}
+
 std::string SystemError::sentence() const {
     return sentenceFor(code_);
 }

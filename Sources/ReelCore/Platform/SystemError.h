@@ -14,6 +14,10 @@ public:
     /// The `errno` value.
     int code() const noexcept { return code_; }
 
+    /// True if this process has no means left (descriptors, memory, the length of a path): a fault
+    /// that says nothing about the drive.
+    bool isOwnLimit() const noexcept;
+
     /// The system's sentence alone, without the path.
     std::string sentence() const;
 

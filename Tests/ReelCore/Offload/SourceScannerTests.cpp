@@ -13,6 +13,7 @@
 #include <thread>
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -206,6 +207,53 @@ TEST_F(SourceScannerTest, Scan_AttributesThatCannotBeRead_EndItWithThatError) {
     } catch (const SystemError& error) {
         EXPECT_EQ(error.code(), EIO);
     }
+}
+
+TEST_F(SourceScannerTest, Scan_FolderWhoseAttributesCannotBeRead_EndsItWithThatError) {
+    if (!FaultyFileSystem::isAvailable()) GTEST_SKIP() << "needs FUSE";
+    writeTree(at("back"), {{"a", ""}, {"DCIM/b", ""}});
+    const FaultyFileSystem drive(at("back"), at("drive"), {.failAttributesOf = "DCIM"});
+
+    EXPECT_THROW(SourceScanner::scan(drive.path()), SystemError);
+}
+
+TEST_F(SourceScannerTest, Scan_CardGoesDuringTheWalk_IsNotFound) {
+    if (!FaultyFileSystem::isAvailable()) GTEST_SKIP() << "needs FUSE";
+    writeTree(at("back"), {{"a", ""}, {"DCIM/b", ""}});
+    const FaultyFileSystem drive(at("back"), at("drive"), {.vanishAtListingOf = "DCIM"});
+
+    EXPECT_TRUE(isNotFound(drive.path()));
+}
+
+TEST_F(SourceScannerTest, Scan_ProcessOutOfDescriptors_IsNotTakenForAMissingCard) {
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "the sanitizer needs descriptors of its own when an exception is thrown";
+#endif
+    writeTree(card(), {{"a", ""}});
+
+    const int status = statusOfForked([&] {
+        const rlimit none{0, 0};
+        if (::setrlimit(RLIMIT_NOFILE, &none) != 0) return 254;
+        try {
+            SourceScanner::scan(card());
+            return 0;
+        } catch (const SystemError& error) {
+            return error.code();
+        }
+    });
+
+    EXPECT_EQ(status, EMFILE);
+}
+
+TEST_F(SourceScannerTest, Scan_RelativeRoot_GoesFromTheWorkingDirectory) {
+    writeTree(card(), {{"DCIM/a", ""}});
+
+    EXPECT_EQ(statusOfForked([&] {
+                  std::filesystem::current_path(at(""));
+                  const auto scan = SourceScanner::scan("card");
+                  return scan.root == "card" && pathsOf(scan) == Paths{"DCIM/a"} ? 0 : 1;
+              }),
+              0);
 }
 
 TEST_F(SourceScannerTest, Scan_IgnoredFileWithUnreadableAttributes_DoesNotMatter) {

@@ -7,6 +7,7 @@
 #include "Support/Snapshot.h"
 
 #include <cerrno>
+#include <functional>
 #include <map>
 
 #include <fcntl.h>
@@ -34,6 +35,20 @@ std::optional<Found> walk(const URL& root) {
         [&](const WalkedFile& file) { found[file.relativePath] = file.size; });
     if (!opened) return std::nullopt;
     return found;
+}
+
+/// The code of the SystemError, 0 if there was none.
+int codeOf(const std::function<void()>& action) {
+    try {
+        action();
+        return 0;
+    } catch (const SystemError& error) {
+        return error.code();
+    }
+}
+
+int codeOfWalk(const URL& root) {
+    return codeOf([&] { walk(root); });
 }
 
 class FolderWalkTest : public testing::Test {
@@ -161,6 +176,44 @@ TEST_F(FolderWalkTest, Walk_AttributesThatCannotBeRead_EndItWithThatError) {
     }
 }
 
+TEST_F(FolderWalkTest, Walk_FolderWhoseAttributesCannotBeRead_EndsItWithThatError) {
+    if (!FaultyFileSystem::isAvailable()) GTEST_SKIP() << "needs FUSE";
+    writeTree(at("back"), {{"a", ""}, {"bad/b", ""}});
+    const FaultyFileSystem card(at("back"), at("card"), {.failAttributesOf = "bad"});
+
+    EXPECT_EQ(codeOfWalk(card.path()), EIO);
+}
+
+TEST_F(FolderWalkTest, Walk_ListingThatBreaksOff_IsPassedOverUnlessTheProcessIsAtItsLimit) {
+    if (!FaultyFileSystem::isAvailable()) GTEST_SKIP() << "needs FUSE";
+    writeTree(at("back"), {{"a", ""}, {"bad/b", ""}});
+    {
+        const FaultyFileSystem card(at("back"), at("card"), {.breakListingOf = "bad"});
+        EXPECT_EQ(walk(card.path()), (Found{{"a", 0}}));
+    }
+    const FaultyFileSystem card(at("back"), at("card"),
+                                {.breakListingOf = "bad", .listingError = ENOMEM});
+    EXPECT_EQ(codeOfWalk(card.path()), ENOMEM);
+}
+
+TEST_F(FolderWalkTest, Walk_FolderBecomesALinkBeforeItIsRead_IsNotFollowed) {
+    writeTree(at("elsewhere"), {{"secret", "1"}});
+    writeTree(at("card"), {{"p/clip", ""}, {"q/clip", ""}});
+    Found found;
+
+    walkFolder(
+        at("card"), [](auto) { return false; },
+        [&](const WalkedFile& file) {
+            found[file.relativePath] = file.size;
+            const URL other = at("card") / (file.relativePath == "p/clip" ? "q" : "p");
+            std::filesystem::remove_all(other);
+            std::filesystem::create_directory_symlink(at("elsewhere"), other);
+        });
+
+    EXPECT_EQ(found.size(), 1U);
+    EXPECT_FALSE(found.contains("p/secret") || found.contains("q/secret"));
+}
+
 // A folder that only this process can't open is no fault of the card's, and its files would be
 // missing from every copy without a word.
 TEST_F(FolderWalkTest, Walk_ProcessOutOfDescriptors_FailsAndDoesNotLeaveFoldersOut) {
@@ -168,22 +221,29 @@ TEST_F(FolderWalkTest, Walk_ProcessOutOfDescriptors_FailsAndDoesNotLeaveFoldersO
     GTEST_SKIP() << "the sanitizer needs descriptors of its own when an exception is thrown";
 #endif
     writeTree(at(""), {{"DCIM/clip", "1"}});
+    const auto takeAllDescriptors = [] {
+        const rlimit none{0, 0};
+        ::setrlimit(RLIMIT_NOFILE, &none);
+    };
 
-    const int status = statusOfForked([&] {
-        const int firstFree = ::open("/dev/null", O_RDONLY);
-        ::close(firstFree);
-        const auto room = static_cast<rlim_t>(firstFree) + 1;
-        const rlimit limit{room, room};
-        if (::setrlimit(RLIMIT_NOFILE, &limit) != 0) return 254;
-        try {
-            walk(at(""));
-            return 0;
-        } catch (const SystemError& error) {
-            return error.code();
-        }
+    const int beforeTheRoot = statusOfForked([&] {
+        takeAllDescriptors();
+        return codeOfWalk(at(""));
+    });
+    const int afterTheRoot = statusOfForked([&] {
+        return codeOf([&] {
+            walkFolder(
+                at(""),
+                [&](auto) {
+                    takeAllDescriptors();
+                    return false;
+                },
+                [](const WalkedFile&) {});
+        });
     });
 
-    EXPECT_EQ(status, EMFILE);
+    EXPECT_EQ(beforeTheRoot, EMFILE);
+    EXPECT_EQ(afterTheRoot, EMFILE);
 }
 
 TEST_F(FolderWalkTest, Walk_FolderWithAPathTooLongToOpen_Fails) {
