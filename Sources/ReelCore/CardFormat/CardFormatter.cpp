@@ -6,7 +6,9 @@
 #include "ReelCore/Platform/Fatal.h"
 #include "ReelCore/Platform/Text.h"
 
+#include <algorithm>
 #include <array>
+#include <functional>
 
 #include <fmt/format.h>
 
@@ -65,10 +67,9 @@ std::string CardFormatter::FormatPlan::command() const {
 CardFormatter::FormatGate CardFormatter::gate(const OffloadResult& result,
                                               std::int64_t minimumCopies) {
     if (!result.allVerified()) {
-        return {false,
-                fmt::format("{} file(s) failed verification — DO NOT format.",
-                            result.failures().size()),
-                0};
+        const auto failed =
+            std::ranges::count_if(result.files, std::not_fn(&FileVerification::verified));
+        return {false, fmt::format("{} file(s) failed verification — DO NOT format.", failed), 0};
     }
     const auto copies = static_cast<std::int64_t>(result.request.destinations.size());
     if (copies < minimumCopies) {

@@ -10,8 +10,9 @@ Button {
     property string role: "plain"
 
     readonly property bool isFilled: role !== "plain"
-    readonly property color foreground: isFilled ? Theme.onProminent : Theme.primary
-    readonly property color base: role === "prominent" ? Theme.prominentBackground
+    readonly property color foreground: !enabled ? Theme.secondary : isFilled ? Theme.onProminent : Theme.primary
+    readonly property color base: !enabled ? Theme.troughBackground
+                                : role === "prominent" ? Theme.prominentBackground
                                 : role === "destructive" ? Theme.dangerBackground
                                 : Theme.buttonBackground
     readonly property color pressedBase: role === "prominent" ? Theme.prominentPressed
@@ -23,7 +24,6 @@ Button {
     rightPadding: leftPadding
     topPadding: 0
     bottomPadding: 0
-    opacity: enabled ? 1 : 0.45
     Accessible.name: text
 
     contentItem: Row {

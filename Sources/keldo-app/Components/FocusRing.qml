@@ -3,9 +3,9 @@ import QtQuick
 // The ring around what the keyboard would press.
 Rectangle {
     anchors.fill: parent
-    anchors.margins: -3
-    radius: parent.radius + 3
+    anchors.margins: -Theme.ringGap
+    radius: parent.radius + Theme.ringGap
     color: "transparent"
-    border.width: 2
+    border.width: Theme.ringWidth
     border.color: Theme.accent
 }

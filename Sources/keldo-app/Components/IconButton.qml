@@ -13,10 +13,11 @@ AbstractButton {
     implicitHeight: Theme.buttonHeight
     Accessible.role: Accessible.Button
     Accessible.name: label
-    ToolTip.visible: hovered
-    ToolTip.delay: 600
-    ToolTip.text: label
 
+    Hint {
+        shown: button.hovered
+        text: button.label
+    }
     contentItem: Item {
         Symbol {
             anchors.centerIn: parent

@@ -1,33 +1,23 @@
 import QtQuick
-import QtQuick.Controls.Basic
 
-// A path or a placeholder on one line, cut in the middle, with the whole in a tooltip.
+// A path on one line, cut in the middle, or a placeholder where there is none.
 Rectangle {
     id: field
 
     required property string text
+    property bool isPlaceholder: false
 
     implicitWidth: parent ? parent.width : 0
     implicitHeight: Theme.fieldHeight
     color: Theme.fieldBackground
     radius: Theme.smallRadius
-    Accessible.role: Accessible.StaticText
-    Accessible.name: text
 
-    Text {
-        id: line
+    PlainText {
         anchors { left: parent.left; right: parent.right; verticalCenter: parent.verticalCenter; margins: Theme.small }
         text: field.text
-        color: Theme.primary
+        color: field.isPlaceholder ? Theme.secondary : Theme.primary
         font: Theme.code
         elide: Text.ElideMiddle
         maximumLineCount: 1
-        textFormat: Text.PlainText
-        Accessible.ignored: true
     }
-    HoverHandler {
-        id: hover
-    }
-    ToolTip.visible: hover.hovered && line.truncated
-    ToolTip.text: text
 }

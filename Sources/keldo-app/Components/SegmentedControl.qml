@@ -15,7 +15,7 @@ Rectangle {
     color: Theme.troughBackground
     radius: Theme.small
     activeFocusOnTab: true
-    Accessible.role: Accessible.PageTabList
+    Accessible.role: Accessible.Grouping
     Accessible.name: name
     Accessible.focusable: true
     Keys.onLeftPressed: choose(currentIndex - 1)

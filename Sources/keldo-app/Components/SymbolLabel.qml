@@ -12,8 +12,6 @@ Row {
     property real maximumWidth: Infinity
 
     spacing: Theme.small
-    Accessible.role: Accessible.StaticText
-    Accessible.name: text
 
     Symbol {
         name: label.symbol
@@ -21,14 +19,12 @@ Row {
         size: label.symbolSize
         anchors.verticalCenter: parent.verticalCenter
     }
-    Text {
+    PlainText {
         text: label.text
         color: label.color
         font: label.font
         width: Math.min(implicitWidth, label.maximumWidth - label.symbolSize - label.spacing)
         elide: Text.ElideMiddle
-        textFormat: Text.PlainText
         anchors.verticalCenter: parent.verticalCenter
-        Accessible.ignored: true
     }
 }

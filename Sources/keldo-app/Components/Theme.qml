@@ -22,6 +22,7 @@ QtObject {
         readonly property color green: "#17803d"
         readonly property color orange: "#b45309"
         readonly property color red: "#c62828"
+        readonly property color redFill: "#c62828"
         readonly property color redPressed: "#a31f1f"
         readonly property color selected: "#ffffff"
     }
@@ -38,10 +39,13 @@ QtObject {
         readonly property color green: "#4cc38a"
         readonly property color orange: "#f0a04b"
         readonly property color red: "#ff6b61"
+        readonly property color redFill: "#d23f36"
         readonly property color redPressed: "#b8342c"
         readonly property color selected: "#4a4e56"
     }
     readonly property QtObject palette: dark ? night : light
+    readonly property color white: "#ffffff"
+    readonly property color halfBlack: "#80000000"
 
     readonly property color windowBackground: palette.window
     readonly property color cardBackground: palette.card
@@ -59,10 +63,10 @@ QtObject {
     readonly property color buttonPressed: dark ? palette.selected : palette.trough
     readonly property color prominentBackground: light.blue
     readonly property color prominentPressed: palette.bluePressed
-    readonly property color dangerBackground: dark ? "#d6433a" : light.red
+    readonly property color dangerBackground: palette.redFill
     readonly property color dangerPressed: palette.redPressed
-    readonly property color onProminent: "#ffffff"
-    readonly property color shade: "#80000000"
+    readonly property color onProminent: white
+    readonly property color shade: halfBlack
 
     readonly property int hairline: 1
     readonly property int tiny: 4
@@ -85,6 +89,12 @@ QtObject {
     readonly property int contentWidth: 1100
     readonly property int labelWidth: 116
     readonly property int sheetWidth: 520
+    readonly property int modeWidth: 560
+    readonly property int choiceWidth: 320
+    readonly property int typedWidth: 160
+    readonly property int ringWidth: 2
+    readonly property int ringGap: 3
+    readonly property int hintDelay: 600
 
     readonly property string textFamily: "Inter"
     readonly property string codeFamily: "JetBrains Mono"

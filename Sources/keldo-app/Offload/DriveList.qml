@@ -12,14 +12,27 @@ Column {
     width: parent ? parent.width : 0
     spacing: Theme.medium
 
-    Text {
+    signal emptied
+
+    // The rows are made anew; the keyboard goes on where it was.
+    function remove(row, byKeyboard) {
+        model.removeDestination(row);
+        if (!byKeyboard)
+            return;
+        if (rows.count === 0)
+            emptied();
+        else
+            rows.itemAt(Math.min(row, rows.count - 1)).focusRemove();
+    }
+
+    PlainText {
         objectName: "offload.nodrives"
         visible: list.model.destinations.length === 0
         text: "Add at least two drives for a safe, format-eligible offload."
         color: Theme.secondary
-        font: Theme.body
     }
     Repeater {
+        id: rows
         model: list.model.destinations
 
         Rectangle {
@@ -27,6 +40,10 @@ Column {
 
             required property int index
             required property var modelData
+
+            function focusRemove() {
+                remove.forceActiveFocus(Qt.TabFocusReason);
+            }
 
             width: list.width
             height: Theme.rowHeight
@@ -42,22 +59,19 @@ Column {
             }
             Column {
                 anchors { left: drive.right; right: remove.left; margins: Theme.medium; verticalCenter: parent.verticalCenter }
-                Text {
+                PlainText {
                     objectName: "offload.drive." + row.index
                     width: parent.width
                     text: row.modelData.name
-                    color: Theme.primary
                     font: Theme.emphasis
                     elide: Text.ElideMiddle
-                    textFormat: Text.PlainText
                 }
-                Text {
+                PlainText {
                     width: parent.width
                     text: row.modelData.path
                     color: Theme.secondary
                     font: Theme.print
                     elide: Text.ElideMiddle
-                    textFormat: Text.PlainText
                 }
             }
             IconButton {
@@ -67,7 +81,7 @@ Column {
                 symbol: "minus.circle.fill"
                 label: "Remove " + row.modelData.name
                 color: Theme.danger
-                onClicked: list.model.removeDestination(row.index)
+                onClicked: list.remove(row.index, visualFocus)
             }
         }
     }

@@ -17,18 +17,11 @@ Column {
         systemImage: "xmark.octagon.fill"
         tint: Theme.danger
 
-        TextEdit {
+        SelectableText {
             objectName: "offload.error"
             width: parent.width
             text: view.model.errorMessage
             color: Theme.danger
-            font: Theme.body
-            readOnly: true
-            selectByMouse: true
-            wrapMode: TextEdit.Wrap
-            textFormat: TextEdit.PlainText
-            Accessible.role: Accessible.StaticText
-            Accessible.name: text
         }
     }
     Loader {

@@ -17,27 +17,20 @@ Card {
     systemImage: "trash"
     tint: eligible ? Theme.accent : Theme.secondary
 
-    Text {
+    PlainText {
         objectName: "offload.reason"
         width: parent.width
         text: card.model.gate?.reason ?? ""
         color: card.eligible ? Theme.primary : Theme.secondary
-        font: Theme.body
         wrapMode: Text.Wrap
     }
-    TextEdit {
+    SelectableText {
         objectName: "offload.formatStatus"
         width: parent.width
         visible: text !== ""
         text: card.model.formatStatus.replace(/\s+$/, "")
         color: text.startsWith("✓") ? Theme.proved : Theme.danger
         font: Theme.code
-        readOnly: true
-        selectByMouse: true
-        wrapMode: TextEdit.Wrap
-        textFormat: TextEdit.PlainText
-        Accessible.role: Accessible.StaticText
-        Accessible.name: text
     }
     SymbolLabel {
         objectName: "offload.locked"
@@ -46,10 +39,17 @@ Card {
         symbol: "lock.fill"
         color: Theme.secondary
     }
+    SymbolLabel {
+        objectName: "offload.erasing"
+        visible: card.model.isFormatting
+        text: "Erasing…"
+        symbol: "trash"
+        color: Theme.secondary
+    }
     Item {
         width: parent.width
         height: format.height
-        visible: card.eligible && card.model.formatStatus === ""
+        visible: card.eligible && card.model.formatStatus === "" && !card.model.isFormatting
         ActionButton {
             id: format
             objectName: "offload.formatButton"
@@ -57,7 +57,6 @@ Card {
             role: "destructive"
             text: "Format Card…"
             symbol: "trash.fill"
-            enabled: !card.model.isFormatting
             onClicked: card.formatRequested()
         }
     }

@@ -23,61 +23,47 @@ Sheet {
             font: Theme.headline
             symbolSize: Theme.iconSize + 2
         }
-        Text {
+        PlainText {
             objectName: "sheet.text"
             width: parent.width
             text: "This permanently erases the source card. Your footage is verified on "
                 + (sheet.model.result?.driveCount ?? 0)
                 + " drives, so this is safe — but it cannot be undone."
-            color: Theme.primary
-            font: Theme.body
             wrapMode: Text.Wrap
         }
         Rectangle {
+            visible: command.text !== ""
             width: parent.width
             height: command.implicitHeight + 2 * Theme.small
             radius: Theme.smallRadius
             color: Theme.fieldBackground
-            TextEdit {
+            SelectableText {
                 id: command
                 objectName: "sheet.command"
                 anchors { left: parent.left; right: parent.right; top: parent.top; margins: Theme.small }
                 text: sheet.model.formatCommand
-                color: Theme.primary
                 font: Theme.code
-                readOnly: true
-                selectByMouse: true
-                activeFocusOnTab: false
-                wrapMode: TextEdit.WrapAnywhere
-                textFormat: TextEdit.PlainText
-                Accessible.role: Accessible.StaticText
-                Accessible.name: text
             }
         }
         Row {
             spacing: Theme.small
-            Text {
+            PlainText {
                 anchors.verticalCenter: parent.verticalCenter
                 text: "Type"
-                color: Theme.primary
-                font: Theme.body
             }
-            Text {
+            PlainText {
                 anchors.verticalCenter: parent.verticalCenter
                 text: "ERASE"
-                color: Theme.primary
                 font: Theme.codeStrong
             }
-            Text {
+            PlainText {
                 anchors.verticalCenter: parent.verticalCenter
                 text: "to confirm"
-                color: Theme.primary
-                font: Theme.body
             }
             InputField {
                 id: typed
                 objectName: "sheet.typed"
-                width: 160
+                width: Theme.typedWidth
                 Accessible.name: "Type ERASE to confirm"
             }
         }

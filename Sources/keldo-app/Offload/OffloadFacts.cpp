@@ -26,8 +26,8 @@ ResultFacts ResultFacts::of(const ReelCore::OffloadResult& result) {
                       static_cast<qint64>(result.request.destinations.size()),
                       Format::text(rawValue(result.request.algorithm)),
                       {}};
-    for (const auto& failed : result.failures()) {
-        facts.failedFiles.append(Format::text(failed.file.relativePath));
+    for (const auto& one : result.files) {
+        if (!one.verified()) facts.failedFiles.append(Format::text(one.file.relativePath));
     }
     return facts;
 }

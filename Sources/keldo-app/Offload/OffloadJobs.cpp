@@ -29,6 +29,13 @@ Job<Value> runOnce(std::function<Value()> work, std::function<void(Value)> done)
                       });
 }
 
+/// A large card's result takes longer to take apart than the window may stand still, so the last
+/// owner leaves that to a thread of its own.
+OffloadJobs::Result share(OffloadResult result) {
+    return {new OffloadResult(std::move(result)),
+            [](const OffloadResult* last) { std::thread([last] { delete last; }).detach(); }};
+}
+
 bool isProgress(const OffloadEvent& event) {
     return std::holds_alternative<OffloadEvent::Progress>(event.value);
 }
@@ -82,8 +89,7 @@ Job<OffloadEvent> OffloadJobs::offload(const ReelCore::OffloadRequest& request,
             auto result = engine.run(request, [&](const ReelCore::OffloadProgress& progress) {
                 send({OffloadEvent::Progress{progress}});
             });
-            send(
-                {OffloadEvent::Finished{std::make_shared<const OffloadResult>(std::move(result))}});
+            send({OffloadEvent::Finished{share(std::move(result))}});
         } catch (const std::exception& error) {
             send({OffloadEvent::Failed{error.what()}});
         }
@@ -108,11 +114,6 @@ Job<OffloadJobs::URLs> OffloadJobs::report(Result result, const URL& folder,
             }
         },
         std::move(done));
-}
-
-void OffloadJobs::release(Result result) {
-    if (!result) return;
-    std::thread([result = std::move(result)]() mutable { result.reset(); }).detach();
 }
 
 Job<QString> OffloadJobs::format(const CardFormatter::FormatPlan& plan,

@@ -15,7 +15,7 @@
 
 namespace keldo_app {
 
-/// The background work of the Offload screen. Each starts at once; what it gets as its last
+/// The background work of the Offload screen. Each job starts at once; what it gets as its last
 /// argument is called on the main thread, unless the job was dropped before.
 struct OffloadJobs {
     using ScanResult = std::optional<ReelCore::SourceScanner::ScanResult>;
@@ -34,9 +34,6 @@ struct OffloadJobs {
     /// Writes the PDF and the CSV report of an offload; a failure gives no files.
     static Job<URLs> report(Result result, const ReelCore::URL& folder,
                             std::function<void(const URLs&)> done);
-
-    /// Lets go of a result in the background: taking a large card's apart would hold the window up.
-    static void release(Result result);
 
     /// Erases the card of an offload, and gives a text that begins with "✓" or "✗". A card
     /// that is no longer as it was proved, or whose copies have gone, is not erased.

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Controls.Basic
+import QtQuick.Window
 import Keldo.Components
 import Keldo.Offload
 import Keldo.Support
@@ -28,6 +29,17 @@ FocusScope {
             policy: scroll.contentHeight > scroll.height ? ScrollBar.AlwaysOn : ScrollBar.AlwaysOff
         }
 
+        // What the keyboard has reached is brought into view.
+        readonly property Item focused: Window.activeFocusItem
+        onFocusedChanged: {
+            if (!focused || !column.holds(focused))
+                return;
+            const top = focused.mapToItem(column, 0, 0).y;
+            const lowest = top + column.y - Theme.huge;
+            const highest = top + focused.height + column.y + Theme.huge - height;
+            contentY = Math.max(Math.min(contentY, lowest), highest, 0);
+        }
+
         Column {
             id: column
             x: (scroll.width - width) / 2
@@ -35,12 +47,20 @@ FocusScope {
             width: Math.min(scroll.width - 2 * Theme.huge, Theme.contentWidth)
             spacing: Theme.wide
 
+            function holds(item) {
+                for (let at = item; at; at = at.parent)
+                    if (at === column)
+                        return true;
+                return false;
+            }
+
             ActionButton {
                 objectName: "offload.new"
                 anchors.right: parent.right
                 visible: offload.stage === OffloadViewModel.Stage.finished
                 text: "New Offload"
                 symbol: "arrow.counterclockwise"
+                enabled: !offload.isFormatting
                 onClicked: offload.reset()
             }
             Loader {

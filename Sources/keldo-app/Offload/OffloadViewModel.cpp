@@ -139,6 +139,7 @@ void OffloadViewModel::formatCard() {
 }
 
 void OffloadViewModel::reset() {
+    if (isFormatting_) return;
     clearOutcome();
     setStage(Stage::setup);
 }
@@ -146,7 +147,7 @@ void OffloadViewModel::reset() {
 void OffloadViewModel::clearOutcome() {
     progress_.reset();
     emit progressChanged();
-    OffloadJobs::release(std::move(result_));
+    result_.reset();
     resultFacts_.clear();
     emit resultChanged();
     gate_.reset();

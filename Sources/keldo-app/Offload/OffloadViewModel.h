@@ -81,6 +81,7 @@ public:
     Q_INVOKABLE void cancel();
     Q_INVOKABLE void saveReport();
     Q_INVOKABLE void formatCard();
+    /// Back to the setup with all that was chosen; not while an erase is running.
     Q_INVOKABLE void reset();
 
     Desktop* desktop = nullptr;

@@ -31,18 +31,16 @@ Card {
     Item {
         width: parent.width
         height: phase.implicitHeight
-        Text {
+        PlainText {
             id: phase
             objectName: "offload.phase"
             text: view.phaseText(view.progress?.phase)
-            color: Theme.primary
             font: Theme.emphasis
         }
-        Text {
+        PlainText {
             objectName: "offload.percent"
             anchors.right: parent.right
             text: Math.floor(view.fraction * 100) + "%"
-            color: Theme.primary
             font: Theme.strong
         }
     }
@@ -52,7 +50,7 @@ Card {
         value: view.fraction
         Accessible.name: phase.text
     }
-    Text {
+    PlainText {
         objectName: "offload.current"
         width: parent.width
         visible: text !== ""
@@ -61,7 +59,6 @@ Card {
         font: Theme.print
         elide: Text.ElideMiddle
         maximumLineCount: 1
-        textFormat: Text.PlainText
     }
     Item {
         width: parent.width

@@ -21,6 +21,7 @@ Column {
                 objectName: "offload.source"
                 width: parent.width - choose.width - Theme.tiny
                 text: view.model.source || "No card selected"
+                isPlaceholder: view.model.source === ""
             }
             ActionButton {
                 id: choose
@@ -66,8 +67,10 @@ Column {
 
         DriveList {
             model: view.model
+            onEmptied: add.forceActiveFocus(Qt.TabFocusReason)
         }
         ActionButton {
+            id: add
             objectName: "offload.add"
             text: "Add Drive…"
             symbol: "plus"
@@ -82,12 +85,10 @@ Column {
         Row {
             width: parent.width
             spacing: Theme.medium
-            Text {
+            PlainText {
                 width: Theme.labelWidth
                 anchors.verticalCenter: parent.verticalCenter
                 text: "Reel name"
-                color: Theme.primary
-                font: Theme.body
             }
             InputField {
                 objectName: "offload.reel"
@@ -100,17 +101,15 @@ Column {
         }
         Row {
             spacing: Theme.medium
-            Text {
+            PlainText {
                 width: Theme.labelWidth
                 anchors.verticalCenter: parent.verticalCenter
                 text: "Checksum"
-                color: Theme.primary
-                font: Theme.body
             }
             SegmentedControl {
                 objectName: "offload.checksum"
                 name: "Checksum"
-                width: 320
+                width: Theme.choiceWidth
                 labels: view.model.algorithms
                 currentIndex: view.model.algorithms.indexOf(view.model.algorithm)
                 onChosen: index => view.model.algorithm = view.model.algorithms[index]
@@ -143,6 +142,7 @@ Column {
     }
     Shortcut {
         sequences: ["Return", "Enter"]
+        autoRepeat: false
         enabled: view.model.canStart
         onActivated: view.model.start()
     }

@@ -39,7 +39,7 @@ Card {
             symbol: "number"
         }
     }
-    Text {
+    PlainText {
         visible: failures.count > 0
         text: "Failed files:"
         color: Theme.danger
@@ -54,9 +54,17 @@ Card {
         clip: true
         spacing: Theme.tiny
         boundsBehavior: Flickable.StopAtBounds
+        activeFocusOnTab: contentHeight > height
+        Accessible.role: Accessible.List
+        Accessible.name: "Failed files"
         model: card.result?.failedFiles ?? []
         ScrollBar.vertical: ScrollBar {
             policy: failures.contentHeight > failures.height ? ScrollBar.AlwaysOn : ScrollBar.AlwaysOff
+        }
+        FocusRing {
+            visible: failures.activeFocus
+            radius: Theme.smallRadius
+            anchors.margins: 0
         }
         delegate: SymbolLabel {
             required property string modelData
@@ -72,14 +80,13 @@ Card {
     Item {
         width: parent.width
         height: save.height
-        Text {
+        PlainText {
             objectName: "offload.reportStatus"
             anchors { left: parent.left; right: save.left; rightMargin: Theme.regular; verticalCenter: parent.verticalCenter }
             text: card.model.reportStatus
             color: Theme.secondary
             font: Theme.print
             elide: Text.ElideMiddle
-            textFormat: Text.PlainText
         }
         ActionButton {
             id: save

@@ -22,7 +22,8 @@ ApplicationWindow {
     color: Theme.windowBackground
     palette.toolTipBase: Theme.cardBackground
     palette.toolTipText: Theme.primary
-    palette.dark: Theme.secondary
+    palette.mid: Theme.secondary
+    palette.dark: Theme.primary
 
     header: Rectangle {
         implicitHeight: Theme.headerHeight
@@ -37,12 +38,12 @@ ApplicationWindow {
         }
         Column {
             anchors { left: mark.right; leftMargin: Theme.regular; verticalCenter: parent.verticalCenter }
-            Text {
+            PlainText {
                 text: "keldobay"
                 color: Theme.primary
                 font: Theme.title
             }
-            Text {
+            PlainText {
                 text: "DIT Offload & Dailies"
                 color: Theme.secondary
                 font: Theme.print
@@ -52,7 +53,7 @@ ApplicationWindow {
             objectName: "mode"
             name: "Mode"
             anchors { right: parent.right; rightMargin: Theme.wide; verticalCenter: parent.verticalCenter }
-            width: 560
+            width: Theme.modeWidth
             labels: AppModes.labels
             currentIndex: view.mode
             onChosen: index => view.mode = index

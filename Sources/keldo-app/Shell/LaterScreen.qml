@@ -8,13 +8,11 @@ Item {
 
     required property string label
 
-    Text {
+    PlainText {
         objectName: "later"
         anchors.centerIn: parent
         text: screen.label + " is not in this version yet."
         color: Theme.secondary
         font: Theme.headline
-        Accessible.role: Accessible.StaticText
-        Accessible.name: text
     }
 }

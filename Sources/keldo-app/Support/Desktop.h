@@ -10,7 +10,8 @@
 
 namespace keldo_app {
 
-/// What a view model may ask of the desktop around it. Main thread only.
+/// What a view model may ask of the desktop around it. Main thread only. The toolkit's panels know
+/// only names that are text, so a folder whose name is not UTF-8 can't be chosen there.
 class Desktop : public QObject {
     Q_OBJECT
     QML_ELEMENT

@@ -31,7 +31,8 @@ public:
 protected:
     void customEvent(QEvent*) override {
         { const std::lock_guard guard(handOver_); }
-        if (onWake) onWake();
+        // A copy, since what it calls may abandon the channel.
+        if (const auto wake = onWake) wake();
     }
 
 private:
@@ -53,7 +54,6 @@ public:
     explicit EventChannel(Consume consume) {
         waker_->onWake = [this, consume = std::move(consume)] { consume(takeAll()); };
     }
-    ~EventChannel() = default;
 
     EventChannel(const EventChannel&) = delete;
     EventChannel& operator=(const EventChannel&) = delete;

@@ -1,17 +1,21 @@
 #include "keldo-app/Support/SystemDesktop.h"
 
 #include "ReelCore/Platform/FileSystem.h"
+#include "ReelCore/Platform/MountTable.h"
 #include "ReelCore/Platform/UserAccount.h"
+#include "keldo-app/Support/Format.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
 #include <QDesktopServices>
 #include <QDir>
 #include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
-#include <QStorageInfo>
+#include <QGuiApplication>
 #include <QUrl>
+#include <QWindow>
 
 namespace keldo_app {
 
@@ -26,11 +30,12 @@ QString folderOfMounts() {
     return QDir::homePath();
 }
 
-/// The user's folder, then every card and drive that is mounted where desktops mount them.
+/// The user's folder, then every card and drive that is mounted where desktops mount them. Nothing
+/// is asked of the volumes themselves: one that does not answer would hold the window up.
 QList<QUrl> placesToShow() {
     QList<QUrl> places{QUrl::fromLocalFile(QDir::homePath())};
-    for (const QStorageInfo& volume : QStorageInfo::mountedVolumes()) {
-        const QString root = volume.rootPath();
+    for (const ReelCore::Mount& mount : ReelCore::mountTable()) {
+        const QString root = Format::path(mount.mountPoint);
         const bool removable = root.startsWith("/media/") || root.startsWith("/run/media/") ||
                                root.startsWith("/mnt/") || root.startsWith("/Volumes/");
         if (removable) places.append(QUrl::fromLocalFile(root));
@@ -47,6 +52,8 @@ std::optional<ReelCore::URL> SystemDesktop::chooseFolder(const QString& message)
     panel.setLabelText(QFileDialog::Accept, "Select");
     panel.setSidebarUrls(placesToShow());
     panel.setDirectory(lastFolder_.isEmpty() ? folderOfMounts() : lastFolder_);
+    panel.winId();
+    panel.windowHandle()->setTransientParent(QGuiApplication::focusWindow());
     if (panel.exec() != QDialog::Accepted || panel.selectedFiles().isEmpty()) return std::nullopt;
     lastFolder_ = QFileInfo(panel.selectedFiles().constFirst()).absolutePath();
     const QByteArray path = QFile::encodeName(panel.selectedFiles().constFirst());
@@ -59,9 +66,12 @@ void SystemDesktop::reveal(const ReelCore::URL& file) {
                                                        "/org/freedesktop/FileManager1",
                                                        "org.freedesktop.FileManager1", "ShowItems");
     show << QStringList{url.toString(QUrl::FullyEncoded)} << QString();
-    if (QDBusConnection::sessionBus().call(show).type() == QDBusMessage::ErrorMessage) {
-        QDesktopServices::openUrl(url.adjusted(QUrl::RemoveFilename));
-    }
+    // Starting a file manager can take long, so the answer is not waited for.
+    auto* answer = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(show), this);
+    connect(answer, &QDBusPendingCallWatcher::finished, this, [answer, url] {
+        if (answer->isError()) QDesktopServices::openUrl(url.adjusted(QUrl::RemoveFilename));
+        answer->deleteLater();
+    });
 }
 
 }  // namespace keldo_app

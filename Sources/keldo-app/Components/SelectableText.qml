@@ -1,0 +1,15 @@
+import QtQuick
+
+// Text that can be copied, as a person must to send an error on.
+TextEdit {
+    color: Theme.primary
+    font: Theme.body
+    readOnly: true
+    selectByMouse: true
+    selectionColor: Theme.prominentBackground
+    selectedTextColor: Theme.onProminent
+    wrapMode: TextEdit.Wrap
+    textFormat: TextEdit.PlainText
+    Accessible.role: Accessible.StaticText
+    Accessible.name: text
+}
