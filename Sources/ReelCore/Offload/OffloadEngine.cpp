@@ -1,6 +1,8 @@
 #include "ReelCore/Offload/OffloadEngine.h"
 
 #include "ReelCore/Models/Version.h"
+#include "ReelCore/Offload/AlikePaths.h"
+#include "ReelCore/Offload/NestedReels.h"
 #include "ReelCore/Offload/OffloadError.h"
 #include "ReelCore/Offload/ReelFolder.h"
 #include "ReelCore/Offload/SourceScanner.h"
@@ -13,6 +15,7 @@
 #include "ReelCore/Reports/MHLWriter.h"
 
 #include <algorithm>
+#include <exception>
 #include <span>
 #include <utility>
 
@@ -23,22 +26,56 @@ namespace {
 using Phase = OffloadProgress::Phase;
 
 // All are looked at before the first is made, so that a refusal leaves no folder behind.
-std::vector<ReelFolder> makeReelFolders(const OffloadRequest& request) {
+std::vector<ReelFolder> makeReelFolders(const OffloadRequest& request,
+                                        const std::vector<MediaFile>& files) {
+    const FileLocation source(request.source);
     std::vector<ReelFolder> reels;
     for (const URL& destination : request.destinations) {
-        reels.emplace_back(request.source, destination, request.reelName);
+        reels.emplace_back(source, destination, request.reelName);
         reels.back().requireOutsideSource();
     }
+    requireNoClash(reels, files, MHLWriter::listName(request.reelName));
     for (ReelFolder& reel : reels) reel.create();
     return reels;
 }
 
-/// True if a file that was copied stands at `path`. It could only stand at the top of its reel.
-bool isCopy(const URL& path, const OffloadResult& result) {
+/// The place for one file in every reel folder, whose own folder is there.
+std::vector<URL> prepareTargets(std::vector<ReelFolder>& reels, const std::string& relativePath) {
+    std::vector<URL> targets;
+    for (ReelFolder& reel : reels) {
+        targets.push_back(reel.targetFor(relativePath));
+        reel.prepareParent(targets.back());
+    }
+    return targets;
+}
+
+/// A drive may take two names of the card for one. The copy of the earlier file has been proved,
+/// and the later one would replace it.
+void requireNotThere(const FileVerification& earlier, const std::vector<URL>& targets) {
+    for (std::size_t i = 0; i < targets.size(); ++i) {
+        const auto there = FileSystem::identity(targets[i]);
+        if (!there || there != FileSystem::identity(earlier.destinations[i].writtenURL)) continue;
+        throw OffloadError(
+            OffloadError::WriteFailed{targets[i], "another file of the card has this name here"});
+    }
+}
+
+/// Nothing is proved on a drive that lost what was written to it. Where a copy has failed already,
+/// the result tells it, and the other drives keep theirs.
+void makeDurable(const OffloadResult& result, const std::vector<ReelFolder>& reels) {
+    for (std::size_t i = 0; i < reels.size(); ++i) {
+        const bool allMatch = std::ranges::all_of(
+            result.files, [&](const FileVerification& one) { return one.destinations[i].matches; });
+        if (allMatch) reels[i].flush();
+    }
+}
+
+/// True if a copy that was proved stands at `path`. It could only stand at the top of its reel.
+bool isProvedCopy(const URL& path, const OffloadResult& result) {
     const auto wanted = FileSystem::identity(path);
     if (!wanted) return false;
     const auto isIt = [&](const DestinationResult& copy) {
-        return FileSystem::identity(copy.writtenURL) == wanted;
+        return copy.matches && FileSystem::identity(copy.writtenURL) == wanted;
     };
     return std::ranges::any_of(result.files, [&](const FileVerification& one) {
         const bool atTheTop = one.file.relativePath.find('/') == std::string::npos;
@@ -50,11 +87,11 @@ void writeHashLists(const OffloadResult& result, const std::vector<ReelFolder>& 
     const MHLWriter writer{std::string(toolName), std::string(ReelCoreVersion)};
     for (const ReelFolder& reel : reels) {
         if (!reel.isStillThere()) continue;
-        // A reel offloaded once more brings its old list along. That copy has been proved.
-        if (isCopy(reel.path() / MHLWriter::listName(result.request.reelName), result)) continue;
         try {
-            writer.write(result, reel.path());
-        } catch (const SystemError&) {
+            // A reel offloaded once more brings its old list along.
+            const URL list = reel.path() / MHLWriter::listName(result.request.reelName);
+            if (!isProvedCopy(list, result)) writer.write(result, reel.path());
+        } catch (const std::exception&) {
             // A hash list is a nicety: the proof itself is in the result.
         }
     }
@@ -106,30 +143,32 @@ void writeBlock(File& target, const URL& url, std::span<const std::byte> block,
 OffloadEngine::OffloadEngine(std::size_t bufferSize_, std::function<bool()> isCancelled_)
     : bufferSize(bufferSize_), isCancelled(std::move(isCancelled_)) {
     if (bufferSize < 1) fatal("an offload needs a buffer");
+    if (!isCancelled) fatal("an offload needs to be told whether it is cancelled");
 }
 
 OffloadResult OffloadEngine::run(const OffloadRequest& request, const Progress& progress) {
+    if (!progress) fatal("an offload needs somebody to tell how it goes");
     if (request.destinations.empty()) throw OffloadError(OffloadError::NoDestinations{});
     const Date startedAt = now();
-    progress({});
+    progress({Phase::scanning, std::nullopt, 0, 0, 0, 0});
     SourceScanner::ScanResult scan = SourceScanner::scan(request.source);
     OffloadProgress standing{Phase::copying, {}, 0, scan.fileCount(), 0, scan.totalBytes()};
-    std::vector<ReelFolder> reels = makeReelFolders(request);
+    std::vector<ReelFolder> reels = makeReelFolders(request, scan.files);
     const auto report = [&](Phase phase) {
         standing.phase = phase;
         progress(standing);
     };
 
+    AlikePaths seen;
     OffloadResult result{request, scan.cameraFormat, {}, startedAt, {}};
     result.files.reserve(scan.files.size());
     for (MediaFile& file : scan.files) {
         throwIfCancelled();
         standing.currentFile = file.relativePath;
         report(Phase::copying);
-        std::vector<URL> targets;
-        for (ReelFolder& reel : reels) {
-            targets.push_back(reel.targetFor(file.relativePath));
-            reel.prepareParent(targets.back());
+        const std::vector<URL> targets = prepareTargets(reels, file.relativePath);
+        for (const std::size_t earlier : seen.add(file.relativePath)) {
+            requireNotThere(result.files[earlier], targets);
         }
         const URL source = request.source / file.relativePath;
         FileVerification verification{file, copy(source, targets, request.algorithm), {}};
@@ -145,6 +184,7 @@ OffloadResult OffloadEngine::run(const OffloadRequest& request, const Progress& 
         result.files.push_back(std::move(verification));
     }
 
+    makeDurable(result, reels);
     standing.currentFile.reset();
     report(Phase::writingReport);
     result.finishedAt = now();
@@ -205,8 +245,8 @@ DestinationResult OffloadEngine::readBack(const ReelFolder& reel, const URL& tar
         }
         const std::string hash = hashFile(target, algorithm);
         return {reel.destination(), target, hash, hash == sourceHash, std::nullopt};
-    } catch (const Error& error) {
-        return {reel.destination(), target, std::nullopt, false, error.description()};
+    } catch (const std::exception& error) {
+        return {reel.destination(), target, std::nullopt, false, error.what()};
     }
 }
 

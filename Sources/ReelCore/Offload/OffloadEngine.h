@@ -22,29 +22,32 @@ public:
     using Progress = std::function<void(const OffloadProgress&)>;
 
     /// Files are read and written in blocks of `bufferSize` bytes (at least 1; less is a fatal
-    /// fault). `isCancelled` is asked on the running thread and must be safe to call while
-    /// another thread changes what it looks at.
+    /// fault, and so is an empty `isCancelled`). `isCancelled` is asked on the running thread and
+    /// must be safe to call while another thread changes what it looks at.
     OffloadEngine(std::size_t bufferSize, std::function<bool()> isCancelled);
 
     OffloadEngine(const OffloadEngine&) = delete;
     OffloadEngine& operator=(const OffloadEngine&) = delete;
 
     /// Runs a whole offload: scan, reel folders, then for each file copy and read-back, and at the
-    /// end a hash list in each reel folder. A read-back that fails or differs is recorded in the
-    /// result and never repaired. A hash list that can't be written is left out, and so is one that
-    /// would replace a copy of the card's own file of that name. Every other failure ends the run:
+    /// end, once every drive has been flushed, a hash list in each reel folder. A read-back that
+    /// fails or differs is recorded in the result and never repaired. A hash list that can't be
+    /// written is left out, and so is one that would replace a proved copy of the card's own file
+    /// of that name. Every other failure ends the run:
     ///
     /// - OffloadError::NoDestinations, before anything else;
     /// - OffloadError::SourceNotFound, or the scan's SystemError;
     /// - OffloadError::DestinationNotWritable if a reel folder can't be made, or if it, or a folder
-    ///   below it that a copy would go to, lies in the source, whatever links or mounts lead there;
+    ///   below it that a copy would go to, lies in the source, whatever links or mounts lead there,
+    ///   or if it lies in another reel folder and would replace copies there;
     /// - SystemError if a folder for a file can't be made on a drive;
-    /// - OffloadError::ReadFailed, WriteFailed;
+    /// - OffloadError::ReadFailed, WriteFailed; the latter also if a drive takes two names of the
+    ///   card for one, or if a drive whose copies all match can't be flushed at the end;
     /// - OffloadError::Cancelled, at the next check before a file, a block or a read-back.
     ///
     /// After a failure there is no result and no hash list; what was copied stays, a file that was
     /// being copied under its final name. `progress` is called on this thread, at phase changes
-    /// and twice a file, and must return quickly.
+    /// and twice a file, and must return quickly; an empty one is a fatal fault.
     OffloadResult run(const OffloadRequest& request, const Progress& progress);
 
     /// Copies one file to all `targets` in one read pass and returns the checksum of the bytes

@@ -62,8 +62,15 @@ void FileSystem::setModificationDate(const URL& path, Date date) {
     }
 }
 
+URL FileSystem::absolute(const URL& path) {
+    std::error_code failure;
+    URL result = fs::absolute(path, failure);
+    if (failure) throw SystemError(failure.value(), path);
+    return result;
+}
+
 URL FileSystem::standardised(const URL& path) {
-    const URL normal = fs::absolute(path).lexically_normal();
+    const URL normal = absolute(path).lexically_normal();
     return normal.has_filename() || !normal.has_relative_path() ? normal : normal.parent_path();
 }
 

@@ -40,6 +40,9 @@ struct FileSystem {
     /// Sets the modification date to the nanosecond, and leaves the access date.
     static void setModificationDate(const URL& path, Date date);
 
+    /// The path as seen from the root of all folders.
+    static URL absolute(const URL& path);
+
     /// The path made absolute, without "." and ".." parts and without a slash at its end; links
     /// are not resolved.
     static URL standardised(const URL& path);

@@ -2,6 +2,7 @@
 
 #include "ReelCore/Platform/URL.h"
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -16,6 +17,7 @@ struct Mount {
     std::string source;      ///< What was mounted, for a disk its device node.
     std::string fileSystem;  ///< The kernel's name of the type.
     bool readOnly = false;
+    std::uint64_t id = 0;  ///< The kernel's number of the mount.
 };
 
 /// What is mounted now, in the order of mounting: a later mount hides an earlier one at the same
@@ -26,7 +28,9 @@ std::vector<Mount> mountTable();
 /// passed over.
 std::vector<Mount> parseMountTable(const std::string& text);
 
-/// The mount that an absolute, resolved path lies on.
+/// The mount that an absolute, resolved path lies on: the one that the kernel names for its deepest
+/// part that exists, since an older mount may lie hidden below a later one. Where the kernel does
+/// not tell, or the table has no such mount, the one with the longest mount point.
 std::optional<Mount> mountOf(const URL& path, const std::vector<Mount>& table);
 
 /// True if `path` is `folder` or below it, going by their parts alone.

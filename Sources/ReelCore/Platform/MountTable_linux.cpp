@@ -1,8 +1,12 @@
 #include "ReelCore/Platform/MountTable.h"
 
 #include <algorithm>
+#include <charconv>
 #include <fstream>
 #include <sstream>
+
+#include <fcntl.h>
+#include <sys/stat.h>
 
 namespace ReelCore {
 
@@ -34,18 +38,33 @@ std::vector<std::string> fieldsOf(const std::string& line) {
     return fields;
 }
 
+/// The kernel's number of the mount that the deepest existing part of `path` lies on.
+std::optional<std::uint64_t> mountIdOf(URL path) {
+    struct statx status {};
+    while (::statx(AT_FDCWD, path.c_str(), AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT, STATX_MNT_ID,
+                   &status) != 0) {
+        if (path == path.parent_path()) return std::nullopt;
+        path = path.parent_path();
+    }
+    if ((status.stx_mask & STATX_MNT_ID) == 0) return std::nullopt;
+    return status.stx_mnt_id;
+}
+
 std::optional<Mount> parseLine(const std::string& line) {
     const std::vector<std::string> fields = fieldsOf(line);
     constexpr std::ptrdiff_t fixed = 6;
     if (fields.size() < fixed) return std::nullopt;
     const auto separator = std::find(fields.begin() + fixed, fields.end(), "-");
     if (fields.end() - separator < 4) return std::nullopt;
+    std::uint64_t id = 0;
+    std::from_chars(fields[0].data(), fields[0].data() + fields[0].size(), id);
     return Mount{unescaped(fields[4]),
                  unescaped(fields[3]),
                  fields[2],
                  unescaped(separator[2]),
                  unescaped(separator[1]),
-                 holdsOption(fields[5], "ro") || holdsOption(separator[3], "ro")};
+                 holdsOption(fields[5], "ro") || holdsOption(separator[3], "ro"),
+                 id};
 }
 
 }  // namespace
@@ -68,6 +87,11 @@ std::vector<Mount> mountTable() {
 }
 
 std::optional<Mount> mountOf(const URL& path, const std::vector<Mount>& table) {
+    const auto id = mountIdOf(path);
+    const auto named = std::ranges::find_if(table, [&](const Mount& mount) {
+        return mount.id == id && hasPathPrefix(path, mount.mountPoint);
+    });
+    if (named != table.end()) return *named;
     const Mount* best = nullptr;
     for (const Mount& mount : table) {
         if (!hasPathPrefix(path, mount.mountPoint)) continue;

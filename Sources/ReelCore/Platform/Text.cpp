@@ -35,6 +35,24 @@ void require(UErrorCode status, const char* what) {
     if (U_FAILURE(status)) fatal(what);
 }
 
+icu::UnicodeString composed(const icu::UnicodeString& text) {
+    UErrorCode status = U_ZERO_ERROR;
+    const icu::Normalizer2* normaliser = icu::Normalizer2::getNFCInstance(status);
+    require(status, "no Unicode normalisation tables");
+    const icu::UnicodeString result = normaliser->normalize(text, status);
+    require(status, "text can't be normalised");
+    return result;
+}
+
+/// Composed on both sides: folding takes some letters apart, and does not know others that are.
+std::string caseFolded(std::string_view text) {
+    if (!isASCII(text)) return encode(composed(composed(decode(text)).foldCase()));
+    std::string folded(text);
+    std::ranges::transform(folded, folded.begin(),
+                           [](char c) { return c >= 'A' && c <= 'Z' ? c + ('a' - 'A') : c; });
+    return folded;
+}
+
 /// Walks the ends of the grapheme clusters of `text` (already well formed): `visit` gets the byte
 /// position behind each and returns whether to go on.
 template <class Visit>
@@ -113,12 +131,18 @@ bool Text::isLeftToRight(std::string_view text) {
 
 std::string Text::orderingKey(std::string_view text) {
     if (isASCII(text)) return std::string(text);
-    UErrorCode status = U_ZERO_ERROR;
-    const icu::Normalizer2* composed = icu::Normalizer2::getNFCInstance(status);
-    require(status, "no Unicode normalisation tables");
-    const icu::UnicodeString result = composed->normalize(decode(text), status);
-    require(status, "text can't be normalised");
-    return encode(result);
+    return encode(composed(decode(text)));
+}
+
+std::string Text::alikeKey(std::string_view path) {
+    const std::string folded = caseFolded(path);
+    std::string key;
+    for (const char c : folded + "/") {
+        if (c == '/') key.resize(key.find_last_not_of(". ") + 1);
+        key += c;
+    }
+    key.pop_back();
+    return key;
 }
 
 std::string Text::upperCased(std::string_view text) {

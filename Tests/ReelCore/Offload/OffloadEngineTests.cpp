@@ -167,6 +167,18 @@ TEST_F(OffloadEngineTest, Run_CardHoldsAFileOfTheHashListsName_ItsProvedCopyStay
     EXPECT_EQ(readTree(at("d2/A001")), card);
 }
 
+TEST_F(OffloadEngineTest, Run_CopyOfAFileNamedLikeTheHashListIsDamaged_DoesNotKeepTheListAway) {
+    makeCard({{"A001.mhl", "an earlier list"}});
+    onProgress = [&](const OffloadProgress& progress) {
+        if (progress.phase == Phase::verifying) writeFile(at("d1/A001/A001.mhl"), "damaged");
+    };
+
+    EXPECT_FALSE(run(request({at("d1"), at("d2")})).allVerified());
+
+    EXPECT_EQ(runTool("xmllint", {"--noout", at("d1/A001/A001.mhl").native()}).status, 0);
+    EXPECT_EQ(readFile(at("d2/A001/A001.mhl")), "an earlier list") << "that copy is proved";
+}
+
 TEST_F(OffloadEngineTest, Run_AgainOntoTheSameReel_WritesTheHashListAnew) {
     makeCard({{"A", "a"}, {"DCIM/A001.mhl", "no matter in a folder"}});
     run(request({at("d1")}));
@@ -267,6 +279,12 @@ TEST_F(OffloadEngineTest, Engine_BlocksOfAnySize_GiveTheSameCopyAndHash) {
 
 TEST(OffloadEngineDeathTest, Engine_WithoutABuffer_IsAFatalFault) {
     EXPECT_DEATH(OffloadEngine(0, [] { return false; }), "buffer");
+}
+
+TEST(OffloadEngineDeathTest, Engine_WithoutQuestionOrListener_IsAFatalFault) {
+    EXPECT_DEATH(OffloadEngine(1, {}), "cancelled");
+    OffloadEngine engine(1, [] { return false; });
+    EXPECT_DEATH(engine.run({}, {}), "tell how it goes");
 }
 
 TEST_F(OffloadEngineTest, ApplyMetadata_WithoutADateOrWithoutTheFile_DoesNothing) {

@@ -1,4 +1,5 @@
 #include "OffloadFixture.h"
+#include "Support/FaultyFileSystem.h"
 #include "Support/Tool.h"
 
 #include <sys/stat.h>
@@ -117,6 +118,30 @@ TEST_F(OffloadNamesTest, Names_ComposedAndDecomposed_StayTwoFiles) {
 
     EXPECT_EQ(result.files.size(), 2U);
     EXPECT_EQ(copiesOn(at("d1")), (FolderTree{{"e\u0301", "decomposed"}, {"\u00e9", "composed"}}));
+}
+
+TEST_F(OffloadNamesTest, NamesThatADriveTakesForOne_EndTheRunBeforeTheProvedCopyIsReplaced) {
+    if (!FaultyFileSystem::isAvailable()) GTEST_SKIP() << "needs FUSE";
+    makeCard({{"B/CLIP.MOV", "first"}, {"C", ""}, {"b/clip.mov", "second"}});
+    const FaultyFileSystem drive(at("back"), at("d2"), {.ignoreCase = true});
+
+    EXPECT_EQ(descriptionOf(request({at("d1"), drive.path()})),
+              "Failed writing to " + (drive.path() / "A001/b/clip.mov").native() +
+                  ": another file of the card has this name here");
+
+    EXPECT_EQ(readFile(at("back/a001/b/clip.mov")), "first");
+    EXPECT_EQ(copiesOn(at("d1")), (FolderTree{{"B/CLIP.MOV", "first"}, {"C", ""}}));
+}
+
+TEST_F(OffloadNamesTest, NamesThatOnlySomeDrivesTakeForOne_AreTwoFilesElsewhere) {
+    const FolderTree card{
+        {"CLIP.MOV", "1"}, {"clip.mov", "2"}, {"clip.mov.", "3"}, {"x /a", "4"}, {"x/a", "5"}};
+    makeCard(card);
+
+    EXPECT_TRUE(run(request({at("d1")})).allVerified());
+    EXPECT_TRUE(run(request({at("d1")})).allVerified()) << "onto the copies of before";
+
+    EXPECT_EQ(copiesOn(at("d1")), card);
 }
 
 TEST_F(OffloadNamesTest, PathsOfCardAndDrives_MayHaveSuchNamesToo) {

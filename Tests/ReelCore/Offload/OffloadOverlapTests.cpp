@@ -48,6 +48,24 @@ TEST_F(OffloadOverlapTest, SameDriveTwice_BothReadBacksSeeTheSecondCopy) {
     EXPECT_TRUE(copiesOn(at("d1")) == clips);
 }
 
+TEST_F(OffloadOverlapTest, DriveWithASlashAtItsEnd_IsTheSameDrive) {
+    makeCard(clips);
+    const URL drive = at("d1").native() + "/";
+
+    const auto result = run(request({drive}));
+
+    EXPECT_TRUE(result.allVerified());
+    EXPECT_EQ(result.files.at(0).destinations.at(0).destination.native(), drive.native());
+    EXPECT_EQ(result.files.at(0).destinations.at(0).writtenURL.native(), at("d1/A001/A").native());
+}
+
+TEST_F(OffloadOverlapTest, NoDrivePath_IsRefusedAndNotTakenForTheRoot) {
+    makeCard(clips);
+
+    EXPECT_EQ(descriptionOf(request({at("d1"), ""})), "Destination is not writable: ");
+    EXPECT_FALSE(fs::exists(at("d1")));
+}
+
 TEST_F(OffloadOverlapTest, SameDriveThroughALink_IsLikeTheSameDriveTwice) {
     makeCard(clips);
     fs::create_directory(at("d1"));
@@ -62,6 +80,34 @@ TEST_F(OffloadOverlapTest, DriveInsideAnothersReelFolder_IsFine) {
 
     EXPECT_TRUE(run(request({at("d1"), at("d1/A001")})).allVerified());
     EXPECT_TRUE(copiesOn(at("d1/A001")) == clips);
+}
+
+TEST_F(OffloadOverlapTest, DriveInsideAnothersReelFolder_APathLeadsToBoth_IsRefused) {
+    makeCard({{"A", "of the outer"}, {"B", ""}, {"below/A001/A", "of the inner"}});
+    const URL inner = at("d1/A001/below");
+    for (const auto& drives : {std::vector{at("d1"), inner}, std::vector{inner, at("d1")}}) {
+        const auto error = failureOf(request(drives));
+
+        ASSERT_TRUE(error && error->is<OffloadError::DestinationNotWritable>());
+        EXPECT_EQ(error->get<OffloadError::DestinationNotWritable>()->destination, inner);
+        EXPECT_FALSE(fs::exists(at("d1")));
+    }
+}
+
+TEST_F(OffloadOverlapTest, DriveInsideAnothersReelFolder_ItsHashListWouldReplaceACopy_IsRefused) {
+    makeCard({{"A", ""}, {"A001/A001.mhl", "an old list"}});
+
+    EXPECT_EQ(descriptionOf(request({at("d1"), at("d1/A001")})),
+              "Destination is not writable: " + at("d1/A001").native());
+}
+
+TEST_F(OffloadOverlapTest, DriveInsideAnothersReelFolderByALink_APathLeadsToBoth_IsRefused) {
+    makeCard({{"A", "of the outer"}, {"A001/A", "of the inner"}});
+    fs::create_directories(at("d1/A001"));
+    fs::create_symlink("d1/A001", at("link"));
+
+    EXPECT_EQ(descriptionOf(request({at("d1"), at("link")})),
+              "Destination is not writable: " + at("link").native());
 }
 
 TEST_F(OffloadOverlapTest, CardInsideTheDrive_IsFine) {

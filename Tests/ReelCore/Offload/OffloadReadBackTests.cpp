@@ -4,6 +4,9 @@
 #include "Support/LoopMount.h"
 #include "Support/Tool.h"
 
+#include <cerrno>
+#include <fstream>
+
 #include <sys/stat.h>
 
 using namespace ReelCore;
@@ -164,6 +167,51 @@ TEST_F(OffloadReadBackOnFaultyDrive, FileCannotBeOpened_IsRecorded) {
     EXPECT_EQ(copy.error, "Failed reading A: could not open");
     EXPECT_EQ(copy.readBackHash, std::nullopt);
     EXPECT_TRUE(result.files.at(1).verified());
+}
+
+TEST_F(OffloadReadBackOnFaultyDrive, FileCannotBeFlushed_IsRecordedAndTheRunGoesOn) {
+    makeCard(clips);
+    const FaultyFileSystem drive(at("back"), at("d1"), {.onlyFile = "A", .failFlush = true});
+
+    const auto result = run(request({drive.path(), at("d2")}));
+
+    const auto& copies = result.files.at(0).destinations;
+    EXPECT_EQ(copies.at(0).error, "Input/output error");
+    EXPECT_FALSE(copies.at(0).matches);
+    EXPECT_TRUE(copies.at(1).matches);
+    EXPECT_TRUE(result.files.at(1).verified());
+}
+
+// Each copy matches, but what else the drive was given went lost: its folders may be next.
+TEST_F(OffloadReadBackOnFaultyDrive, DriveLosesWhatItWasGiven_EndsTheRunThoughEachCopyMatches) {
+    makeCard(clips);
+    const FaultyFileSystem drive(at("back"), at("d1"),
+                                 {.onlyFile = "other", .failWriteAt = 0, .writeLate = true});
+    beforeReadBackOfA([&] { std::ofstream(drive.path() / "other") << "never gets there"; });
+
+    EXPECT_EQ(descriptionOf(request({drive.path(), at("d2")})),
+              "Failed writing to " + (drive.path() / "A001").native() + ": Input/output error");
+    EXPECT_FALSE(hasHashList(at("d2")));
+}
+
+TEST_F(OffloadReadBackOnFaultyDrive, DatesCannotBeSet_IsIgnored) {
+    makeCard(clips);
+    const FaultyFileSystem drive(at("back"), at("d1"), {.failDates = true});
+
+    EXPECT_TRUE(run(request({drive.path()})).allVerified());
+    EXPECT_NE(modificationDate(at("back/A001/A")), modificationDate(card() / "A"));
+}
+
+TEST_F(OffloadReadBackOnFaultyDrive, HashListFillsTheDrive_IsIgnored) {
+    makeCard(clips);
+    const FaultyFileSystem drive(at("back"), at("d1"),
+                                 {.onlyFile = "A001.mhl", .writeError = ENOSPC, .failWriteAt = 9});
+
+    EXPECT_TRUE(run(request({drive.path(), at("d2")})).allVerified());
+
+    EXPECT_EQ(readFile(at("back/A001/A001.mhl")).size(), 9U) << "no half list was tried";
+    EXPECT_TRUE(hasHashList(at("d2")));
+    EXPECT_EQ(events_.back().phase, Phase::done);
 }
 
 TEST_F(OffloadReadBackTest, CopyIsGoneOrAPipe_IsRecordedAndTheRunDoesNotWait) {

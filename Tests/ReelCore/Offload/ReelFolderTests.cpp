@@ -3,6 +3,7 @@
 #include "ReelCore/Offload/OffloadError.h"
 #include "ReelCore/Platform/SystemError.h"
 #include "Support/FolderTree.h"
+#include "Support/Forked.h"
 #include "Support/LoopMount.h"
 
 #include <gtest/gtest.h>
@@ -19,9 +20,10 @@ protected:
     ReelFolderTest() { fs::create_directories(at("card/DCIM")); }
 
     URL at(const std::string& name) const { return folder_.path() / name; }
-    ReelFolder reel(const std::string& name) const {
-        return ReelFolder(at("card"), at("drive"), name);
+    ReelFolder on(const URL& drive, const std::string& name) const {
+        return ReelFolder(FileLocation(at("card")), drive, name);
     }
+    ReelFolder reel(const std::string& name) const { return on(at("drive"), name); }
 
 private:
     TemporaryFolder folder_;
@@ -49,6 +51,27 @@ TEST_F(ReelFolderTest, Path_ReelNameIsAppendedExactlyAsItIs) {
     EXPECT_EQ(reel("..").path().native(), drive + "/..");
 }
 
+TEST_F(ReelFolderTest, Path_DriveWithASlashAtItsEnd_GetsNoSecondOne) {
+    EXPECT_EQ(on("/media/drive/", "A001").path().native(), "/media/drive/A001");
+    EXPECT_EQ(on("/", "A001").path().native(), "/A001");
+    EXPECT_EQ(on("drive", "A001").path().native(), "drive/A001");
+}
+
+TEST_F(ReelFolderTest, Path_NoDrive_IsRefusedAndNotTakenForTheRoot) {
+    EXPECT_THROW(on("", "A001"), OffloadError);
+}
+
+TEST_F(ReelFolderTest, RequireOutsideSource_RelativeDriveWithoutAWorkingDirectory_IsRefused) {
+    const int status = statusOfForked([&] {
+        fs::create_directory(at("gone"));
+        fs::current_path(at("gone"));
+        fs::remove(at("gone"));
+        return isRefused(on("drive", "A001")) ? 0 : 1;
+    });
+
+    EXPECT_EQ(status, 0);
+}
+
 TEST_F(ReelFolderTest, Create_MakesIntermediates_AndTakesWhatIsThere) {
     reel("day/A001").create();
     writeFile(at("drive/day/A001/old"), "stays");
@@ -72,8 +95,8 @@ TEST_F(ReelFolderTest, RequireOutsideSource_LooksAtTheReelNotAtTheDrive) {
     EXPECT_TRUE(isRefused(reel("../card")));
     EXPECT_TRUE(isRefused(reel("../card/new")));
     EXPECT_FALSE(isRefused(reel("../card2")));
-    EXPECT_FALSE(isRefused(ReelFolder(at("card"), at("card"), "../A001")));
-    EXPECT_TRUE(isRefused(ReelFolder(at("card"), at("card"), "A001")));
+    EXPECT_FALSE(isRefused(on(at("card"), "../A001")));
+    EXPECT_TRUE(isRefused(on(at("card"), "A001")));
 }
 
 TEST_F(ReelFolderTest, TargetFor_KeepsTheCardsFoldersAndNames) {
@@ -89,6 +112,27 @@ TEST_F(ReelFolderTest, PrepareParent_MakesTheFolderOfTheTarget) {
     folder.prepareParent(folder.targetFor("B.MOV"));
 
     EXPECT_TRUE(fs::is_directory(at("drive/A001/DCIM/100")));
+}
+
+TEST_F(ReelFolderTest, PrepareParent_FolderVanishesBetweenTwoFiles_IsMadeAgain) {
+    ReelFolder folder = reel("A001");
+    folder.create();
+    folder.prepareParent(folder.targetFor("DCIM/A.MOV"));
+    fs::remove(at("drive/A001/DCIM"));
+
+    folder.prepareParent(folder.targetFor("DCIM/B.MOV"));
+
+    EXPECT_TRUE(fs::is_directory(at("drive/A001/DCIM")));
+}
+
+TEST_F(ReelFolderTest, PrepareParent_FolderIsReplacedByALinkIntoTheSource_IsRefused) {
+    ReelFolder folder = reel("A001");
+    folder.create();
+    folder.prepareParent(folder.targetFor("DCIM/A.MOV"));
+    fs::remove(at("drive/A001/DCIM"));
+    fs::create_symlink(at("card/DCIM"), at("drive/A001/DCIM"));
+
+    EXPECT_THROW(folder.prepareParent(folder.targetFor("DCIM/B.MOV")), OffloadError);
 }
 
 TEST_F(ReelFolderTest, PrepareParent_LinkThatLeadsIntoTheSource_IsRefused) {

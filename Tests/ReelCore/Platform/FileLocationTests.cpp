@@ -1,7 +1,9 @@
 #include "ReelCore/Platform/FileLocation.h"
 
+#include "ReelCore/Platform/SystemError.h"
 #include "Support/FaultyFileSystem.h"
 #include "Support/FolderTree.h"
+#include "Support/Forked.h"
 #include "Support/LoopMount.h"
 
 #include <gtest/gtest.h>
@@ -10,6 +12,10 @@ using namespace ReelCore;
 using namespace TestSupport;
 
 namespace {
+
+bool liesWithin(const URL& path, const URL& folder) {
+    return FileLocation(path).pathWithin(FileLocation(folder)).has_value();
+}
 
 class FileLocationTest : public testing::Test {
 protected:
@@ -34,6 +40,31 @@ TEST_F(FileLocationTest, Within_TheFolderItselfAndAllBelow) {
     EXPECT_TRUE(inCard("card/DCIM"));
     EXPECT_TRUE(inCard("card/not/there/yet"));
     EXPECT_TRUE(liesWithin(at("card"), at("card/")));
+}
+
+TEST_F(FileLocationTest, PathWithin_TellsTheWayFromTheFolder) {
+    std::filesystem::create_symlink("../card", at("drive/toCard"));
+    const FileLocation card(at("card"));
+
+    EXPECT_EQ(FileLocation(at("card/")).pathWithin(card), URL("."));
+    EXPECT_EQ(FileLocation(at("drive/toCard/DCIM/new/")).pathWithin(card), URL("DCIM/new"));
+    EXPECT_EQ(FileLocation(at("drive")).pathWithin(card), std::nullopt);
+}
+
+TEST_F(FileLocationTest, RelativePath_WithoutAWorkingDirectory_IsTheSystemsError) {
+    const int status = statusOfForked([&] {
+        std::filesystem::create_directory(at("gone"));
+        std::filesystem::current_path(at("gone"));
+        std::filesystem::remove(at("gone"));
+        try {
+            FileLocation("drive");
+            return 1;
+        } catch (const SystemError&) {
+            return 0;
+        }
+    });
+
+    EXPECT_EQ(status, 0);
 }
 
 TEST_F(FileLocationTest, Outside_ParentsNeighboursAndNamesThatBeginAlike) {
@@ -117,6 +148,16 @@ TEST_F(FileLocationTest, Outside_ByAMountOfTheParentElsewhere_UnlessItLeadsIn) {
 
     EXPECT_FALSE(liesWithin(elsewhere.path() / "all/drive", at("card")));
     EXPECT_TRUE(liesWithin(elsewhere.path() / "all/card/new", at("card")));
+}
+
+TEST_F(FileLocationTest, Outside_ByAMountThatALaterOneHides) {
+    if (!LoopMount::isAvailable()) GTEST_SKIP() << "needs root and loop devices";
+    std::filesystem::create_directory(at("other"));
+    const BindMount hidden(at("card"), at("drive/mirror"));
+    const BindMount onTop(at("other"), at("drive"));
+    std::filesystem::create_directory(at("other/mirror"));
+
+    EXPECT_FALSE(inCard("drive/mirror"));
 }
 
 TEST_F(FileLocationTest, Within_ByASecondMountOfTheSameDevice) {

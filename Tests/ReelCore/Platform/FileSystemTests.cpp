@@ -2,6 +2,7 @@
 
 #include "ReelCore/Platform/SystemError.h"
 #include "Support/FolderTree.h"
+#include "Support/Forked.h"
 #include "Support/Snapshot.h"
 
 #include <algorithm>
@@ -151,6 +152,22 @@ TEST_F(FileSystemTest, SetModificationDate_File_LeavesItsAccessDate) {
 
 TEST_F(FileSystemTest, SetModificationDate_MissingFile_SaysSo) {
     EXPECT_THROW(FileSystem::setModificationDate(at("gone"), Date(5s)), SystemError);
+}
+
+TEST_F(FileSystemTest, Standardised_RelativePathWithoutAWorkingDirectory_IsTheSystemsError) {
+    const int status = statusOfForked([&] {
+        std::filesystem::create_directory(at("gone"));
+        std::filesystem::current_path(at("gone"));
+        std::filesystem::remove(at("gone"));
+        try {
+            FileSystem::standardised("a");
+            return 1;
+        } catch (const SystemError&) {
+            return 0;
+        }
+    });
+
+    EXPECT_EQ(status, 0);
 }
 
 TEST(FileSystemStandardised, Path_DotsAndSlashes_GoAndLinksStay) {

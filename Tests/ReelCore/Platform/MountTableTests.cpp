@@ -30,6 +30,7 @@ TEST(ParseMountTable, Line_GivesEveryField) {
     const Mount mount = parsed(
         "36 35 98:0 /mnt1 /mnt2 rw,noatime master:1 shared:2 - ext3 /dev/root rw,errors=continue");
 
+    EXPECT_EQ(mount.id, 36U);
     EXPECT_EQ(mount.device, "98:0");
     EXPECT_EQ(mount.root, "/mnt1");
     EXPECT_EQ(mount.mountPoint, "/mnt2");
