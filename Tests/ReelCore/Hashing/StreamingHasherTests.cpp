@@ -114,10 +114,11 @@ TEST_P(EveryAlgorithm, RealFiles_HaveTheHashOfTheSystemsOwnTool) {
         const std::string text = TestSupport::noise(size, static_cast<unsigned>(size));
         TestSupport::writeFile(path, text);
 
-        const std::string said =
-            algorithm == HashAlgorithm::xxhash64 ? TestSupport::outputOf("xxhsum", {"-q", "-H1", path})
-            : algorithm == HashAlgorithm::md5    ? TestSupport::outputOf("md5sum", {path})
-                                                 : TestSupport::outputOf("sha256sum", {path});
+        const std::string said = algorithm == HashAlgorithm::xxhash64
+                                     ? TestSupport::outputOf("xxhsum", {"-q", "-H1", path})
+                                 : algorithm == HashAlgorithm::md5
+                                     ? TestSupport::outputOf("md5sum", {path})
+                                     : TestSupport::outputOf("sha256sum", {path});
 
         EXPECT_EQ(hashOf(algorithm, text), said.substr(0, said.find(' '))) << size;
     }
