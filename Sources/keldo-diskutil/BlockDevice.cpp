@@ -38,11 +38,16 @@ std::optional<URL> DeviceTree::node(const std::string& device) const {
     return std::nullopt;
 }
 
+URL DeviceTree::disk(const std::string& device) const {
+    const URL own = std::filesystem::canonical(folder(device));
+    return FileSystem::exists(own / "partition") ? own.parent_path() : own;
+}
+
 std::set<std::string> DeviceTree::wholeDisks(const std::string& device) const {
-    if (!FileSystem::exists(folder(device))) return {};
-    URL disk = std::filesystem::canonical(folder(device));
-    if (FileSystem::exists(disk / "partition")) disk = disk.parent_path();
-    std::set<std::string> disks{firstLine(disk / "dev")};
+    if (device.empty() || !FileSystem::exists(folder(device))) return {};
+    const URL disk = this->disk(device);
+    std::set<std::string> disks;
+    if (const std::string own = firstLine(disk / "dev"); !own.empty()) disks.insert(own);
     if (!FileSystem::isFolder(disk / "slaves")) return disks;
     for (const std::string& slave : FileSystem::names(disk / "slaves")) {
         disks.merge(wholeDisks(firstLine(disk / "slaves" / slave / "dev")));
@@ -52,6 +57,10 @@ std::set<std::string> DeviceTree::wholeDisks(const std::string& device) const {
 
 bool DeviceTree::isReadOnly(const std::string& device) const {
     return firstLine(folder(device) / "ro") == "1";
+}
+
+Medium DeviceTree::medium(const std::string& device) const {
+    return {firstLine(folder(device) / "size"), firstLine(disk(device) / "diskseq")};
 }
 
 std::optional<std::string> deviceOfNode(const URL& node) {

@@ -8,6 +8,15 @@
 
 namespace keldo_diskutil {
 
+/// What the kernel knows of the medium that is in a drive now. A drive keeps its numbers when one
+/// card is taken out and the next put in; this changes then.
+struct Medium {
+    std::string size;      ///< In the kernel's sectors.
+    std::string sequence;  ///< Counts the media of all drives; empty on kernels before 5.15.
+
+    bool operator==(const Medium&) const = default;
+};
+
 /// What the kernel's device tree tells of block devices. A device is named by its numbers,
 /// "major:minor", as the mount table does. For what is no block device every answer is empty.
 class DeviceTree {
@@ -19,14 +28,19 @@ public:
 
     /// The physical disks that the device lies on: of a partition the disk, of a device that is
     /// made of others (LVM, RAID, encryption) the disks of them all. The device's own disk counts
-    /// in any case.
+    /// in any case. A loop device is a disk of its own, wherever its file lies.
     std::set<std::string> wholeDisks(const std::string& device) const;
 
     /// True if the device takes no writes, such as a card with its lock switch set.
     bool isReadOnly(const std::string& device) const;
 
+    Medium medium(const std::string& device) const;
+
 private:
     ReelCore::URL folder(const std::string& device) const { return root_ / "dev/block" / device; }
+
+    /// The folder of the device, of a partition that of its disk.
+    ReelCore::URL disk(const std::string& device) const;
 
     ReelCore::URL root_;
 };

@@ -49,10 +49,14 @@ Order parse(const std::vector<std::string>& arguments) {
         ReelCore::Text::wellFormed(arguments[1])));
 }
 
-/// The volume, as the disk service knows it, all set to be erased.
-struct Device {
+/// The volume as the disk service knows it, and the card that it is on.
+struct ServedVolume {
     const UDisks& disks;
     std::string object;
+    std::string device;  ///< "major:minor".
+    URL mountPoint;
+    std::string uuid;
+    Medium medium;
 };
 
 UDisks connect() {
@@ -64,22 +68,28 @@ UDisks connect() {
     }
 }
 
-Device prepare(const UDisks& disks, const Volume& volume, const Target& target) {
+ServedVolume prepare(const UDisks& disks, const Volume& volume, const Target& target) {
     try {
         if (const auto tool = disks.missingTool(std::string(target.type))) {
             throw Refusal(fmt::format("{} is missing, which makes {}. Install the package {}.",
                                       *tool, target.name, target.package));
         }
-        return {disks, disks.blockObject(volume.node, volume.device)};
+        const std::string object = disks.blockObject(volume.node, volume.device);
+        return {disks,
+                object,
+                volume.device,
+                volume.mountPoint,
+                disks.uuid(object),
+                DeviceTree().medium(volume.device)};
     } catch (const UDisksError& error) {
         throw Refusal(fmt::format("UDisks2 can't erase {}: {}.", volume.mountPoint.native(),
                                   error.description()));
     }
 }
 
-void unmount(const Device& device, const Volume& volume) {
+void unmount(const ServedVolume& volume) {
     try {
-        device.disks.unmount(device.object);
+        volume.disks.unmount(volume.object);
     } catch (const UDisksError& error) {
         const std::string place = volume.mountPoint.native();
         if (error.isBusy()) {
@@ -90,36 +100,69 @@ void unmount(const Device& device, const Volume& volume) {
     }
 }
 
-[[noreturn]] void fail(const Device& device, const UDisksError& failure) {
-    std::string after;
+bool isMediumStillThere(const ServedVolume& volume) {
     try {
-        after = "is mounted at " + device.disks.mount(device.object).native();
-    } catch (const UDisksError&) {
-        after = "can't be mounted again";
+        return DeviceTree().medium(volume.device) == volume.medium;
+    } catch (const std::exception&) {
+        return false;
     }
+}
+
+/// An erase that failed may have taken the card's UUID away, but gives no other.
+bool isCardStillThere(const ServedVolume& volume, bool mayHaveLostItsUUID) {
+    try {
+        const std::string uuid = volume.disks.uuid(volume.object);
+        const bool same = uuid == volume.uuid || (mayHaveLostItsUUID && uuid.empty());
+        return same && isMediumStillThere(volume);
+    } catch (const UDisksError&) {
+        return false;
+    }
+}
+
+std::string mountedAgain(const ServedVolume& volume) {
+    if (!isMediumStillThere(volume)) return "is no longer in its reader";
+    try {
+        return "is mounted at " + volume.disks.mount(volume.object).native();
+    } catch (const UDisksError&) {
+        return "can't be mounted again";
+    }
+}
+
+[[noreturn]] void fail(const ServedVolume& volume, const std::string& reason) {
     throw ReelCore::Error(
-        fmt::format("The erase failed. The state of the volume is unknown; it {}. ({})", after,
-                    failure.description()));
+        fmt::format("The erase failed. The state of the volume is unknown; it {}. ({})",
+                    mountedAgain(volume), reason));
 }
 
 /// Returns the label that the volume got. A disk service that runs without a UTF-8 locale can't
 /// write a label beyond ASCII and fails: the second try needs none.
-std::string format(const Device& device, const Order& order) {
+std::string format(const ServedVolume& volume, const Order& order) {
     const std::string type(order.target.type);
     const std::string label = labelFor(order.newName, order.target.fileSystem);
     const std::string plain = plainLabel(label);
+    if (!isCardStillThere(volume, false)) {
+        throw Refusal(
+            "the card was taken out or changed before its erase began. What is in the reader now "
+            "was left alone.");
+    }
     try {
-        if (label != plain) {
-            try {
-                device.disks.format(device.object, type, label);
-                return label;
-            } catch (const UDisksError&) {
-            }
+        volume.disks.format(volume.object, type, label);
+        return label;
+    } catch (const UDisksError& error) {
+        if (error.isNotAllowed()) {
+            throw Refusal(fmt::format("erasing {} is not allowed ({}); it {}.",
+                                      volume.mountPoint.native(), error.description(),
+                                      mountedAgain(volume)));
         }
-        device.disks.format(device.object, type, plain);
+        if (!error.isFailure() || label == plain || !isCardStillThere(volume, true)) {
+            fail(volume, error.description());
+        }
+    }
+    try {
+        volume.disks.format(volume.object, type, plain);
         return plain;
     } catch (const UDisksError& error) {
-        fail(device, error);
+        fail(volume, error.description());
     }
 }
 
@@ -131,12 +174,12 @@ bool canMount(std::string_view type) {
     return ReelCore::FileSystem::exists(fmt::format("/sbin/mount.{}", type));
 }
 
-void mount(const Device& device, const Target& target, std::ostream& lines) {
+void mount(const ServedVolume& volume, const Target& target, std::ostream& lines) {
     try {
-        const URL place = device.disks.mount(device.object);
+        const URL place = volume.disks.mount(volume.object);
         lines << "It is mounted at " << place.native() << ".\n";
     } catch (const UDisksError& error) {
-        if (canMount(target.type)) {
+        if (!error.isFailure() || canMount(target.type)) {
             throw ReelCore::Error(
                 fmt::format("The volume is erased, but it can't be mounted again: {}. Check it "
                             "before you use it.",
@@ -147,27 +190,33 @@ void mount(const Device& device, const Target& target, std::ostream& lines) {
     }
 }
 
+/// Says so where the card is too small for FAT32, if the service can tell.
+void tellVersion(const ServedVolume& volume, std::ostream& lines) {
+    try {
+        const std::string version = volume.disks.fileSystemVersion(volume.object);
+        if (version != "FAT32")
+            lines << "It is too small for FAT32 and became " << version << ".\n";
+    } catch (const UDisksError&) {
+    }
+}
+
 }  // namespace
 
 void erase(const std::vector<std::string>& arguments, std::ostream& lines) {
     const Order order = parse(arguments);
-    const Volume volume = volumeToErase(order.path, Machine::current());
+    const Volume chosen = volumeToErase(order.path, Machine::current());
     const UDisks disks = connect();
-    const Device device = prepare(disks, volume, order.target);
-    unmount(device, volume);
-    const std::string label = format(device, order);
-    lines << fmt::format("{} is erased as {}, named \"{}\".\n", volume.node.native(),
+    const ServedVolume volume = prepare(disks, chosen, order.target);
+    unmount(volume);
+    const std::string label = format(volume, order);
+    lines << fmt::format("{} is erased as {}, named \"{}\".\n", chosen.node.native(),
                          order.target.name, label);
     if (label != order.newName) {
         lines << fmt::format("The name \"{}\" does not fit {}: it became \"{}\".\n",
                              ReelCore::Text::wellFormed(order.newName), order.target.name, label);
     }
-    if (order.target.fileSystem == TargetFileSystem::fat32) {
-        const std::string version = disks.fileSystemVersion(device.object);
-        if (version != "FAT32")
-            lines << "It is too small for FAT32 and became " << version << ".\n";
-    }
-    mount(device, order.target, lines);
+    if (order.target.fileSystem == TargetFileSystem::fat32) tellVersion(volume, lines);
+    mount(volume, order.target, lines);
 }
 
 }  // namespace keldo_diskutil

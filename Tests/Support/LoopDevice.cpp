@@ -12,14 +12,13 @@ namespace TestSupport {
 using ReelCore::URL;
 
 LoopDevice::LoopDevice(const FolderTree& content, std::int64_t mebibytes, Writing writing) {
-    const URL image = folder_.path() / "image";
     writeTree(folder_.path() / "content", content);
-    writeFile(image, "");
-    std::filesystem::resize_file(image, static_cast<std::uintmax_t>(mebibytes) << 20U);
+    writeFile(image(), "");
+    std::filesystem::resize_file(image(), static_cast<std::uintmax_t>(mebibytes) << 20U);
     // Nothing is left for the kernel to write later on its own account.
     outputOf("mkfs.ext4", {"-q", "-E", "lazy_itable_init=0,lazy_journal_init=0", "-d",
-                           folder_.path() / "content", image.native()});
-    std::vector<std::string> arguments{"--find", "--show", image.native()};
+                           folder_.path() / "content", image().native()});
+    std::vector<std::string> arguments{"--find", "--show", image().native()};
     if (writing == Writing::refused) arguments.emplace_back("--read-only");
     std::string node = outputOf("losetup", arguments);
     node.erase(node.find('\n'));
@@ -46,7 +45,7 @@ std::vector<URL> LoopDevice::mountPoints() const {
 
 std::string LoopDevice::checksum() const {
     ::sync();
-    return outputOf("sha256sum", {(folder_.path() / "image").native()});
+    return outputOf("sha256sum", {image().native()});
 }
 
 }  // namespace TestSupport

@@ -26,6 +26,9 @@ public:
     /// The device node.
     const ReelCore::URL& node() const { return node_; }
 
+    /// The file that the device's bytes are in.
+    ReelCore::URL image() const { return folder_.path() / "image"; }
+
     /// Mounts the device; the folder is made where it is missing.
     void mountAt(const ReelCore::URL& mountPoint, const std::string& options = "noatime") const;
 

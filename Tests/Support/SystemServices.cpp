@@ -24,7 +24,6 @@ namespace {
 
 using ReelCore::URL;
 
-const URL udisksd = "/usr/libexec/udisks2/udisksd";
 const URL udevd = "/lib/systemd/systemd-udevd";
 const URL busSocket = "/run/dbus/system_bus_socket";
 
@@ -140,11 +139,11 @@ SystemServices::SystemServices(const Setup& setup) : world_(std::make_unique<Wor
     start({udevd.native()});
     waitFor(busSocket);
     waitFor("/run/udev/control");
-    if (!setup.disks) return;
-    start({udisksd.native()});
+    if (setup.diskService.empty()) return;
+    start(setup.diskService);
     const auto answer =
         runTool("gdbus", {"wait", "--system", "--timeout", "60", "org.freedesktop.UDisks2"});
-    if (answer.status != 0) throw std::runtime_error("no UDisks2: " + readFile(log));
+    if (answer.status != 0) throw std::runtime_error("no disk service: " + readFile(log));
 }
 
 SystemServices::~SystemServices() {
@@ -157,7 +156,7 @@ void SystemServices::settle() {
 
 std::string SystemServices::missing() {
     if (!LoopMount::isAvailable()) return "needs root and loop devices";
-    for (const URL& program : {udisksd, udevd}) {
+    for (const URL& program : {URL(udisksd), udevd}) {
         if (!ReelCore::FileSystem::exists(program)) return "needs " + program.native();
     }
     for (const char* tool : {"dbus-daemon", "gdbus", "udevadm", "blkid", "mkfs.exfat"}) {

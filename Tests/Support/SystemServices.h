@@ -20,8 +20,12 @@ namespace TestSupport {
 /// where a service does not come up.
 class SystemServices {
 public:
+    /// The program of UDisks2.
+    static constexpr const char* udisksd = "/usr/libexec/udisks2/udisksd";
+
     struct Setup {
-        bool disks = true;               ///< UDisks2 runs, and not the bus and udev alone.
+        /// What is started to be the disk service; with nothing, the bus and udev run alone.
+        std::vector<std::string> diskService = {udisksd};
         std::string locale = "C.UTF-8";  ///< That UDisks2 and what it starts run in.
         /// Programs in /usr/sbin that are other scripts here; without a script, missing ones.
         std::map<std::string, std::optional<std::string>> programs = {};

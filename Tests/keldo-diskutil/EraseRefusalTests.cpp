@@ -252,8 +252,10 @@ TEST_F(EraseRefusal, HiddenCard_IsNotTakenForWhatHidesIt) {
     std::filesystem::create_directories(elsewhere() / "card");
     const std::string before = card.checksum();
 
-    EXPECT_EQ(failureOf(elsewhere() / "card"), refusal("another volume hides the one mounted at " +
-                                                       (elsewhere() / "card").native() + "."));
+    EXPECT_EQ(failureOf(elsewhere() / "card"),
+              refusal((elsewhere() / "card").native() +
+                      " is not a mount point; it lies on the volume mounted at " +
+                      elsewhere().native() + "."));
     EXPECT_EQ(card.checksum(), before);
     outputOf("umount", {elsewhere().native()});
 }
@@ -272,7 +274,7 @@ TEST_F(EraseRefusal, DiskServiceOutOfReach_SaysSo) {
 }
 
 TEST_F(EraseRefusal, BusWithoutTheDiskService_SaysSo) {
-    const SystemServices services({.disks = false});
+    const SystemServices services({.diskService = {}});
     const LoopDevice card(cardFiles(), 16);
     card.mountAt(mountPoint());
 

@@ -23,7 +23,7 @@ TEST(EraseTool, SystemWithOne_NamesThat) {
     const std::string missing = TestSupport::SystemServices::missing();
     if (!missing.empty()) GTEST_SKIP() << missing;
     const TestSupport::SystemServices system(
-        {.disks = false, .programs = {{"diskutil", "exit 0\n"}}});
+        {.diskService = {}, .programs = {{"diskutil", "exit 0\n"}}});
 
     EXPECT_EQ(eraseTool(), "/usr/sbin/diskutil");
 }

@@ -1,0 +1,206 @@
+#include "ErasableCard.h"
+#include "Support/SystemServices.h"
+#include "Support/Tool.h"
+
+#include <filesystem>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace keldo_diskutil {
+
+namespace {
+
+using ReelCore::URL;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::StartsWith;
+using TestSupport::LoopDevice;
+using TestSupport::outputOf;
+using TestSupport::readFile;
+using TestSupport::SystemServices;
+using TestSupport::TemporaryFolder;
+
+const std::string failed = "org.freedesktop.UDisks2.Error.Failed";
+const std::string busy = "org.freedesktop.UDisks2.Error.DeviceBusy";
+const std::string alreadyMounted = "org.freedesktop.UDisks2.Error.AlreadyMounted";
+const std::string dismissed = "org.freedesktop.UDisks2.Error.NotAuthorizedDismissed";
+const std::string forbidden = "org.freedesktop.UDisks2.Error.OptionNotPermitted";
+
+/// What goes wrong between the calls of an erase.
+class EraseMishap : public testing::Test {
+protected:
+    void SetUp() override {
+        const std::string reason = SystemServices::missing();
+        if (!reason.empty()) GTEST_SKIP() << reason;
+    }
+
+    /// Made only where it is to be told of: udev and the real service hear of no card before them.
+    void insertCard() {
+        card_ = std::make_unique<LoopDevice>(cardFiles(), 16);
+        TestSupport::writeFile(node(), name());
+        card_->mountAt(mountPoint());
+        SystemServices::settle();
+    }
+
+    URL mountPoint() const { return folder_.path() / "card"; }
+    const LoopDevice& card() const { return *card_; }
+    std::string name() const { return card_->node().native(); }
+
+    /// Services with a disk service that fails as told ("Method=error"), the card mounted.
+    std::unique_ptr<SystemServices> servicesThatAnswer(const std::vector<std::string>& errors) {
+        card_ = std::make_unique<LoopDevice>(cardFiles(), 16);
+        std::vector<std::string> command{KELDO_FAKEDISKSERVICE, log().native(), name(), "/media/A"};
+        command.insert(command.end(), errors.begin(), errors.end());
+        SystemServices::Setup setup;
+        setup.diskService = command;
+        auto services = std::make_unique<SystemServices>(setup);
+        card_->mountAt(mountPoint());
+        return services;
+    }
+
+    /// The calls that were to change something, a line each.
+    std::string calls() const { return readFile(log()); }
+
+    /// An image of another card, and the lines of a script that put it into the reader.
+    URL otherCard() const {
+        URL image = folder_.path() / "other";
+        TestSupport::writeFile(image, TestSupport::noise(std::size_t{16} << 20U));
+        return image;
+    }
+    std::string swapScript(const URL& image) const {
+        return "losetup -d $(cat " + node().native() + ")\nlosetup $(cat " + node().native() +
+               ") " + image.native() + "\n";
+    }
+
+    /// A file that names the card's device.
+    URL node() const { return folder_.path() / "node"; }
+
+private:
+    URL log() const { return folder_.path() / "calls"; }
+
+    TemporaryFolder folder_;
+    std::unique_ptr<LoopDevice> card_;
+};
+
+TEST_F(EraseMishap, CardChangedOnceItIsUnmounted_NeitherIsTouched) {
+    const URL other = otherCard();
+    const std::string before = readFile(other);
+    const SystemServices services(
+        {.programs = {{"umount.ext4", "umount -i \"$1\"\n" + swapScript(other)}}});
+    insertCard();
+
+    const std::string said = failureOf(mountPoint());
+
+    EXPECT_EQ(said,
+              "Nothing was erased: the card was taken out or changed before its erase began. What "
+              "is in the reader now was left alone.\n");
+    EXPECT_EQ(outputOf("losetup", {"-n", "-O", "BACK-FILE", name()}), other.native() + "\n");
+    outputOf("losetup", {"-d", name()});
+    EXPECT_EQ(readFile(other) == before, true);
+    EXPECT_THAT(outputOf("blkid", {"-p", card().image().native()}), HasSubstr("ext4"));
+}
+
+TEST_F(EraseMishap, CardChangedBetweenTheTwoTries_OtherCardIsLeftAlone) {
+    const URL other = otherCard();
+    const std::string before = readFile(other);
+    const SystemServices services(
+        {.locale = "C", .programs = {{"mkfs.exfat", swapScript(other) + "exit 1\n"}}});
+    insertCard();
+
+    const std::string said = failureOf(mountPoint(), "Zoë");
+
+    EXPECT_THAT(said, StartsWith("The erase failed. The state of the volume is unknown; it is no "
+                                 "longer in its reader. ("));
+    EXPECT_EQ(outputOf("losetup", {"-n", "-O", "BACK-FILE", name()}), other.native() + "\n");
+    outputOf("losetup", {"-d", name()});
+    EXPECT_EQ(readFile(other) == before, true);
+}
+
+TEST_F(EraseMishap, DesktopMountsTheNewVolumeFirst_TellsWhere) {
+    if (!TestSupport::hasTool("mount.exfat-fuse")) GTEST_SKIP() << "needs exfat-fuse";
+    const TemporaryFolder tools;
+    const URL real = tools.path() / "mkfs.exfat";
+    std::filesystem::copy_file("/usr/sbin/mkfs.exfat", real);
+    const SystemServices services(
+        {.programs = {{"mkfs.exfat", real.native() + " \"$@\" || exit 1\nmkdir /media/first\n" +
+                                         "exec mount.exfat-fuse $(cat " + node().native() +
+                                         ") /media/first\n"}}});
+    insertCard();
+
+    const std::string said = erase(mountPoint(), "A001");
+
+    EXPECT_EQ(said,
+              name() + " is erased as ExFAT, named \"A001\".\nIt is mounted at /media/first.\n");
+}
+
+TEST_F(EraseMishap, ServiceSaysAlreadyMounted_TellsWhere) {
+    const auto services = servicesThatAnswer({"Mount=" + alreadyMounted});
+
+    const std::string said = erase(mountPoint(), "A001");
+
+    EXPECT_THAT(said, HasSubstr("\nIt is mounted at /media/A.\n"));
+}
+
+TEST_F(EraseMishap, PasswordDialogClosed_MountsAgainAndTriesNothingElse) {
+    const auto services = servicesThatAnswer({"Format=" + dismissed});
+
+    const std::string said = failureOf(mountPoint(), "Zoë");
+
+    EXPECT_EQ(said, "Nothing was erased: erasing " + mountPoint().native() +
+                        " is not allowed (as the test wants it); it is mounted at /media/A.\n");
+    EXPECT_EQ(calls(), "Unmount\nFormat Zoë\nMount\n");
+}
+
+TEST_F(EraseMishap, VolumeInUseAtTheErase_IsNotTriedTwice) {
+    const auto services = servicesThatAnswer({"Format=" + busy});
+
+    const std::string said = failureOf(mountPoint(), "Zoë");
+
+    EXPECT_EQ(said,
+              "The erase failed. The state of the volume is unknown; it is mounted at "
+              "/media/A. (as the test wants it)\n");
+    EXPECT_EQ(calls(), "Unmount\nFormat Zoë\nMount\n");
+}
+
+TEST_F(EraseMishap, ProgramThatCanNotWriteTheLabel_GetsAPlainOne) {
+    const auto services = servicesThatAnswer({"Format=" + failed});
+
+    failureOf(mountPoint(), "Zoë");
+
+    EXPECT_EQ(calls(), "Unmount\nFormat Zoë\nFormat Zo_\nMount\n");
+}
+
+TEST_F(EraseMishap, MountThatIsNotAllowed_IsNoMissingDriver) {
+    const auto services = servicesThatAnswer({"Mount=" + forbidden});
+
+    EXPECT_EQ(failureOf(mountPoint()),
+              name() +
+                  " is erased as ExFAT, named \"A001\".\nThe volume is erased, but it can't be "
+                  "mounted again: as the test wants it. Check it before you use it.\n");
+}
+
+TEST_F(EraseMishap, VersionThatCanNotBeRead_IsLeftOut) {
+    const auto services = servicesThatAnswer({"IdVersion=" + failed});
+
+    EXPECT_EQ(erase(mountPoint(), "A001", FileSystem::fat32),
+              name() + " is erased as MS-DOS FAT32, named \"A001\".\nIt is mounted at /media/A.\n");
+}
+
+class EraseAnsweredStrangely : public EraseMishap,
+                               public testing::WithParamInterface<const char*> {};
+
+TEST_P(EraseAnsweredStrangely, BeforeTheUnmount_NothingIsErased) {
+    const auto services = servicesThatAnswer({std::string(GetParam()) + "=form"});
+
+    EXPECT_THAT(failureOf(mountPoint()), StartsWith("Nothing was erased: "));
+    EXPECT_EQ(card().mountPoints(), std::vector<URL>{mountPoint()});
+}
+
+INSTANTIATE_TEST_SUITE_P(Answers, EraseAnsweredStrangely,
+                         testing::Values("Version", "CanFormat", "ResolveDevice", "DeviceNumber",
+                                         "IdUUID"));
+
+}  // namespace
+
+}  // namespace keldo_diskutil
