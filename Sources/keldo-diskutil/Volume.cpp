@@ -1,12 +1,15 @@
 #include "keldo-diskutil/Volume.h"
 
 #include "ReelCore/Platform/FileSystem.h"
+#include "ReelCore/Platform/SystemError.h"
 
 #include <algorithm>
 #include <array>
+#include <filesystem>
 #include <fstream>
+#include <regex>
+#include <span>
 #include <sstream>
-#include <string_view>
 #include <system_error>
 
 #include <fmt/format.h>
@@ -18,13 +21,48 @@ namespace {
 using ReelCore::Mount;
 using ReelCore::URL;
 
-constexpr std::array<std::string_view, 9> systemFolders{
-    "/", "/boot", "/boot/efi", "/efi", "/usr", "/var", "/home", "/etc", "/opt"};
+constexpr std::array systemFolders{"/boot", "/efi",  "/etc", "/home", "/nix",
+                                   "/opt",  "/root", "/srv", "/usr",  "/var"};
+constexpr std::array foldersForCards{"/media", "/mnt", "/run/media"};
+
+bool isBelowAny(const URL& path, std::span<const char* const> folders) {
+    return std::ranges::any_of(
+        folders, [&](const char* folder) { return ReelCore::hasPathPrefix(path, folder); });
+}
 
 /// File systems over several devices have no number of their own; the source is one of theirs.
 std::string deviceOf(const Mount& mount) {
     if (!mount.device.starts_with("0:")) return mount.device;
     return deviceOfNode(mount.source).value_or(mount.device);
+}
+
+/// /proc/swaps writes blanks, tabs, line feeds and backslashes as "\" and three octal digits.
+std::string unescaped(const std::string& field) {
+    static const std::regex escape(R"(\\([0-7]{3}))");
+    std::string text;
+    auto rest = field.begin();
+    for (std::sregex_iterator match(field.begin(), field.end(), escape), none; match != none;
+         ++match) {
+        text.append(rest, (*match)[0].first);
+        text += static_cast<char>(std::stoi((*match)[1], nullptr, 8));
+        rest = (*match)[0].second;
+    }
+    return text.append(rest, field.end());
+}
+
+std::set<std::string> swapDisks(const Machine& machine) {
+    std::set<std::string> disks;
+    std::istringstream swaps(machine.swaps);
+    for (std::string line; std::getline(swaps, line);) {
+        const URL swap = unescaped(line.substr(0, line.find_first_of(" \t")));
+        const auto mount = ReelCore::mountOf(swap, machine.mounts);
+        if (const auto device = deviceOfNode(swap)) {
+            disks.merge(machine.devices.wholeDisks(*device));
+        } else if (mount) {
+            disks.merge(machine.devices.wholeDisks(deviceOf(*mount)));
+        }
+    }
+    return disks;
 }
 
 URL resolved(const URL& path) {
@@ -67,7 +105,7 @@ void refuseUnlessWholeAndAlone(const Mount& mount, const std::vector<Mount>& tab
 }
 
 void refuseSystemDisk(const Mount& mount, const Machine& machine) {
-    const auto system = systemDisks(machine);
+    const auto system = systemDisks(machine, mount.mountPoint);
     for (const std::string& disk : machine.devices.wholeDisks(deviceOf(mount))) {
         if (!system.contains(disk)) continue;
         throw Refusal(fmt::format("{} is on the system disk {}, which this computer runs from.",
@@ -86,38 +124,8 @@ void refuseWriteProtected(const Mount& mount, const DeviceTree& devices) {
     }
 }
 
-}  // namespace
-
-Machine Machine::current() {
-    std::ifstream file("/proc/swaps");
-    std::ostringstream swaps;
-    swaps << file.rdbuf();
-    return {ReelCore::mountTable(), swaps.str(), DeviceTree()};
-}
-
-std::set<std::string> systemDisks(const Machine& machine) {
-    std::set<std::string> disks;
-    for (const Mount& mount : machine.mounts) {
-        if (std::ranges::find(systemFolders, mount.mountPoint.native()) == systemFolders.end()) {
-            continue;
-        }
-        disks.merge(machine.devices.wholeDisks(deviceOf(mount)));
-    }
-    std::istringstream swaps(machine.swaps);
-    for (std::string line; std::getline(swaps, line);) {
-        const URL swap = line.substr(0, line.find_first_of(" \t"));
-        const auto mount = ReelCore::mountOf(swap, machine.mounts);
-        const auto device = deviceOfNode(swap);
-        if (device) {
-            disks.merge(machine.devices.wholeDisks(*device));
-        } else if (mount) {
-            disks.merge(machine.devices.wholeDisks(deviceOf(*mount)));
-        }
-    }
-    return disks;
-}
-
-Volume volumeToErase(const URL& path, const Machine& machine) {
+Volume checked(const URL& path, const Machine& machine) {
+    if (machine.mounts.empty()) throw Refusal("the table of mounted volumes can't be read.");
     const URL place = resolved(path);
     const Mount mount = mountAt(place, machine.mounts);
     refuseSystemDisk(mount, machine);
@@ -132,6 +140,50 @@ Volume volumeToErase(const URL& path, const Machine& machine) {
     refuseWriteProtected(mount, machine.devices);
     refuseUnlessWholeAndAlone(mount, machine.mounts);
     return {place, mount.device, *node};
+}
+
+}  // namespace
+
+Machine Machine::current() {
+    std::ifstream file("/proc/swaps");
+    std::ostringstream swaps;
+    swaps << file.rdbuf();
+    return {ReelCore::mountTable(), swaps.str(), DeviceTree()};
+}
+
+std::set<std::string> systemDisks(const Machine& machine, const URL& card) {
+    const auto disksAt = [&](const auto& isWanted) {
+        std::set<std::string> disks;
+        for (const Mount& mount : machine.mounts) {
+            if (isWanted(mount.mountPoint)) {
+                disks.merge(machine.devices.wholeDisks(deviceOf(mount)));
+            }
+        }
+        return disks;
+    };
+    const auto root = disksAt([](const URL& place) { return place == "/"; });
+    auto disks = disksAt([&](const URL& place) {
+        const bool isFolder = std::ranges::find(systemFolders, place) != systemFolders.end();
+        if (isFolder || place == card) return isFolder;
+        if (root.empty()) return !isBelowAny(place, foldersForCards);
+        return isBelowAny(place, systemFolders);
+    });
+    disks.insert(root.begin(), root.end());
+    if (disks.empty()) {
+        throw Refusal("it can't be told which disk this computer runs from.");
+    }
+    disks.merge(swapDisks(machine));
+    return disks;
+}
+
+Volume volumeToErase(const URL& path, const Machine& machine) {
+    try {
+        return checked(path, machine);
+    } catch (const ReelCore::SystemError& error) {
+        throw Refusal(error.description() + ".");
+    } catch (const std::filesystem::filesystem_error& error) {
+        throw Refusal(fmt::format("{}: {}.", error.path1().native(), error.code().message()));
+    }
 }
 
 }  // namespace keldo_diskutil

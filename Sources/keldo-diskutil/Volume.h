@@ -38,7 +38,10 @@ struct Volume {
 /// carry no part of the running system.
 Volume volumeToErase(const ReelCore::URL& path, const Machine& machine);
 
-/// The physical disks that carry the system: its folders and its swap space.
-std::set<std::string> systemDisks(const Machine& machine);
+/// The physical disks that carry the system: its root, its folders with all that is mounted below
+/// them, and its swap space. Where the root leads to no disk, as on a live system, that is every
+/// disk but those mounted where cards are. The volume mounted at `card` counts only if it is one of
+/// the system's folders itself. Throws a Refusal where no such disk is found.
+std::set<std::string> systemDisks(const Machine& machine, const ReelCore::URL& card);
 
 }  // namespace keldo_diskutil

@@ -66,6 +66,23 @@ TEST(DeviceTree, LockSwitch_IsSeen) {
     EXPECT_TRUE(DeviceTree(fake.path()).isReadOnly("8:16"));
 }
 
+TEST(DeviceTree, MediumOfAPartition_IsItsSizeAndItsDisksSequence) {
+    FakeDeviceTree fake;
+    fake.addDisk("sdb", "8:16");
+    fake.addPartition("sdb", "sdb1", "8:17");
+    TestSupport::writeFile(fake.path() / "devices/sdb/sdb1/size", "2048\n");
+
+    EXPECT_EQ(DeviceTree(fake.path()).medium("8:17"), (Medium{"2048", "7"}));
+}
+
+TEST(DeviceTree, KernelThatCountsNoMedia_TellsThemBySizeAlone) {
+    FakeDeviceTree fake;
+    fake.addDisk("sdb", "8:16");
+    std::filesystem::remove(fake.path() / "devices/sdb/diskseq");
+
+    EXPECT_EQ(DeviceTree(fake.path()).medium("8:16"), (Medium{"4096", ""}));
+}
+
 TEST(DeviceOfNode, WhatIsNoBlockDevice_HasNone) {
     EXPECT_EQ(deviceOfNode("/dev/null"), std::nullopt);
     EXPECT_EQ(deviceOfNode("/no/such/node"), std::nullopt);

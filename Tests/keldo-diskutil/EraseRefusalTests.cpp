@@ -195,6 +195,16 @@ TEST_F(EraseRefusal, CardMountedReadOnly_SaysSo) {
               refusal(mountPoint().native() + " is mounted read-only."));
 }
 
+TEST_F(EraseRefusal, PathThatIsNotUTF8_IsToldWithReplacements) {
+    const SystemServices services;
+    const LoopDevice card(cardFiles(), 16);
+    const URL odd = mountPoint() / "A\xFF";
+    card.mountAt(odd, "ro");
+
+    EXPECT_EQ(refusalOf(card, odd),
+              refusal(mountPoint().native() + "/A\uFFFD is mounted read-only."));
+}
+
 TEST_F(EraseRefusal, CardWithItsLockSet_SaysSo) {
     const SystemServices services;
     const LoopDevice card(cardFiles(), 16, LoopDevice::Writing::refused);

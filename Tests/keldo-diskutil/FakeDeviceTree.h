@@ -31,9 +31,11 @@ public:
 
 private:
     void add(const std::string& place, const std::string& name, const std::string& device) {
-        TestSupport::writeTree(
-            path() / place,
-            {{"dev", device + "\n"}, {"uevent", "DEVNAME=" + name + "\n"}, {"ro", "0\n"}});
+        TestSupport::writeTree(path() / place, {{"dev", device + "\n"},
+                                                {"uevent", "DEVNAME=" + name + "\n"},
+                                                {"ro", "0\n"},
+                                                {"size", "4096\n"},
+                                                {"diskseq", "7\n"}});
         link(place, "dev/block/" + device);
         link(place, "class/" + name);
     }

@@ -10,7 +10,6 @@ namespace keldo_diskutil {
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 using TestSupport::TemporaryFolder;
 
 ReelCore::Mount mounted(const std::string& device, const ReelCore::URL& mountPoint) {
@@ -67,7 +66,31 @@ TEST_P(VolumeBesideASystemFolder, IsRefused) {
 
 INSTANTIATE_TEST_SUITE_P(Folders, VolumeBesideASystemFolder,
                          testing::Values("/boot", "/boot/efi", "/efi", "/usr", "/var", "/home",
-                                         "/etc", "/opt"));
+                                         "/etc", "/opt", "/srv", "/root", "/nix/store",
+                                         "/var/lib/docker", "/home/dit", "/opt/tools"));
+
+class VolumeBesideACard : public VolumeToErase, public testing::WithParamInterface<const char*> {};
+
+TEST_P(VolumeBesideACard, IsTaken) {
+    const std::string device = deviceOfFile(place.path());
+    tree.addPartition("sdb", "sdb3", device);
+    machine.mounts.push_back(mounted("8:17", GetParam()));
+    machine.mounts.push_back(mounted(device, place.path()));
+
+    EXPECT_EQ(refusal(), "");
+}
+
+INSTANTIATE_TEST_SUITE_P(Folders, VolumeBesideACard,
+                         testing::Values("/media/dit/A001", "/run/media/dit/A001", "/mnt", "/mnt/a",
+                                         "/variable", "/homes"));
+
+TEST_F(VolumeToErase, DeviceTreeThatCanNotBeRead_IsARefusal) {
+    std::filesystem::create_directory_symlink("/no/such/place", tree.path() / "dev/block/8:32");
+    machine.mounts.push_back(mounted("8:32", place.path()));
+
+    EXPECT_THAT(refusal(), testing::StartsWith("Nothing was erased: "));
+    EXPECT_THAT(refusal(), testing::HasSubstr("No such file or directory"));
+}
 
 TEST_F(VolumeToErase, DiskBelowTheSystemsLogicalVolume_IsRefused) {
     tree.addDisk("dm-0", "253:0", {"sdb1"});
@@ -108,26 +131,71 @@ TEST_F(VolumeToErase, LinkToTheMountPoint_IsFollowed) {
 TEST_F(VolumeToErase, MountTableThatCanNotBeRead_IsRefused) {
     machine.mounts.clear();
 
-    EXPECT_EQ(refusal(), "Nothing was erased: " + place.path().native() + " is not a mount point.");
+    EXPECT_EQ(refusal(), "Nothing was erased: the table of mounted volumes can't be read.");
 }
 
-TEST(SystemDisks, SwapFile_MakesItsDiskOneOfTheSystems) {
-    FakeDeviceTree tree;
-    tree.addDisk("sdb", "8:16");
-    const Machine machine{{mounted("8:16", "/mnt/scratch")},
-                          "Filename\tType\tSize\tUsed\tPriority\n"
-                          "/mnt/scratch/swapfile    file\t1024\t0\t-2\n",
-                          DeviceTree(tree.path())};
+/// A computer with three disks; the card is mounted at /media/card.
+class SystemDisks : public testing::Test {
+protected:
+    SystemDisks() {
+        tree.addDisk("sda", "8:0");
+        tree.addDisk("sdb", "8:16");
+        tree.addDisk("sdc", "8:32");
+    }
 
-    EXPECT_THAT(systemDisks(machine), ElementsAre("8:16"));
+    std::set<std::string> disks(const std::vector<ReelCore::Mount>& mounts,
+                                const std::string& swaps = "",
+                                const ReelCore::URL& card = "/media/card") const {
+        return systemDisks({mounts, swaps, DeviceTree(tree.path())}, card);
+    }
+
+    FakeDeviceTree tree;
+    const ReelCore::Mount overlay = mounted("0:30", "/");
+};
+
+TEST_F(SystemDisks, SwapFile_MakesItsDiskOneOfTheSystems) {
+    EXPECT_THAT(disks({mounted("8:0", "/"), mounted("8:16", "/mnt/scratch")},
+                      "Filename\tType\tSize\tUsed\tPriority\n"
+                      "/mnt/scratch/swapfile    file\t1024\t0\t-2\n"),
+                ElementsAre("8:0", "8:16"));
 }
 
-TEST(SystemDisks, DataDisk_IsNone) {
-    FakeDeviceTree tree;
-    tree.addDisk("sdb", "8:16");
-    const Machine machine{{mounted("8:16", "/mnt/scratch")}, "", DeviceTree(tree.path())};
+TEST_F(SystemDisks, SwapFileWithABlankInItsName_IsFound) {
+    EXPECT_THAT(disks({mounted("8:0", "/"), mounted("8:16", "/mnt/my disk")},
+                      "/mnt/my\\040disk/swap\\134file file\t1024\t0\t-2\n"),
+                ElementsAre("8:0", "8:16"));
+}
 
-    EXPECT_THAT(systemDisks(machine), IsEmpty());
+TEST_F(SystemDisks, DataDisk_IsNone) {
+    EXPECT_THAT(disks({mounted("8:0", "/"), mounted("8:16", "/mnt/scratch")}), ElementsAre("8:0"));
+}
+
+TEST_F(SystemDisks, RootThatLeadsToNoDisk_MakesEveryDiskMountedElsewhereTheSystems) {
+    EXPECT_THAT(disks({overlay, mounted("8:0", "/cdrom"), mounted("8:16", "/media/card"),
+                       mounted("8:32", "/media/drive")}),
+                ElementsAre("8:0"));
+}
+
+TEST_F(SystemDisks, NoDiskKnown_IsARefusal) {
+    EXPECT_THROW(disks({overlay, mounted("8:16", "/media/card")}), Refusal);
+    EXPECT_THROW(disks({overlay, mounted("8:16", "/data")}, "", "/data"), Refusal);
+}
+
+TEST_F(SystemDisks, CardMountedInAHomeFolder_IsNone) {
+    EXPECT_THAT(
+        disks({mounted("8:0", "/"), mounted("8:16", "/home/dit/card")}, "", "/home/dit/card"),
+        ElementsAre("8:0"));
+}
+
+TEST_F(SystemDisks, VolumeThatIsASystemFolder_CountsAlsoWhereItIsTheOneToErase) {
+    EXPECT_THAT(disks({mounted("8:0", "/"), mounted("8:16", "/opt")}, "", "/opt"),
+                ElementsAre("8:0", "8:16"));
+}
+
+TEST_F(SystemDisks, DeviceWithoutNumbers_IsLeftOut) {
+    TestSupport::writeFile(tree.path() / "devices/sdb/dev", "");
+
+    EXPECT_THAT(disks({mounted("8:0", "/"), mounted("8:16", "/usr")}), ElementsAre("8:0"));
 }
 
 }  // namespace
