@@ -35,17 +35,16 @@ protected:
         if (!reason.empty()) GTEST_SKIP() << reason;
     }
 
-    /// Made only where it is to be told of: udev and the real service hear of no card before them.
-    void insertCard() {
-        card_ = std::make_unique<LoopDevice>(cardFiles(), 16);
-        TestSupport::writeFile(node(), name());
-        card_->mountAt(mountPoint());
+    /// A card in the running services, whose device stands in the file node().
+    std::unique_ptr<LoopDevice> insertCard() const {
+        auto card = std::make_unique<LoopDevice>(cardFiles(), 16);
+        TestSupport::writeFile(node(), card->node().native());
+        card->mountAt(mountPoint());
         SystemServices::settle();
+        return card;
     }
 
     URL mountPoint() const { return folder_.path() / "card"; }
-    const LoopDevice& card() const { return *card_; }
-    std::string name() const { return card_->node().native(); }
 
     /// Services with a disk service that fails as told ("Method=error"), the card mounted.
     std::unique_ptr<SystemServices> servicesThatAnswer(const std::vector<std::string>& errors) {
@@ -58,6 +57,10 @@ protected:
         card_->mountAt(mountPoint());
         return services;
     }
+
+    /// The card of that disk service.
+    const LoopDevice& card() const { return *card_; }
+    std::string name() const { return card_->node().native(); }
 
     /// The calls that were to change something, a line each.
     std::string calls() const { return readFile(log()); }
@@ -73,7 +76,7 @@ protected:
                ") " + image.native() + "\n";
     }
 
-    /// A file that names the card's device.
+    /// A file that names the device of the card in the reader.
     URL node() const { return folder_.path() / "node"; }
 
 private:
@@ -88,17 +91,18 @@ TEST_F(EraseMishap, CardChangedOnceItIsUnmounted_NeitherIsTouched) {
     const std::string before = readFile(other);
     const SystemServices services(
         {.programs = {{"umount.ext4", "umount -i \"$1\"\n" + swapScript(other)}}});
-    insertCard();
+    const auto card = insertCard();
 
     const std::string said = failureOf(mountPoint());
 
     EXPECT_EQ(said,
               "Nothing was erased: the card was taken out or changed before its erase began. What "
               "is in the reader now was left alone.\n");
-    EXPECT_EQ(outputOf("losetup", {"-n", "-O", "BACK-FILE", name()}), other.native() + "\n");
-    outputOf("losetup", {"-d", name()});
+    EXPECT_EQ(outputOf("losetup", {"-n", "-O", "BACK-FILE", card->node().native()}),
+              other.native() + "\n");
+    outputOf("losetup", {"-d", card->node().native()});
     EXPECT_EQ(readFile(other) == before, true);
-    EXPECT_THAT(outputOf("blkid", {"-p", card().image().native()}), HasSubstr("ext4"));
+    EXPECT_THAT(outputOf("blkid", {"-p", card->image().native()}), HasSubstr("ext4"));
 }
 
 TEST_F(EraseMishap, CardChangedBetweenTheTwoTries_OtherCardIsLeftAlone) {
@@ -106,14 +110,15 @@ TEST_F(EraseMishap, CardChangedBetweenTheTwoTries_OtherCardIsLeftAlone) {
     const std::string before = readFile(other);
     const SystemServices services(
         {.locale = "C", .programs = {{"mkfs.exfat", swapScript(other) + "exit 1\n"}}});
-    insertCard();
+    const auto card = insertCard();
 
     const std::string said = failureOf(mountPoint(), "Zoë");
 
     EXPECT_THAT(said, StartsWith("The erase failed. The state of the volume is unknown; it is no "
                                  "longer in its reader. ("));
-    EXPECT_EQ(outputOf("losetup", {"-n", "-O", "BACK-FILE", name()}), other.native() + "\n");
-    outputOf("losetup", {"-d", name()});
+    EXPECT_EQ(outputOf("losetup", {"-n", "-O", "BACK-FILE", card->node().native()}),
+              other.native() + "\n");
+    outputOf("losetup", {"-d", card->node().native()});
     EXPECT_EQ(readFile(other) == before, true);
 }
 
@@ -126,12 +131,12 @@ TEST_F(EraseMishap, DesktopMountsTheNewVolumeFirst_TellsWhere) {
         {.programs = {{"mkfs.exfat", real.native() + " \"$@\" || exit 1\nmkdir /media/first\n" +
                                          "exec mount.exfat-fuse $(cat " + node().native() +
                                          ") /media/first\n"}}});
-    insertCard();
+    const auto card = insertCard();
 
     const std::string said = erase(mountPoint(), "A001");
 
-    EXPECT_EQ(said,
-              name() + " is erased as ExFAT, named \"A001\".\nIt is mounted at /media/first.\n");
+    EXPECT_EQ(said, card->node().native() +
+                        " is erased as ExFAT, named \"A001\".\nIt is mounted at /media/first.\n");
 }
 
 TEST_F(EraseMishap, ServiceSaysAlreadyMounted_TellsWhere) {

@@ -1,10 +1,16 @@
 #include "ReelCore/Platform/EraseTool.h"
 
+#include "ReelCore/Platform/SystemError.h"
+#include "Support/Forked.h"
 #include "Support/SystemServices.h"
 
+#include <cerrno>
 #include <filesystem>
 
 #include <gtest/gtest.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <unistd.h>
 
 namespace ReelCore {
 
@@ -26,6 +32,29 @@ TEST(EraseTool, SystemWithOne_NamesThat) {
         {.diskService = {}, .programs = {{"diskutil", "exit 0\n"}}});
 
     EXPECT_EQ(eraseTool(), "/usr/sbin/diskutil");
+}
+
+TEST(EraseTool, ProgramThatCanNotFindItself_IsAFailureAndNoRelativePath) {
+    if (std::filesystem::exists("/usr/sbin/diskutil")) {
+        GTEST_SKIP() << "this system has a diskutil of its own";
+    }
+    if (::geteuid() != 0) GTEST_SKIP() << "needs root";
+
+    const int code = TestSupport::statusOfForked([] {
+        if (::unshare(CLONE_NEWNS) != 0 ||
+            ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+            ::mount("tmpfs", "/proc", "tmpfs", 0, nullptr) != 0) {
+            return 254;
+        }
+        try {
+            eraseTool();
+            return 0;
+        } catch (const SystemError& error) {
+            return error.code();
+        }
+    });
+
+    EXPECT_EQ(code, ENOENT);
 }
 
 }  // namespace
