@@ -80,8 +80,12 @@ void offload(WindowDriver& driver, Guide& guide, const fs::path& folder) {
             "two report files");
 
     guide.press("offload.formatButton", "Format Card…");
-    driver.waitFor("the sheet", [&] { return driver.isShown("sheet.typed"); });
+    driver.waitFor("the sheet", [&] {
+        const QQuickItem* typed = driver.find("sheet.typed");
+        return typed && typed->hasActiveFocus();
+    });
     driver.type("erase");
+    require(driver.text("sheet.typed") == "erase", "“erase” to be typed");
     require(!driver.isEnabled("sheet.erase"), "no erase for “erase”");
     guide.picture("erase-locked");
     driver.key(Qt::Key_Escape);

@@ -4,8 +4,11 @@
 
 #include <QApplication>
 #include <QPalette>
+#include <QQmlComponent>
 #include <QTest>
 #include <filesystem>
+#include <memory>
+#include <ostream>
 #include <stdexcept>
 
 #include <QtQuickTest/quicktest.h>
@@ -35,7 +38,28 @@ QQuickItem* findBelow(QQuickItem* item, const QString& name) {
     return nullptr;
 }
 
+/// Text and symbol of the first text and the first picture at or below `item`.
+void readBelow(const QQuickItem& item, Shown& shown) {
+    if (!item.isVisible()) return;
+    const QString source = item.property("source").toString();
+    constexpr int ready = 1;
+    if (shown.text.empty() && (item.inherits("QQuickText") || item.inherits("QQuickTextEdit"))) {
+        shown.text = item.property("text").toString().toStdString();
+        shown.textColor = item.property("color").value<QColor>().name().toStdString();
+    } else if (shown.symbol.empty() && source.startsWith("image://symbol/") &&
+               item.property("status").toInt() == ready) {
+        shown.symbol = source.section('/', 3, 3).toStdString();
+        shown.symbolColor = "#" + source.section('/', 4, 4).toStdString();
+    }
+    for (const QQuickItem* child : item.childItems()) readBelow(*child, shown);
+}
+
 }  // namespace
+
+std::ostream& operator<<(std::ostream& stream, const Shown& shown) {
+    return stream << "“" << shown.text << "” in " << shown.textColor << ", symbol “" << shown.symbol
+                  << "” in " << shown.symbolColor;
+}
 
 void startOffscreen(int& argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
@@ -85,14 +109,42 @@ QString WindowDriver::text(const QString& name) const {
     return text.isValid() ? text.toString() : item->property("title").toString();
 }
 
+Shown WindowDriver::shown(const QString& name) const {
+    const QQuickItem* item = find(name);
+    if (!item) throw std::runtime_error("nothing to look at: " + name.toStdString());
+    Shown shown;
+    readBelow(*item, shown);
+    return shown;
+}
+
+QColor WindowDriver::themeColor(const QString& name) {
+    QQmlComponent component(&engine_);
+    component.setData(
+        "import QtQuick\nimport Keldo.Components\n"
+        "QtObject { property color value: Theme." +
+            name.toUtf8() + " }",
+        QUrl("qrc:/ThemeColor.qml"));
+    const std::unique_ptr<QObject> holder(component.create());
+    if (!holder) throw std::runtime_error(component.errorString().toStdString());
+    return holder->property("value").value<QColor>();
+}
+
 void WindowDriver::press(const QString& name) {
     waitFor("something to press: " + name.toStdString(), [&] { return isEnabled(name); });
+    QTest::mouseClick(window_, Qt::LeftButton, Qt::NoModifier, reach(name));
+    QCoreApplication::processEvents();
+}
+
+void WindowDriver::hover(const QString& name) {
+    QTest::mouseMove(window_, reach(name));
+}
+
+QPoint WindowDriver::reach(const QString& name) const {
     settle();
     QQuickItem* item = find(name);
+    if (!item) throw std::runtime_error("nothing to point at: " + name.toStdString());
     scrollTo(*item);
-    const QPointF middle = item->mapToScene(QPointF(item->width() / 2, item->height() / 2));
-    QTest::mouseClick(window_, Qt::LeftButton, Qt::NoModifier, middle.toPoint());
-    QCoreApplication::processEvents();
+    return item->mapToScene(QPointF(item->width() / 2, item->height() / 2)).toPoint();
 }
 
 void WindowDriver::settle() const {
@@ -122,6 +174,12 @@ void WindowDriver::type(const QString& text) {
 
 void WindowDriver::key(Qt::Key key) {
     QTest::keyClick(window_, key);
+}
+
+void WindowDriver::heldKey(Qt::Key key) {
+    for (const auto type : {QEvent::KeyPress, QEvent::KeyRelease}) {
+        qt_handleKeyEvent(window_, type, key, Qt::NoModifier, {}, true);
+    }
 }
 
 void WindowDriver::waitFor(const std::string& what, const std::function<bool()>& condition,

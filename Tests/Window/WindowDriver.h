@@ -4,6 +4,7 @@
 #include "keldo-app/Offload/OffloadViewModel.h"
 #include "keldo-app/Support/Desktop.h"
 
+#include <QColor>
 #include <QQmlApplicationEngine>
 #include <QQuickItem>
 #include <QQuickWindow>
@@ -14,6 +15,19 @@
 namespace WindowSupport {
 
 enum class Look { light, dark };
+
+/// What a label or a button shows: its text and its symbol, and the colours that both are drawn in
+/// as "#rrggbb". Empty where it has none, or where the symbol has not become a picture.
+struct Shown {
+    std::string text;
+    std::string textColor;
+    std::string symbol;
+    std::string symbolColor;
+
+    bool operator==(const Shown&) const = default;
+};
+
+std::ostream& operator<<(std::ostream& stream, const Shown& shown);
 
 /// The toolkit for one process that shows no window on any display. Made first, once.
 void startOffscreen(int& argc, char** argv);
@@ -46,12 +60,24 @@ public:
     /// The text that the item shows: its own, or its label's.
     QString text(const QString& name) const;
 
+    /// What is drawn of the item of that name; throws std::runtime_error if it does not show.
+    Shown shown(const QString& name) const;
+
+    /// The theme's colour of that name, in the look that is set.
+    QColor themeColor(const QString& name);
+
     /// Waits until the item is there and enabled, scrolls it into view and clicks on its middle.
     void press(const QString& name);
+
+    /// Scrolls the item into view and rests the pointer on its middle.
+    void hover(const QString& name);
 
     /// Types into whatever has the focus.
     void type(const QString& text);
     void key(Qt::Key key);
+
+    /// A key that was pressed elsewhere and is held: all that comes of it are its repeats.
+    void heldKey(Qt::Key key);
 
     void waitFor(const std::string& what, const std::function<bool()>& condition,
                  int milliseconds = 30'000) const;
@@ -67,6 +93,8 @@ private:
     /// Waits until everything has its place.
     void settle() const;
     void scrollTo(QQuickItem& item) const;
+    /// Scrolls the item into view; where its middle is then.
+    QPoint reach(const QString& name) const;
 
     QQmlApplicationEngine engine_;
     QQuickWindow* window_ = nullptr;

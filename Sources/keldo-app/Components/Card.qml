@@ -24,6 +24,7 @@ Rectangle {
         spacing: Theme.medium
 
         SymbolLabel {
+            objectName: card.objectName + ".head"
             text: card.title
             symbol: card.systemImage
             color: card.tint

@@ -10,6 +10,7 @@ ToolTip {
     visible: shown
     delay: Theme.hintDelay
     contentItem: Text {
+        objectName: "hint"
         text: hint.text
         color: Theme.primary
         font: Theme.print

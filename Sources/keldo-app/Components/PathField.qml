@@ -13,6 +13,7 @@ Rectangle {
     radius: Theme.smallRadius
 
     PlainText {
+        objectName: field.objectName + ".text"
         anchors { left: parent.left; right: parent.right; verticalCenter: parent.verticalCenter; margins: Theme.small }
         text: field.text
         color: field.isPlaceholder ? Theme.secondary : Theme.primary

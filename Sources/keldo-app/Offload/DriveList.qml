@@ -45,6 +45,7 @@ Column {
                 remove.forceActiveFocus(Qt.TabFocusReason);
             }
 
+            objectName: "offload.row." + index
             width: list.width
             height: Theme.rowHeight
             radius: Theme.small
@@ -67,6 +68,7 @@ Column {
                     elide: Text.ElideMiddle
                 }
                 PlainText {
+                    objectName: "offload.path." + row.index
                     width: parent.width
                     text: row.modelData.path
                     color: Theme.secondary

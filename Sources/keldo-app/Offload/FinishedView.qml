@@ -12,6 +12,7 @@ Column {
     spacing: Theme.wide
 
     Card {
+        objectName: "offload.failed"
         visible: view.model.errorMessage !== ""
         title: "Offload Failed"
         systemImage: "xmark.octagon.fill"

@@ -48,15 +48,18 @@ Sheet {
         Row {
             spacing: Theme.small
             PlainText {
+                objectName: "sheet.word.type"
                 anchors.verticalCenter: parent.verticalCenter
                 text: "Type"
             }
             PlainText {
+                objectName: "sheet.word.erase"
                 anchors.verticalCenter: parent.verticalCenter
                 text: "ERASE"
                 font: Theme.codeStrong
             }
             PlainText {
+                objectName: "sheet.word.confirm"
                 anchors.verticalCenter: parent.verticalCenter
                 text: "to confirm"
             }

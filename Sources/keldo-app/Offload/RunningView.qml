@@ -10,6 +10,7 @@ Card {
     readonly property var progress: model.progress
     readonly property double fraction: progress?.fraction ?? 0
 
+    objectName: "offload.running"
     title: "Offloading"
     systemImage: "arrow.triangle.2.circlepath"
 

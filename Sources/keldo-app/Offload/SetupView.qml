@@ -11,6 +11,7 @@ Column {
     spacing: Theme.wide
 
     Card {
+        objectName: "offload.sourceCard"
         title: "Source"
         systemImage: "sdcard"
 
@@ -62,6 +63,7 @@ Column {
     }
 
     Card {
+        objectName: "offload.drivesCard"
         title: "Backup Drives"
         systemImage: "externaldrive"
 
@@ -79,6 +81,7 @@ Column {
     }
 
     Card {
+        objectName: "offload.optionsCard"
         title: "Options"
         systemImage: "slider.horizontal.3"
 
@@ -86,6 +89,7 @@ Column {
             width: parent.width
             spacing: Theme.medium
             PlainText {
+                objectName: "offload.reel.label"
                 width: Theme.labelWidth
                 anchors.verticalCenter: parent.verticalCenter
                 text: "Reel name"
@@ -102,6 +106,7 @@ Column {
         Row {
             spacing: Theme.medium
             PlainText {
+                objectName: "offload.checksum.label"
                 width: Theme.labelWidth
                 anchors.verticalCenter: parent.verticalCenter
                 text: "Checksum"

@@ -40,6 +40,7 @@ Card {
         }
     }
     PlainText {
+        objectName: "offload.failures.title"
         visible: failures.count > 0
         text: "Failed files:"
         color: Theme.danger

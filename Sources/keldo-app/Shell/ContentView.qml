@@ -31,6 +31,7 @@ ApplicationWindow {
 
         Symbol {
             id: mark
+            objectName: "header.symbol"
             anchors { left: parent.left; leftMargin: Theme.wide; verticalCenter: parent.verticalCenter }
             name: "externaldrive.fill.badge.checkmark"
             color: Theme.accent
@@ -39,11 +40,13 @@ ApplicationWindow {
         Column {
             anchors { left: mark.right; leftMargin: Theme.regular; verticalCenter: parent.verticalCenter }
             PlainText {
+                objectName: "header.title"
                 text: "keldobay"
                 color: Theme.primary
                 font: Theme.title
             }
             PlainText {
+                objectName: "header.line"
                 text: "DIT Offload & Dailies"
                 color: Theme.secondary
                 font: Theme.print

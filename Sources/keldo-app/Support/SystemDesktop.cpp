@@ -43,6 +43,10 @@ QList<QUrl> placesToShow() {
     return places;
 }
 
+void openFolderOf(const QUrl& file) {
+    QDesktopServices::openUrl(file.adjusted(QUrl::RemoveFilename));
+}
+
 }  // namespace
 
 std::optional<ReelCore::URL> SystemDesktop::chooseFolder(const QString& message) {
@@ -62,14 +66,16 @@ std::optional<ReelCore::URL> SystemDesktop::chooseFolder(const QString& message)
 
 void SystemDesktop::reveal(const ReelCore::URL& file) {
     const QUrl url = QUrl::fromLocalFile(QFile::decodeName(file.c_str()));
+    const QDBusConnection session = QDBusConnection::sessionBus();
+    if (!session.isConnected()) return openFolderOf(url);
     QDBusMessage show = QDBusMessage::createMethodCall("org.freedesktop.FileManager1",
                                                        "/org/freedesktop/FileManager1",
                                                        "org.freedesktop.FileManager1", "ShowItems");
     show << QStringList{url.toString(QUrl::FullyEncoded)} << QString();
     // Starting a file manager can take long, so the answer is not waited for.
-    auto* answer = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(show), this);
+    auto* answer = new QDBusPendingCallWatcher(session.asyncCall(show), this);
     connect(answer, &QDBusPendingCallWatcher::finished, this, [answer, url] {
-        if (answer->isError()) QDesktopServices::openUrl(url.adjusted(QUrl::RemoveFilename));
+        if (answer->isError()) openFolderOf(url);
         answer->deleteLater();
     });
 }

@@ -110,6 +110,10 @@ TEST_F(FinishedViewTests, SaveReport_ThatCantBeWritten_SaysSo) {
     driver_->press("offload.save");
     driver_->waitFor("the answer", [&] { return driver_->text("offload.reportStatus") != ""; });
     EXPECT_EQ(driver_->text("offload.reportStatus"), "Could not write report.");
+    EXPECT_EQ(driver_->shown("offload.reportStatus").textColor,
+              driver_->themeColor("secondary").name().toStdString());
+    EXPECT_TRUE(desktop_.revealed.empty());
+    keepPictures("report-failed");
 }
 
 TEST_F(FinishedViewTests, NewOffload_StartsFromTheSameCardDrivesAndReel) {

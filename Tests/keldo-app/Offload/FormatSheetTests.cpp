@@ -103,6 +103,61 @@ TEST_F(FormatSheetTests, Erase_RunsTheToolAndSaysSo) {
     keepPictures("erased");
 }
 
+TEST_F(FormatSheetTests, WhileTheEraseRuns_SaysSoAndKeepsTheScreen) {
+    // Waits for the file to go; with the test's folder it goes in any case.
+    const ReelCore::URL hold = folder_.path() / "hold";
+    TestSupport::writeFile(hold, "");
+    installTool("while [ -e '" + hold.native() + "' ]; do sleep 0.02; done\necho Finished erase\n");
+    openSheet();
+    driver_->type("ERASE");
+    driver_->press("sheet.erase");
+    driver_->waitFor("the sheet to close", [&] { return !driver_->isShown("sheet.heading"); });
+    EXPECT_TRUE(driver_->offload()->isFormatting());
+    EXPECT_EQ(driver_->shown("offload.erasing").text, "Erasing…");
+    EXPECT_EQ(driver_->shown("offload.erasing").symbol, "trash");
+    EXPECT_FALSE(driver_->isShown("offload.formatButton"));
+    EXPECT_FALSE(driver_->isShown("offload.formatStatus"));
+    EXPECT_FALSE(driver_->isEnabled("offload.new"));
+    driver_->offload()->reset();
+    EXPECT_EQ(driver_->offload()->stage(), Stage::finished);
+    EXPECT_TRUE(driver_->offload()->gate()->eligible);
+    keepPictures("erasing");
+
+    std::filesystem::remove(hold);
+    driver_->waitFor("the erase", [&] { return driver_->isShown("offload.formatStatus"); });
+    EXPECT_FALSE(driver_->offload()->isFormatting());
+    EXPECT_FALSE(driver_->isShown("offload.erasing"));
+    EXPECT_TRUE(driver_->isEnabled("offload.new"));
+    EXPECT_FALSE(driver_->isShown("offload.formatButton"));
+}
+
+TEST_F(FormatSheetTests, ASecondEraseWhileOneRuns_DoesNothing) {
+    const ReelCore::URL hold = folder_.path() / "hold";
+    const ReelCore::URL record = folder_.path() / "runs";
+    TestSupport::writeFile(hold, "");
+    installTool("echo run >> '" + record.native() + "'\nwhile [ -e '" + hold.native() +
+                "' ]; do sleep 0.02; done\n");
+    driver_->offload()->formatCard();
+    driver_->offload()->formatCard();
+    driver_->waitFor("the tool", [&] { return std::filesystem::exists(record); });
+    std::filesystem::remove(hold);
+    driver_->waitFor("the erase", [&] { return driver_->isShown("offload.formatStatus"); });
+    EXPECT_EQ(TestSupport::readFile(record), "run\n");
+}
+
+TEST_F(FormatSheetTests, TheOutcomeIsInTheColourOfItsMeaning) {
+    installTool("echo Finished erase\n");
+    eraseCard();
+    EXPECT_EQ(driver_->shown("offload.formatStatus").textColor,
+              driver_->themeColor("proved").name().toStdString());
+    driver_->press("offload.new");
+    runToEnd();
+    installTool("exit 3\n");
+    eraseCard();
+    EXPECT_EQ(driver_->shown("offload.formatStatus").textColor,
+              driver_->themeColor("danger").name().toStdString());
+}
+
 TEST_F(FormatSheetTests, EraseThatFails_SaysWhyAndIsNotOfferedAgain) {
     installTool("echo The volume is busy.\nexit 3\n");
     eraseCard();

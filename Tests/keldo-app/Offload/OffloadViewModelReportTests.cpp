@@ -24,6 +24,56 @@ TEST_F(OffloadViewModelReportTests, SaveReport_WritesBothFilesAndShowsThePDF) {
     EXPECT_EQ(model_.reportStatus(), "Saved 2 file(s) to Reports.");
 }
 
+TEST_F(OffloadViewModelReportTests, SaveReport_WithoutAResult_AsksForNoFolder) {
+    model_.saveReport();
+    EXPECT_TRUE(desktop_.messages.isEmpty());
+    EXPECT_EQ(model_.reportStatus(), "");
+}
+
+TEST_F(OffloadViewModelReportTests, SaveReport_Dismissed_KeepsTheTextOfTheSaveBefore) {
+    choose(card());
+    add(one());
+    runToEnd();
+    desktop_.answers = {two()};
+    model_.saveReport();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !model_.reportStatus().isEmpty(); }, 30'000));
+    QStringList texts;
+    QObject::connect(&model_, &keldo_app::OffloadViewModel::reportStatusChanged, &model_,
+                     [&] { texts += model_.reportStatus(); });
+    model_.saveReport();
+    EXPECT_EQ(desktop_.messages.constLast(), "Save Offload Report to…");
+    EXPECT_EQ(texts, QStringList());
+    EXPECT_EQ(model_.reportStatus(), "Saved 2 file(s) to two.");
+}
+
+TEST_F(OffloadViewModelReportTests, SaveReport_Again_ClearsTheTextUntilItIsDone) {
+    choose(card());
+    add(one());
+    runToEnd();
+    QStringList texts;
+    QObject::connect(&model_, &keldo_app::OffloadViewModel::reportStatusChanged, &model_,
+                     [&] { texts += model_.reportStatus(); });
+    desktop_.answers = {two(), two()};
+    model_.saveReport();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return texts.size() == 2; }, 30'000));
+    model_.saveReport();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return texts.size() == 4; }, 30'000));
+    const QString saved = "Saved 2 file(s) to two.";
+    EXPECT_EQ(texts, (QStringList{"", saved, "", saved}));
+}
+
+TEST_F(OffloadViewModelReportTests, Start_LeavesTheTextOfTheLastSave) {
+    choose(card());
+    add(one());
+    runToEnd();
+    desktop_.answers = {two()};
+    model_.saveReport();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !model_.reportStatus().isEmpty(); }, 30'000));
+    model_.reset();
+    runToEnd();
+    EXPECT_EQ(model_.reportStatus(), "Saved 2 file(s) to two.");
+}
+
 TEST_F(OffloadViewModelReportTests, SaveReport_WhereNothingCanBeWritten_SaysSo) {
     choose(card());
     add(one());

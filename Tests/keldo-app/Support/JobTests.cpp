@@ -75,6 +75,7 @@ TEST(Job, DroppedJob_RunsToItsEndUnseen) {
 
 TEST(Job, ReplacedJob_IsUnseenAndTheNewOneIsSeen) {
     std::latch replaced(1);
+    std::atomic<bool> sent = false;
     std::vector<int> seen;
     const auto consume = [&](std::vector<int> batch) {
         seen.insert(seen.end(), batch.begin(), batch.end());
@@ -84,11 +85,12 @@ TEST(Job, ReplacedJob_IsUnseenAndTheNewOneIsSeen) {
         [&](const auto& send) {
             replaced.wait();
             send(1);
+            sent = true;
         },
         consume);
     job = Job<int>([](const auto& send) { send(2); }, consume);
     replaced.count_down();
-    ASSERT_TRUE(waitFor([&] { return !seen.empty(); }));
-    QTest::qWait(50);
+    ASSERT_TRUE(waitFor([&] { return !seen.empty() && sent; }));
+    QCoreApplication::sendPostedEvents();
     EXPECT_EQ(seen, std::vector<int>{2});
 }
