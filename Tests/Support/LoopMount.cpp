@@ -59,13 +59,14 @@ void unmount(const URL& mountPoint) {
 
 }  // namespace
 
-LoopMount::LoopMount(const std::string& fileSystem, std::int64_t mebibytes)
+LoopMount::LoopMount(const std::string& fileSystem, std::int64_t mebibytes,
+                     const std::string& options)
     : image_(folder_.path() / "image"), path_(folder_.path() / "drive"), mountPoints_{path_} {
     writeFile(image_, "");
     std::filesystem::resize_file(image_, static_cast<std::uintmax_t>(mebibytes) << 20U);
     std::filesystem::create_directory(path_);
     outputOf("mkfs." + fileSystem, {"-q", image_.native()});
-    outputOf("mount", {"-o", "loop", image_.native(), path_.native()});
+    outputOf("mount", {"-o", "loop," + options, image_.native(), path_.native()});
 }
 
 LoopMount::~LoopMount() {

@@ -16,7 +16,9 @@ namespace TestSupport {
 class LoopMount {
 public:
     /// `fileSystem` is "ext4" or "xfs" (of which the smallest is 300 MiB; images are sparse).
-    LoopMount(const std::string& fileSystem, std::int64_t mebibytes);
+    /// `options` are those of mount(8).
+    LoopMount(const std::string& fileSystem, std::int64_t mebibytes,
+              const std::string& options = "rw");
     ~LoopMount();
 
     LoopMount(const LoopMount&) = delete;

@@ -59,49 +59,49 @@ std::uint64_t avalanche(std::uint64_t hash) {
 
 }  // namespace
 
-XXH64Hasher::XXH64Hasher(std::uint64_t seed_)
-    : v1(seed_ + prime1 + prime2), v2(seed_ + prime2), v3(seed_), v4(seed_ - prime1), seed(seed_) {}
+XXH64Hasher::XXH64Hasher(std::uint64_t seed)
+    : v1_(seed + prime1 + prime2), v2_(seed + prime2), v3_(seed), v4_(seed - prime1), seed_(seed) {}
 
 void XXH64Hasher::update(std::span<const std::byte> bytes) {
     if (bytes.empty()) return;
-    totalLen += bytes.size();
-    if (memSize + bytes.size() < stripeSize) {
-        std::memcpy(mem.data() + memSize, bytes.data(), bytes.size());
-        memSize += bytes.size();
+    totalLen_ += bytes.size();
+    if (memSize_ + bytes.size() < stripeSize) {
+        std::memcpy(mem_.data() + memSize_, bytes.data(), bytes.size());
+        memSize_ += bytes.size();
         return;
     }
 
     // In locals, so that the lanes stay in registers: the bytes could alias the members.
-    std::uint64_t lane1 = v1, lane2 = v2, lane3 = v3, lane4 = v4;
+    std::uint64_t lane1 = v1_, lane2 = v2_, lane3 = v3_, lane4 = v4_;
     const auto consume = [&](const std::byte* stripe) {
         lane1 = round(lane1, readLittleEndian<std::uint64_t>(stripe));
         lane2 = round(lane2, readLittleEndian<std::uint64_t>(stripe + 8));
         lane3 = round(lane3, readLittleEndian<std::uint64_t>(stripe + 16));
         lane4 = round(lane4, readLittleEndian<std::uint64_t>(stripe + 24));
     };
-    if (memSize > 0) {
-        const std::size_t taken = stripeSize - memSize;
-        std::memcpy(mem.data() + memSize, bytes.data(), taken);
+    if (memSize_ > 0) {
+        const std::size_t taken = stripeSize - memSize_;
+        std::memcpy(mem_.data() + memSize_, bytes.data(), taken);
         bytes = bytes.subspan(taken);
-        consume(mem.data());
-        memSize = 0;
+        consume(mem_.data());
+        memSize_ = 0;
     }
     const std::byte* at = bytes.data();
     const std::byte* const lastStripesEnd = at + bytes.size() / stripeSize * stripeSize;
     for (; at != lastStripesEnd; at += stripeSize) consume(at);
-    v1 = lane1, v2 = lane2, v3 = lane3, v4 = lane4;
+    v1_ = lane1, v2_ = lane2, v3_ = lane3, v4_ = lane4;
 
-    memSize = bytes.size() % stripeSize;
-    std::memcpy(mem.data(), at, memSize);
+    memSize_ = bytes.size() % stripeSize;
+    std::memcpy(mem_.data(), at, memSize_);
 }
 
 std::uint64_t XXH64Hasher::value() const {
-    std::uint64_t hash = seed + prime5;
-    if (totalLen >= stripeSize) {
-        hash = std::rotl(v1, 1) + std::rotl(v2, 7) + std::rotl(v3, 12) + std::rotl(v4, 18);
-        for (const std::uint64_t lane : {v1, v2, v3, v4}) hash = merge(hash, lane);
+    std::uint64_t hash = seed_ + prime5;
+    if (totalLen_ >= stripeSize) {
+        hash = std::rotl(v1_, 1) + std::rotl(v2_, 7) + std::rotl(v3_, 12) + std::rotl(v4_, 18);
+        for (const std::uint64_t lane : {v1_, v2_, v3_, v4_}) hash = merge(hash, lane);
     }
-    return avalanche(mixTail(hash + totalLen, mem.data(), memSize));
+    return avalanche(mixTail(hash + totalLen_, mem_.data(), memSize_));
 }
 
 std::string XXH64Hasher::finalizeHex() const {

@@ -24,14 +24,14 @@ public:
 private:
     std::uint64_t value() const;
 
-    std::uint64_t v1;
-    std::uint64_t v2;
-    std::uint64_t v3;
-    std::uint64_t v4;
-    std::array<std::byte, 32> mem{};
-    std::size_t memSize = 0;
-    std::uint64_t totalLen = 0;
-    std::uint64_t seed;
+    std::uint64_t v1_;
+    std::uint64_t v2_;
+    std::uint64_t v3_;
+    std::uint64_t v4_;
+    std::array<std::byte, 32> mem_{};
+    std::size_t memSize_ = 0;
+    std::uint64_t totalLen_ = 0;
+    std::uint64_t seed_;
 };
 
 }  // namespace ReelCore

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <limits>
 #include <new>
 
 namespace ReelCore {
@@ -9,6 +10,9 @@ namespace ReelCore {
 namespace {
 
 std::size_t wholePages(std::size_t size) {
+    if (size > std::numeric_limits<std::size_t>::max() - AlignedBuffer::alignment) {
+        throw std::bad_alloc();
+    }
     const auto pages = (size + AlignedBuffer::alignment - 1) / AlignedBuffer::alignment;
     return std::max<std::size_t>(pages, 1) * AlignedBuffer::alignment;
 }

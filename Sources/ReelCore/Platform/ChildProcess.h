@@ -20,7 +20,8 @@ struct ChildProcess {
 
     /// Runs `program` (a path) with `arguments` and an empty standard input, and waits until it
     /// has closed its output and ended; there is no time limit. Throws SystemError if the program
-    /// can't be started.
+    /// can't be started, or if the system does not tell how it ended: then it may have succeeded or
+    /// not.
     static Outcome run(const URL& program, const std::vector<std::string>& arguments);
 
     /// Ends every child that any thread is still waiting for. For the end of the application: what

@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <csignal>
 #include <mutex>
+#include <optional>
 #include <set>
 
 #include <fcntl.h>
@@ -56,17 +57,15 @@ public:
     }
     ~Pipe() {
         closeWriteEnd();
-        ::close(ends_[0]);
+        closeReadEnd();
     }
     Pipe(const Pipe&) = delete;
     Pipe& operator=(const Pipe&) = delete;
 
     int writeEnd() const { return ends_[1]; }
 
-    void closeWriteEnd() {
-        if (ends_[1] >= 0) ::close(ends_[1]);
-        ends_[1] = -1;
-    }
+    void closeWriteEnd() { close(ends_[1]); }
+    void closeReadEnd() { close(ends_[0]); }
 
     std::string readAll() const {
         std::string text;
@@ -79,6 +78,11 @@ public:
     }
 
 private:
+    static void close(int& end) {
+        if (end >= 0) ::close(end);
+        end = -1;
+    }
+
     std::array<int, 2> ends_{-1, -1};
 };
 
@@ -140,29 +144,61 @@ pid_t start(const URL& program, const std::vector<std::string>& arguments, int o
     return child;
 }
 
-int waitFor(pid_t child) {
-    siginfo_t ended{};
-    while (::waitid(P_PID, static_cast<id_t>(child), &ended, WEXITED | WNOWAIT) != 0 &&
-           errno == EINTR) {
+/// One running program. It never stays behind: left without `wait`, as by an exception, it loses
+/// whom it writes to, and is waited for all the same.
+class Child {
+public:
+    Child(const URL& program, const std::vector<std::string>& arguments)
+        : number_(RunningChildren::shared().add(
+              [&] { return start(program, arguments, output_.writeEnd()); })) {
+        output_.closeWriteEnd();
     }
-    RunningChildren::shared().remove(child);
-    int status = 0;
-    while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
+    ~Child() {
+        output_.closeReadEnd();
+        if (!isReaped_) static_cast<void>(reap());
     }
-    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-}
+    Child(const Child&) = delete;
+    Child& operator=(const Child&) = delete;
+
+    std::string readOutput() const { return output_.readAll(); }
+
+    /// Throws SystemError if the system does not tell how the child has ended, as where the process
+    /// ignores the signal of that.
+    int wait() {
+        const std::optional<int> status = reap();
+        if (!status) throwSystemError();
+        return WIFEXITED(*status) ? WEXITSTATUS(*status) : 128 + WTERMSIG(*status);
+    }
+
+private:
+    /// Absent, with `errno` set, if the system does not tell.
+    std::optional<int> reap() {
+        siginfo_t ended{};
+        while (::waitid(P_PID, static_cast<id_t>(number_), &ended, WEXITED | WNOWAIT) != 0 &&
+               errno == EINTR) {
+        }
+        RunningChildren::shared().remove(number_);
+        isReaped_ = true;
+        int status = 0;
+        while (::waitpid(number_, &status, 0) < 0) {
+            if (errno != EINTR) return std::nullopt;
+        }
+        return status;
+    }
+
+    Pipe output_;
+    pid_t number_;
+    bool isReaped_ = false;
+};
 
 }  // namespace
 
 ChildProcess::Outcome ChildProcess::run(const URL& program,
                                         const std::vector<std::string>& arguments) {
-    Pipe pipe;
-    const pid_t child =
-        RunningChildren::shared().add([&] { return start(program, arguments, pipe.writeEnd()); });
-    pipe.closeWriteEnd();
+    Child child(program, arguments);
     Outcome outcome;
-    outcome.output = pipe.readAll();
-    outcome.status = waitFor(child);
+    outcome.output = child.readOutput();
+    outcome.status = child.wait();
     return outcome;
 }
 

@@ -27,7 +27,7 @@ DeviceReader::DeviceReader(const URL& path, std::size_t blockSize)
     : file_(File::openForReading(path)), buffer_(blockFor(file_, blockSize)) {}
 
 DeviceReader::~DeviceReader() {
-    if (!direct_) file_.dropFromCache(0, 0);
+    file_.dropFromCache(0, 0);
 }
 
 // Direct I/O alone is not trusted to pass the cache: some file systems quietly serve it with

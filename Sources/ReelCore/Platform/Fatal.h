@@ -21,8 +21,10 @@ struct CodeLocation {
 
 /// Ends the process with one line on standard error that says what and where. For faults that no
 /// caller can answer for: arithmetic overflow, impossible conversions, a system that lacks its
-/// foundations. Never an exception, so that no catch can go on from a wrong number.
-[[noreturn]] void fatal(std::string_view what, CodeLocation where = CodeLocation::current());
+/// foundations. Never an exception, so that no catch can go on from a wrong number. Where
+/// standard error is closed or full the line is lost; a very long one is cut.
+[[noreturn]] void fatal(std::string_view what,
+                        CodeLocation where = CodeLocation::current()) noexcept;
 
 /// The sum, or a fatal fault on overflow.
 inline std::int64_t checkedAdd(std::int64_t left, std::int64_t right,

@@ -12,7 +12,7 @@ namespace ReelCore {
 
 namespace {
 
-// O_NONBLOCK only matters until the check below: it keeps an open of a pipe from waiting for ever.
+// O_NONBLOCK keeps an open of a pipe from waiting for ever. Once it is known to be a file, it goes.
 constexpr int safeFlags = O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
 
 int openRetrying(const URL& path, int flags, mode_t mode = 0) {
@@ -34,6 +34,8 @@ struct stat requireRegularFile(const File& file, const URL& path) {
     struct stat status {};
     if (::fstat(file.descriptor(), &status) != 0) throwSystemError(path);
     if (!S_ISREG(status.st_mode)) throw SystemError(EINVAL, path);
+    const int flags = ::fcntl(file.descriptor(), F_GETFL);
+    if (::fcntl(file.descriptor(), F_SETFL, flags & ~O_NONBLOCK) != 0) throwSystemError(path);
     return status;
 }
 
@@ -85,6 +87,7 @@ void File::write(std::span<const std::byte> bytes) {
             if (errno == EINTR) continue;
             throwSystemError();
         }
+        if (count == 0) throw SystemError(EIO);
         bytes = bytes.subspan(static_cast<std::size_t>(count));
     }
 }

@@ -1,7 +1,9 @@
 #include "ReelCore/Platform/UserAccount.h"
 
 #include <array>
+#include <cerrno>
 #include <functional>
+#include <vector>
 
 #include <pwd.h>
 #include <unistd.h>
@@ -12,10 +14,12 @@ namespace {
 
 /// What `read` finds in the account's entry of the account database, or the empty text.
 std::string fromAccount(const std::function<std::string(const passwd&)>& read) {
-    std::array<char, 16384> memory{};
+    std::vector<char> memory(1024);
     passwd entry{};
     passwd* found = nullptr;
-    ::getpwuid_r(::getuid(), &entry, memory.data(), memory.size(), &found);
+    while (::getpwuid_r(::getuid(), &entry, memory.data(), memory.size(), &found) == ERANGE) {
+        memory.resize(memory.size() * 2);
+    }
     return found ? read(*found) : std::string();
 }
 

@@ -2,16 +2,20 @@
 
 #include "ReelCore/Platform/SystemError.h"
 #include "Support/FolderTree.h"
+#include "Support/Forked.h"
 
 #include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <future>
+#include <new>
 #include <thread>
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace ReelCore {
@@ -111,6 +115,38 @@ TEST(ChildProcess, BlockedAndIgnoredSignals_AreNotPassedOn) {
     ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
     EXPECT_EQ(terminated, 128 + SIGTERM);
     EXPECT_EQ(pipeBroken, 128 + SIGPIPE);
+}
+
+// Where nobody wants to hear of ended children, the system forgets how they ended.
+TEST(ChildProcess, EndThatTheSystemDoesNotTell_IsAFailureAndNoSuccess) {
+    const int status = TestSupport::statusOfForked([] {
+        ::signal(SIGCHLD, SIG_IGN);
+        try {
+            return shell("exit 7").status;
+        } catch (const SystemError& error) {
+            return error.code() == ECHILD ? 100 : 101;
+        }
+    });
+
+    EXPECT_EQ(status, 100);
+}
+
+TEST(ChildProcess, MemoryDoesNotSufficeForTheOutput_LeavesNoChildBehind) {
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "the sanitizer needs more room for addresses";
+#endif
+    const int status = TestSupport::statusOfForked([] {
+        const rlimit room{rlim_t{1} << 28U, rlim_t{1} << 28U};
+        if (::setrlimit(RLIMIT_AS, &room) != 0) return 101;
+        try {
+            shell("exec head -c 1000000000 /dev/zero");
+            return 102;
+        } catch (const std::bad_alloc&) {
+            return ::waitpid(-1, nullptr, WNOHANG) < 0 && errno == ECHILD ? 100 : 103;
+        }
+    });
+
+    EXPECT_EQ(status, 100);
 }
 
 TEST(ChildProcess, ManyThreads_GetEachItsOwnOutcome) {

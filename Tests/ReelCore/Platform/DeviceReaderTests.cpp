@@ -146,6 +146,31 @@ TEST_P(DeviceReaderOnLoop, Read_WholeFile_LeavesTheCacheNoFuller) {
     EXPECT_EQ(cachedBytes(clip), 0);
 }
 
+// With its contents in the journal too, the file system takes direct reads and serves them from the
+// cache, which they fill.
+TEST(DeviceReader, Read_FileSystemThatServesDirectReadsFromTheCache_LeavesItNoFuller) {
+    if (!LoopMount::isAvailable()) GTEST_SKIP() << "needs root and loop devices";
+    const LoopMount drive("ext4", 64, "data=journal");
+    const URL clip = drive.path() / "clip";
+    writeFile(clip, noise(300'001));
+
+    readAll(clip);
+
+    EXPECT_EQ(cachedBytes(clip), 0);
+}
+
+TEST(DeviceReader, Read_FileSystemWithItsContentsInTheJournal_StillPassesAHotCache) {
+    if (!LoopMount::isAvailable()) GTEST_SKIP() << "needs root and loop devices";
+    LoopMount drive("ext4", 64, "data=journal");
+    const std::string content = noise(300'001);
+    const URL clip = drive.path() / "clip";
+    writeFile(clip, content);
+    drive.flipBitBelow(clip, 200'000);
+    ASSERT_TRUE(readFile(clip) == content) << "the cache was not hot";
+
+    EXPECT_TRUE(readAll(clip) == withBitFlipped(content, 200'000));
+}
+
 namespace {
 
 class DeviceReaderOnFaultyDrive : public testing::Test {

@@ -2,8 +2,11 @@
 
 #include <csignal>
 #include <limits>
+#include <string>
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 namespace {
 
@@ -26,6 +29,24 @@ TEST(FatalDeathTest, Fatal_CannotBeCaught) {
     };
 
     EXPECT_EXIT(swallowing(), testing::KilledBySignal(SIGABRT), "nothing to go on with");
+}
+
+TEST(FatalDeathTest, Fatal_StandardErrorClosedOrFull_AbortsAllTheSame) {
+    const auto withoutAnEar = [] {
+        ::close(STDERR_FILENO);
+        fatal("unheard");
+    };
+    const auto withAFullOne = [] {
+        ::dup2(::open("/dev/full", O_WRONLY), STDERR_FILENO);
+        fatal("unheard");
+    };
+
+    EXPECT_EXIT(withoutAnEar(), testing::KilledBySignal(SIGABRT), "^$");
+    EXPECT_EXIT(withAFullOne(), testing::KilledBySignal(SIGABRT), "^$");
+}
+
+TEST(FatalDeathTest, Fatal_LongText_IsCut) {
+    EXPECT_EXIT(fatal(std::string(5000, 'x')), testing::KilledBySignal(SIGABRT), "^fatal: x{900}");
 }
 
 TEST(FatalDeathTest, CheckedAdd_OverflowAtEitherEndIsFatalAndNamesTheCaller) {

@@ -10,6 +10,7 @@
 #include <functional>
 #include <utility>
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
@@ -88,6 +89,15 @@ TEST_F(FileTest, OpenForReading_PipeWithoutAWriter_IsRefusedAndDoesNotWait) {
     ASSERT_EQ(::mkfifo(at("pipe").c_str(), 0666), 0);
 
     EXPECT_EQ(codeOf([&] { File::openForReading(at("pipe")); }), EINVAL);
+}
+
+TEST_F(FileTest, Open_File_WaitsForItsDevice) {
+    const auto waits = [](const File& file) {
+        return (::fcntl(file.descriptor(), F_GETFL) & O_NONBLOCK) == 0;
+    };
+
+    EXPECT_TRUE(waits(File::create(at("clip"))));
+    EXPECT_TRUE(waits(File::openForReading(at("clip"))));
 }
 
 TEST_F(FileTest, OpenForReading_FolderSocketOrDevice_IsRefused) {

@@ -1,13 +1,17 @@
 #include "ReelCore/Platform/UserAccount.h"
 
+#include "Support/FolderTree.h"
 #include "Support/Tool.h"
 
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <sstream>
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <sched.h>
+#include <sys/mount.h>
 #include <unistd.h>
 
 namespace {
@@ -65,6 +69,29 @@ TEST(UserAccountDeathTest, FullName_IsTheFirstPartOfTheCommentElseTheLoginName) 
             expectNames(account.id, account.loginName, name.empty() ? account.loginName : name),
             testing::ExitedWithCode(0), "");
     }
+}
+
+/// The same for an account in a table of accounts of our own.
+[[noreturn]] void expectNamesIn(const ReelCore::URL& table, uid_t id, const std::string& loginName,
+                                const std::string& fullName) {
+    if (::unshare(CLONE_NEWNS) != 0 ||
+        ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+        ::mount(table.c_str(), "/etc/passwd", nullptr, MS_BIND, nullptr) != 0) {
+        std::abort();
+    }
+    expectNames(id, loginName, fullName);
+}
+
+TEST(UserAccountDeathTest, AccountWithALongComment_IsReadWhole) {
+    if (::geteuid() != 0) GTEST_SKIP() << "needs root, to become another user";
+    const TestSupport::TemporaryFolder folder;
+    const std::string longName(100'000, 'n');
+    TestSupport::writeFile(folder.path() / "passwd",
+                           "ada:x:987653:1:" + longName + ",room 1:/:/bin/sh\n");
+    std::filesystem::permissions(folder.path(), std::filesystem::perms(0755));
+
+    EXPECT_EXIT(expectNamesIn(folder.path() / "passwd", 987'653, "ada", longName),
+                testing::ExitedWithCode(0), "");
 }
 
 TEST(UserAccountDeathTest, UserWithoutAnAccount_IsUnknown) {
