@@ -15,12 +15,15 @@ struct MHLWriter {
     std::string toolName;
     std::string toolVersion;
 
+    bool operator==(const MHLWriter&) const = default;
+
     /// The reel name with each "/" as "_", and ".mhl".
     static std::string listName(std::string reelName);
 
     /// Writes the list of `result` into `folder`, which is the reel folder of one destination, and
-    /// returns where it stands: under its `listName`. A file of that name is replaced; the list is
-    /// durable on its device when this returns. Throws SystemError.
+    /// returns where it stands: under its `listName`. A file of that name is replaced. The
+    /// list's bytes are on the device when this returns; when the folder's entry for it gets there
+    /// is the file system's business. Throws SystemError.
     URL write(const OffloadResult& result, const URL& folder) const;
 };
 

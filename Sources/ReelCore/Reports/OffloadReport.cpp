@@ -11,9 +11,13 @@ namespace ReelCore {
 
 namespace {
 
-/// The last part of a path, also where it ends in a slash; "/" for the root of all folders.
+/// The path without slashes at its end; "/" for the root of all folders.
+URL withoutSlashAtEnd(const URL& url) {
+    return url.has_filename() ? url : url.parent_path();
+}
+
 std::string lastPathComponent(const URL& url) {
-    const URL path = url.has_filename() ? url : url.parent_path();
+    const URL path = withoutSlashAtEnd(url);
     return path.has_filename() ? path.filename().native() : path.native();
 }
 
@@ -32,7 +36,7 @@ std::vector<Report::Field> summary(const OffloadResult& result,
     fields.insert(fields.end(),
                   {{"Reel / Card", result.request.reelName},
                    {"Camera", std::string(rawValue(result.cameraFormat))},
-                   {"Source", result.request.source.native()},
+                   {"Source", withoutSlashAtEnd(result.request.source).native()},
                    {"Destinations", fmt::format("{}", fmt::join(drives, ", "))},
                    {"Copies", std::to_string(drives.size())},
                    {"Files", std::to_string(result.files.size())},

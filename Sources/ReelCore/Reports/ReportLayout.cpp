@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <numeric>
+#include <string_view>
 
 namespace ReelCore {
 
@@ -29,10 +30,36 @@ std::int64_t widthCap(std::size_t column) {
     return column < caps.size() ? caps[column] : 20;
 }
 
+struct Substitute {
+    std::string_view character;
+    std::string_view shown;
+};
+
+/// Characters that end the isolation of a text (UAX #9): paragraph separators, and marks for the
+/// direction inside a text.
+constexpr std::array substitutes{
+    Substitute{"\n", "↵"},          Substitute{"\r", "↵"},          Substitute{"\u0085", "↵"},
+    Substitute{"\u2029", "↵"},      Substitute{"\x1C", "\uFFFD"},   Substitute{"\x1D", "\uFFFD"},
+    Substitute{"\x1E", "\uFFFD"},   Substitute{"\u202A", "\uFFFD"}, Substitute{"\u202B", "\uFFFD"},
+    Substitute{"\u202C", "\uFFFD"}, Substitute{"\u202D", "\uFFFD"}, Substitute{"\u202E", "\uFFFD"},
+    Substitute{"\u2066", "\uFFFD"}, Substitute{"\u2067", "\uFFFD"}, Substitute{"\u2068", "\uFFFD"},
+    Substitute{"\u2069", "\uFFFD"},
+};
+
+/// The cell's text as it is drawn, with nothing in it that reaches beyond the cell.
+std::string contained(std::string text) {
+    for (const auto& [character, shown] : substitutes) {
+        for (auto at = text.find(character); at != text.npos; at = text.find(character, at)) {
+            text.replace(at, character.size(), shown);
+        }
+    }
+    return text;
+}
+
 /// The cut or padded cell. Text that runs from right to left is isolated, since it would otherwise
 /// draw its neighbours into its own order, a verdict in front of another file's name.
 std::string fitted(const std::string& cell, std::int64_t width) {
-    std::string text = cell;
+    std::string text = contained(cell);
     std::int64_t length = Text::characterCount(text);
     if (length > width) {
         text = Text::prefix(text, width - 1) + "…";
@@ -78,9 +105,11 @@ void appendTable(std::vector<Paragraph>& paragraphs, const Report::Table& table)
 std::vector<std::int64_t> ReportLayout::columnWidths(const Report::Table& table) {
     std::vector<std::int64_t> widths;
     for (std::size_t column = 0; column < table.columns.size(); ++column) {
-        std::int64_t longest = Text::characterCount(table.columns[column]);
+        std::int64_t longest = Text::characterCount(contained(table.columns[column]));
         for (const auto& row : table.rows) {
-            if (column < row.size()) longest = std::max(longest, Text::characterCount(row[column]));
+            if (column < row.size()) {
+                longest = std::max(longest, Text::characterCount(contained(row[column])));
+            }
         }
         widths.push_back(std::min(longest, widthCap(column)));
     }

@@ -34,7 +34,8 @@ struct ReportLayout {
 
     /// One line of a table: each cell cut or padded to its column's width (12 behind the last
     /// known column), with two blanks between. Cells that run from right to left stand between
-    /// isolating marks, which count for nothing.
+    /// isolating marks, which count for nothing. What in a cell could end that isolation is
+    /// replaced: paragraph separators by "↵", marks for the direction by U+FFFD.
     static std::string rowString(const std::vector<std::string>& cells,
                                  const std::vector<std::int64_t>& widths);
 

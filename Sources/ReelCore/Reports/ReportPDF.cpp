@@ -3,6 +3,7 @@
 #include "ReelCore/Reports/ReportRenderer.h"
 
 #include <memory>
+#include <new>
 #include <string>
 
 #include <cairo-pdf.h>
@@ -52,6 +53,7 @@ public:
               cairo_pdf_surface_create_for_stream(&Pages::append, &bytes_, pageWidth, pageHeight)),
           drawing_(cairo_create(surface_.get())),
           layout_(pango_cairo_create_layout(drawing_.get())) {
+        cairo_pdf_surface_set_metadata(surface_.get(), CAIRO_PDF_METADATA_CREATE_DATE, "");
         // Positions in a PDF are exact, so nothing is to be rounded to the pixels of a screen.
         const FontOptions exact(cairo_font_options_create());
         cairo_font_options_set_hint_metrics(exact.get(), CAIRO_HINT_METRICS_OFF);
@@ -86,11 +88,16 @@ public:
     }
 
 private:
-    static cairo_status_t append(void* closure, const unsigned char* data, unsigned int length) {
+    static cairo_status_t append(void* closure, const unsigned char* data,
+                                 unsigned int length) noexcept {
         auto& bytes = *static_cast<std::vector<std::byte>*>(closure);
         const auto* first = reinterpret_cast<const std::byte*>(data);
-        bytes.insert(bytes.end(), first, first + length);
-        return CAIRO_STATUS_SUCCESS;
+        try {
+            bytes.insert(bytes.end(), first, first + length);
+            return CAIRO_STATUS_SUCCESS;
+        } catch (const std::bad_alloc&) {
+            return CAIRO_STATUS_NO_MEMORY;  // No exception may pass through C.
+        }
     }
 
     void addLine(PangoLayoutIter* line) {

@@ -7,6 +7,7 @@
 #include "ReelCore/Platform/UserAccount.h"
 #include "SampleOffload.h"
 #include "Support/FolderTree.h"
+#include "Support/Forked.h"
 #include "Support/Tool.h"
 
 #include <algorithm>
@@ -14,6 +15,9 @@
 #include <regex>
 
 #include <gtest/gtest.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <unistd.h>
 
 namespace {
 
@@ -188,6 +192,32 @@ TEST(MHLWriter, Markup_IsEscapedOnceInThisOrder) {
         << text;
     EXPECT_NE(text.find("    <tool>a&lt;b 1&amp;2</tool>\n"), text.npos) << text;
     EXPECT_EQ(onlyText(list, "file"), path);
+}
+
+TEST(MHLWriter, MarkupInTheNamesOfUserAndComputer_IsEscaped) {
+    if (::geteuid() != 0) GTEST_SKIP() << "needs root";
+    const TemporaryFolder folder;
+    const URL accounts = folder.path() / "passwd";
+    writeFile(accounts, "a<b>&c:x:0:0:Jo & <Doe>,,,:/root:/bin/sh\n");
+
+    const int status = statusOfForked([&] {
+        const std::string host = "h<o>&st";
+        if (::unshare(CLONE_NEWNS | CLONE_NEWUTS) != 0 ||
+            ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+            ::mount(accounts.c_str(), "/etc/passwd", nullptr, MS_BIND, nullptr) != 0 ||
+            ::sethostname(host.data(), host.size()) != 0) {
+            return 1;
+        }
+        MHLWriter{"tool", "1"}.write(sampleOffload({}), folder.path());
+        return 0;
+    });
+
+    ASSERT_EQ(status, 0);
+    const URL list = folder.path() / "A001.mhl";
+    EXPECT_NE(readFile(list).find("<name>Jo &amp; &lt;Doe&gt;</name>"), std::string::npos);
+    EXPECT_EQ(elementTexts(list, "name"), std::vector<std::string>{"Jo & <Doe>"});
+    EXPECT_EQ(elementTexts(list, "username"), std::vector<std::string>{"a<b>&c"});
+    EXPECT_EQ(elementTexts(list, "hostname"), std::vector<std::string>{"h<o>&st"});
 }
 
 TEST(MHLWriter, SameNameInTwoFolders_GivesTwoEntriesWithTheirPaths) {

@@ -135,6 +135,16 @@ TEST(OffloadReport, Destinations_AreNamedByTheirLastPart) {
     EXPECT_EQ(valueOf(report, "Copies"), "4");
 }
 
+TEST(OffloadReport, Source_IsItsPathWithoutSlashesAtTheEnd) {
+    auto result = sampleOffload({});
+    for (const auto& [source, shown] : std::vector<std::pair<URL, std::string>>{
+             {"/media/CARD", "/media/CARD"}, {"/media/CARD//", "/media/CARD"}, {"/", "/"}}) {
+        result.request.source = source;
+
+        EXPECT_EQ(valueOf(Report::offload(result, std::nullopt, std::nullopt), "Source"), shown);
+    }
+}
+
 TEST(OffloadReport, FileNames_ComeFromTitleAndReel) {
     auto result = sampleOffload({});
     result.request.reelName = "DAY 1/A001";

@@ -90,8 +90,24 @@ TEST(RowString, Cut_NeverDividesACharacter) {
 
 TEST(RowString, CellsFromRightToLeft_AreIsolatedFromTheirNeighbours) {
     EXPECT_EQ(ReportLayout::rowString({"שלום", "7 B"}, {6, 3}), "\u2068שלום\u2069    7 B");
-    // An override that a name leaves open ends with its cell.
-    EXPECT_EQ(ReportLayout::rowString({"a\u202Eb", "7 B"}, {3, 3}), "\u2068a\u202Eb\u2069  7 B");
+}
+
+TEST(RowString, MarksForTheDirection_AreReplacedSoThatNoCellLeavesItsIsolation) {
+    EXPECT_EQ(ReportLayout::rowString({"a\u202Eb", "7 B"}, {3, 3}), "a\uFFFDb  7 B");
+    EXPECT_EQ(ReportLayout::rowString({"של\u2069ום", "7 B"}, {5, 3}),
+              "\u2068של\uFFFDום\u2069  7 B");
+    for (const char* mark : {"\u202A", "\u202B", "\u202C", "\u202D", "\u202E", "\u2066", "\u2067",
+                             "\u2068", "\u2069"}) {
+        EXPECT_EQ(ReportLayout::rowString({mark}, {1}), "\uFFFD");
+    }
+    EXPECT_EQ(ReportLayout::rowString({"\u2028\u202F\u2065\u206A"}, {4}).find("\uFFFD"),
+              std::string::npos);
+}
+
+TEST(RowString, ParagraphSeparators_AreSignsInTheirRow) {
+    EXPECT_EQ(ReportLayout::rowString({"a\nb\rc\u0085d\u2029e"}, {9}), "a↵b↵c↵d↵e");
+    EXPECT_EQ(ReportLayout::rowString({"a\x1C\x1D\x1E"}, {4}), "a\uFFFD\uFFFD\uFFFD");
+    EXPECT_EQ(ReportLayout::columnWidths({{"A"}, {{"a\r\n"}}}), Widths{3});
 }
 
 TEST(BuildAttributed, ReportWithATable_IsTheseParagraphs) {

@@ -7,8 +7,11 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <map>
 #include <regex>
+#include <set>
+#include <sstream>
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
@@ -59,12 +62,12 @@ std::vector<Lines> matches(const std::string& text, const std::string& pattern) 
     return all;
 }
 
-TEST(ReportPDF, Page_IsUSLetterWithoutTitleOrAuthor) {
+TEST(ReportPDF, Page_IsUSLetterWithoutTitleAuthorOrDate) {
     const std::string info = PDF(reportWithRows(3)).tell("pdfinfo");
 
     EXPECT_NE(info.find("612 x 792 pts (letter)"), info.npos) << info;
     EXPECT_NE(info.find("Pages:           1\n"), info.npos) << info;
-    for (const char* entry : {"Title:", "Author:", "Subject:", "Keywords:"}) {
+    for (const char* entry : {"Title:", "Author:", "Subject:", "Keywords:", "CreationDate:"}) {
         EXPECT_EQ(info.find(entry), info.npos) << info;
     }
 }
@@ -196,6 +199,12 @@ TEST(ReportPDF, NastyNames_KeepOneRowAFile) {
                       "שלום עולם",
                       "שלום.mov",
                       "exe\u202Evom.A",
+                      "שלום\u2069 עולם",
+                      "\u2069\u202EDELIAF",
+                      "שלום\u2069\u202Eעולם",
+                      "\u2067שלום\u202C",
+                      "שלום\nעולם",
+                      "שלום\u2029עולם",
                       "cafe\u0301",
                       "👨‍👩‍👧 family",
                       "bad \xFF\xFE",
@@ -210,14 +219,19 @@ TEST(ReportPDF, NastyNames_KeepOneRowAFile) {
         report.table->rows.push_back({name, "1.50 GB", "0eab543384f878ad", "FAILED"});
     }
 
+    const std::set<std::string> columns{"1.50", "GB", "0eab543384f878ad", "FAILED"};
+
     const std::string xml = PDF(report).tell("pdftotext", {"-bbox"});
 
     // The verdicts stand one below the other, right of the checksums, which stand right of the
-    // sizes.
+    // sizes, which stand right of the names.
     std::map<std::string, std::vector<std::pair<double, double>>> places;
+    std::vector<std::pair<double, double>> nameWords;
     for (const Lines& word :
          matches(xml, "<word xMin=\"([\\d.]+)\" yMin=\"([\\d.]+)\"[^>]*>([^<]*)</word>")) {
-        places[word[3]].emplace_back(std::stod(word[2]), std::stod(word[1]));
+        const std::pair<double, double> place{std::stod(word[2]), std::stod(word[1])};
+        places[word[3]].push_back(place);
+        if (!columns.contains(word[3])) nameWords.push_back(place);
     }
     auto& sizes = places["1.50"];
     auto& hashes = places["0eab543384f878ad"];
@@ -233,7 +247,61 @@ TEST(ReportPDF, NastyNames_KeepOneRowAFile) {
         EXPECT_NEAR(sizes[i].first, hashes[i].first, 1) << names[i];
         EXPECT_LT(sizes[i].second, hashes[i].second) << names[i];
         EXPECT_LT(hashes[i].second, verdicts[i].second) << names[i];
+        for (const auto& [y, x] : nameWords) {
+            const bool isInThisRow = std::abs(y - sizes[i].first) < 4;
+            EXPECT_TRUE(!isInThisRow || x < sizes[i].second) << names[i];
+        }
     }
+}
+
+TEST(ReportPDF, PagesThatAreJustFull_AreFollowedByNoEmptyOne) {
+    std::set<int> pageCounts;
+    for (int rows = 35; rows < 65; ++rows) {
+        const PDF pdf(reportWithRows(rows));
+
+        const std::string text = pdf.tell("pdftotext");
+
+        std::istringstream pages(text);
+        for (std::string page; std::getline(pages, page, '\f');) {
+            EXPECT_NE(page.find_first_not_of(" \n"), page.npos) << rows;
+        }
+        EXPECT_EQ(std::ranges::count(text, '\f'), pdf.pages());
+        pageCounts.insert(pdf.pages());
+    }
+    EXPECT_EQ(pageCounts, (std::set<int>{1, 2}));
+}
+
+/// The top of the first word of this text.
+double topOf(const std::string& boxes, const std::string& word) {
+    const auto found = matches(boxes, "yMin=\"([\\d.]+)\"[^>]*>" + word + "</word>");
+    return std::stod(found.at(0).at(1));
+}
+
+// Between lines of one font the distance is the height of a line and the space after the first. A
+// fact that is wrapped tells that height; for other sizes of the font it is as much in proportion.
+TEST(ReportPDF, SpacesBetweenParagraphs_AreThoseOfTheLayout) {
+    Report report = reportWithRows(3);
+    report.summary = {{"One", "x"}, {"Two", std::string(150, 'W') + " wrapped"}, {"Three", "x"}};
+    constexpr double rounding = 0.01;
+
+    const std::string boxes = PDF(report).tell("pdftotext", {"-bbox"});
+
+    const double first = topOf(boxes, "One:");
+    const double second = topOf(boxes, "Two:");
+    const double third = topOf(boxes, "Three:");
+    const double wrapped = topOf(boxes, "wrapped");
+    const double line = third - wrapped - 2;
+    EXPECT_NEAR(second - first, line + 2, rounding);
+    EXPECT_NEAR(std::remainder(wrapped - second, line), 0, rounding);
+    EXPECT_GT(wrapped - second, line / 2);
+    // From size 13 to 9 and on to 11 the fonts' ascents cancel each other out if the second
+    // distance is taken twice.
+    const double provenance = topOf(boxes, "keldobay");
+    EXPECT_NEAR(provenance - topOf(boxes, "A001") + 2 * (first - provenance),
+                line / 11 * (9 + 2 * 11) + 2 + 2 * 12, rounding * 4);
+    const double row = topOf(boxes, "CLIP/C00001.MXF") - topOf(boxes, "CLIP/C00000.MXF");
+    EXPECT_NEAR(topOf(boxes, "CLIP/C00000.MXF") - topOf(boxes, "File"), 2 * (row - 1) + 2 + 2,
+                rounding);
 }
 
 TEST(ReportPDF, TenThousandRows_AreAllThereWithinFiveSeconds) {
