@@ -11,6 +11,8 @@ AbstractButton {
 
     implicitWidth: Theme.buttonHeight
     implicitHeight: Theme.buttonHeight
+    // Also where the desktop has such effects turned off: the hint is all that says it in words.
+    hoverEnabled: true
     Accessible.role: Accessible.Button
     Accessible.name: label
 

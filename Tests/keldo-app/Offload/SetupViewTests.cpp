@@ -3,7 +3,25 @@
 using WindowSupport::WindowFixture;
 
 namespace {
-class SetupViewTests : public WindowFixture {};
+class SetupViewTests : public WindowFixture {
+protected:
+    /// What stands out of the card on either side, anywhere below it.
+    static QStringList widerThan(const QQuickItem& card) {
+        QStringList out;
+        standingOut(card, card, out);
+        return out;
+    }
+
+private:
+    static void standingOut(const QQuickItem& item, const QQuickItem& card, QStringList& out) {
+        if (!item.isVisible()) return;
+        const QRectF place = item.mapRectToItem(&card, QRectF(0, 0, item.width(), item.height()));
+        if (place.left() < 0 || place.right() > card.width()) {
+            out += item.objectName() + " " + item.metaObject()->className();
+        }
+        for (const QQuickItem* child : item.childItems()) standingOut(*child, card, out);
+    }
+};
 }  // namespace
 
 TEST_F(SetupViewTests, AtFirst_SaysWhatIsMissingAndCantStart) {
@@ -31,19 +49,26 @@ TEST_F(SetupViewTests, ChosenCard_IsSummedUp) {
 TEST_F(SetupViewTests, WhileScanning_SaysSoAndCantStart) {
     openWindow();
     addDrive(drive("SHUTTLE_01"));
-    bool seen = false;
+    int seen = 0;
+    std::string picture;
     const auto look = [&] {
         if (driver_->offload()->stage() != Stage::scanning) return;
-        seen = true;
+        ++seen;
         EXPECT_EQ(driver_->text("offload.scanning"), "Scanning…");
         EXPECT_FALSE(driver_->isEnabled("offload.start"));
         EXPECT_FALSE(driver_->isShown("offload.scan"));
-        driver_->screenshot(ReelCore::URL(KELDO_SCREENSHOTS) / "scanning-light-980.png");
+        driver_->screenshot(ReelCore::URL(KELDO_SCREENSHOTS) / ("scanning-" + picture + ".png"));
     };
     QObject::connect(driver_->offload(), &keldo_app::OffloadViewModel::stageChanged,
                      driver_->offload(), look);
-    chooseCard(card());
-    EXPECT_TRUE(seen);
+    for (const auto& [colors, width] : {std::pair("light-", 940), std::pair("dark-", 1600)}) {
+        WindowSupport::setLook(width == 940 ? WindowSupport::Look::light
+                                            : WindowSupport::Look::dark);
+        driver_->resize(width, width == 940 ? 680 : 1000);
+        picture = colors + std::to_string(width);
+        chooseCard(card());
+    }
+    EXPECT_EQ(seen, 2);
 }
 
 TEST_F(SetupViewTests, Dismissed_ChangesNothing) {
@@ -111,13 +136,56 @@ TEST_F(SetupViewTests, Checksum_IsChosenBySegments) {
     EXPECT_EQ(driver_->offload()->algorithm(), ReelCore::HashAlgorithm::md5);
 }
 
-TEST_F(SetupViewTests, ManyDrivesAndLongPaths_StayWholeAndScroll) {
+TEST_F(SetupViewTests, ManyDrivesAndLongPaths_StayInTheirCardsAndScroll) {
     openWindow();
-    const ReelCore::URL far =
-        drive(std::string(120, 'x')) / std::string(120, 'y') / "LONG_NAMED_DRIVE";
-    chooseCard(far.parent_path().parent_path().parent_path() / "A001_C003");
-    for (int i = 0; i < 8; ++i) addDrive(far / std::to_string(i));
+    const ReelCore::URL far = drive(std::string(120, 'x')) / std::string(120, 'y');
+    std::filesystem::create_directories(far / "A001_C003");
+    chooseCard(far / "A001_C003");
+    const std::string longName = std::string(100, 'D') + "_" + std::string(100, 'E');
+    for (int i = 0; i < 9; ++i) addDrive(far / (longName + std::to_string(i)));
+    for (const int width : {940, 1600}) {
+        driver_->resize(width, 680);
+        for (const char* card :
+             {"offload.sourceCard", "offload.drivesCard", "offload.optionsCard"}) {
+            EXPECT_EQ(widerThan(*driver_->find(card)), QStringList());
+        }
+        for (const char* text : {"offload.source.text", "offload.drive.0", "offload.path.8"}) {
+            EXPECT_TRUE(driver_->find(text)->property("truncated").toBool()) << text;
+            EXPECT_EQ(driver_->find(text)->property("elide").toInt(), Qt::ElideMiddle) << text;
+        }
+    }
     keepPictures("many-drives");
-    driver_->press("offload.remove.7");
-    EXPECT_EQ(driver_->offload()->destinations().size(), 7U);
+    driver_->press("offload.remove.8");
+    EXPECT_EQ(driver_->offload()->destinations().size(), 8U);
+}
+
+TEST_F(SetupViewTests, TextThatIsCut_StandsWholeInATooltip) {
+    openWindow();
+    const ReelCore::URL far = drive(std::string(120, 'x')) / std::string(120, 'y');
+    std::filesystem::create_directories(far / "A001_C003");
+    chooseCard(far / "A001_C003");
+    addDrive(far / std::string(200, 'D'));
+    for (const char* name : {"offload.path.0", "offload.drive.0", "offload.source.text"}) {
+        driver_->hover(name);
+        const QString whole = driver_->text(name);
+        driver_->waitFor("the tooltip", [&] {
+            return driver_->isShown("hint") && driver_->text("hint") == whole;
+        });
+        const QQuickItem* hint = driver_->find("hint");
+        const QRectF place = hint->mapRectToScene(QRectF(0, 0, hint->width(), hint->height()));
+        EXPECT_TRUE(QRectF(QPointF(), driver_->window().size()).contains(place));
+    }
+    EXPECT_EQ(driver_->text("hint").toStdString(), (far / "A001_C003").native());
+    driver_->screenshot(ReelCore::URL(KELDO_SCREENSHOTS) / "tooltip-light-980.png");
+}
+
+TEST_F(SetupViewTests, TextThatIsWhole_HasNoTooltip) {
+    openWindow();
+    addDrive(drive("SHUTTLE_01"));
+    driver_->hover("offload.drive.0");
+    EXPECT_FALSE(driver_->find("offload.drive.0")->property("truncated").toBool());
+    // The one that comes is the button's, later than any of the text would.
+    driver_->hover("offload.remove.0");
+    driver_->waitFor("a tooltip", [&] { return driver_->isShown("hint"); });
+    EXPECT_EQ(driver_->text("hint"), "Remove SHUTTLE_01");
 }
