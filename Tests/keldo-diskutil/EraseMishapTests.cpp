@@ -68,7 +68,9 @@ protected:
     /// An image of another card, and the lines of a script that put it into the reader.
     URL otherCard() const {
         URL image = folder_.path() / "other";
-        TestSupport::writeFile(image, TestSupport::noise(std::size_t{16} << 20U));
+        TestSupport::writeFile(image, "");
+        std::filesystem::resize_file(image, 16U << 20U);
+        outputOf("mkfs.ext4", {"-q", image.native()});
         return image;
     }
     std::string swapScript(const URL& image) const {
