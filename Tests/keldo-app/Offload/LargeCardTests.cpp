@@ -57,6 +57,18 @@ protected:
     ReelCore::URL memory_;
 };
 
+/// Many files that a drive gives back wrong; fewer, as each goes through a file system's server.
+class ManyFailuresTests : public WindowFixture {
+protected:
+    ManyFailuresTests() {
+        for (int i = 0; i < 10 * filesInAFolder; ++i) {
+            TestSupport::writeFile(many() / std::to_string(i), "picture");
+        }
+    }
+
+    ReelCore::URL many() const { return folder_.path() / "many"; }
+};
+
 }  // namespace
 
 TEST_F(LargeCardTests, AHundredThousandFiles_NeverBlockTheWindowAndTheProgressMoves) {
@@ -78,6 +90,25 @@ TEST_F(LargeCardTests, AHundredThousandFiles_NeverBlockTheWindowAndTheProgressMo
     driver_->press("offload.new");
     driver_->waitFor("the setup", [&] { return driver_->isShown("offload.choose"); });
     EXPECT_GT(counts.size(), 20);
+    RecordProperty("longest_block_ms", static_cast<int>(watch.longest));
+    std::printf("longest block of the event loop: %lld ms\n", watch.longest);
+    EXPECT_LE(watch.longest, longestBlock);
+}
+
+TEST_F(ManyFailuresTests, ThousandsOfFailedFiles_NeverBlockTheWindowAndAreAllListed) {
+    openWindow();
+    chooseCard(many());
+    addDrive(faultyDrive({.flipBitAt = 0}));
+    LoopWatch watch;
+    driver_->press("offload.start");
+    driver_->waitForStage(Stage::finished, 280'000);
+    driver_->waitFor("the list", [&] { return driver_->isShown("offload.failures.0"); });
+    const int failed = driver_->find("offload.failures")->property("count").toInt();
+    EXPECT_EQ(failed, 10 * filesInAFolder);
+    EXPECT_EQ(driver_->text("offload.reason"),
+              QString::number(failed) + " file(s) failed verification — DO NOT format.");
+    driver_->press("offload.new");
+    driver_->waitFor("the setup", [&] { return driver_->isShown("offload.choose"); });
     RecordProperty("longest_block_ms", static_cast<int>(watch.longest));
     std::printf("longest block of the event loop: %lld ms\n", watch.longest);
     EXPECT_LE(watch.longest, longestBlock);
