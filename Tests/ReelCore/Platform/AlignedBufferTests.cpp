@@ -21,5 +21,5 @@ TEST(AlignedBuffer, SizeThatNoMemoryHas_IsBadAlloc) {
     constexpr std::size_t largest = std::numeric_limits<std::size_t>::max();
 
     EXPECT_THROW(AlignedBuffer{largest}, std::bad_alloc);
-    EXPECT_THROW(AlignedBuffer{largest - 4096}, std::bad_alloc);
+    EXPECT_THROW(AlignedBuffer{largest - 4095}, std::bad_alloc);
 }
