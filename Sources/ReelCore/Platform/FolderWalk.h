@@ -24,8 +24,9 @@ struct WalkedFile {
 /// Folders are only read: where the system allows it, not even their access times change.
 ///
 /// False, with nothing visited, if `root` can't be opened. Throws SystemError if the attributes of
-/// any entry can't be read, or if this process has no means left to read a folder, `root` included
-/// (SystemError::isOwnLimit). Synchronous; memory grows with the number of folders, not of files.
+/// any entry can't be read, if the listing of a folder breaks off, or if this process has no means
+/// left to read a folder, `root` included (SystemError::isOwnLimit). Synchronous; memory grows with
+/// the number of folders, not of files.
 bool walkFolder(const URL& root, const std::function<bool(std::string_view name)>& isIgnored,
                 const std::function<void(WalkedFile)>& visit);
 

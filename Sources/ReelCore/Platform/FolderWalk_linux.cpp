@@ -58,7 +58,10 @@ private:
             throwIfOwnLimit(errno, place);
             return false;
         }
-        throwIfOwnLimit(list(folder.get(), path.empty() ? "" : path + "/"), place);
+        // Half a listing is not an unreadable folder: files that are known to be there would go
+        // missing among those that were listed.
+        const int failure = list(folder.get(), path.empty() ? "" : path + "/");
+        if (failure != 0) throw SystemError(failure, place);
         return true;
     }
 
