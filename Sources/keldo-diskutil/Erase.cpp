@@ -138,8 +138,8 @@ std::string mountedAgain(const ServedVolume& volume) {
 /// write a label beyond ASCII and fails: the second try needs none.
 std::string format(const ServedVolume& volume, const Order& order) {
     const std::string type(order.target.type);
-    const std::string label = labelFor(order.newName, order.target.fileSystem);
-    const std::string plain = plainLabel(label);
+    std::string label = labelFor(order.newName, order.target.fileSystem);
+    std::string plain = plainLabel(label);
     if (!isCardStillThere(volume, false)) {
         throw Refusal(
             "the card was taken out or changed before its erase began. What is in the reader now "

@@ -118,7 +118,7 @@ std::string UDisks::blockObject(const URL& node, const std::string& device) cons
     const Variant objects(g_variant_get_child_value(answer.get(), 0), g_variant_unref);
     for (gsize i = 0; i < g_variant_n_children(objects.get()); ++i) {
         const Variant child(g_variant_get_child_value(objects.get(), i), g_variant_unref);
-        const std::string object = text(child.get());
+        std::string object = text(child.get());
         const dev_t number =
             g_variant_get_uint64(property(object, blockInterface, "DeviceNumber", "t").get());
         if (fmt::format("{}:{}", major(number), minor(number)) == device) return object;

@@ -2,6 +2,7 @@
 
 #include "Support/Tool.h"
 
+#include <regex>
 #include <sstream>
 
 namespace TestSupport {
@@ -65,6 +66,10 @@ for element in xml.etree.ElementTree.parse(sys.argv[1]).iter(sys.argv[2]):
     return texts;
 }
 
+std::string xmlFaults(const ReelCore::URL& xml) {
+    return runTool("xmllint", {"--noout", xml.native()}).output;
+}
+
 std::vector<std::vector<std::string>> readCSV(const ReelCore::URL& csv) {
     PrintedTexts printed(python(R"(
 with open(sys.argv[1], newline="", encoding="utf-8") as file:
@@ -89,6 +94,18 @@ std::vector<std::string> pdfLines(const ReelCore::URL& pdf) {
         if (!trimmed(line).empty()) lines.push_back(trimmed(line));
     }
     return lines;
+}
+
+std::vector<PDFWord> pdfWords(const ReelCore::URL& pdf) {
+    const std::string boxes = outputOf("pdftotext", {"-bbox", pdf.native(), "-"});
+    const std::regex word(
+        R"re(<word xMin="(.*?)" yMin="(.*?)" xMax="(.*?)" yMax="(.*?)">(.*?)</word>)re");
+    std::vector<PDFWord> words;
+    for (std::sregex_iterator one(boxes.begin(), boxes.end(), word), end; one != end; ++one) {
+        const auto number = [&](std::size_t group) { return std::stod((*one)[group]); };
+        words.push_back({(*one)[5], number(1), number(2), number(3), number(4)});
+    }
+    return words;
 }
 
 int pdfPages(const ReelCore::URL& pdf) {

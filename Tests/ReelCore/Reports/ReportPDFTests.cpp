@@ -7,8 +7,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cmath>
-#include <map>
 #include <regex>
 #include <set>
 #include <sstream>
@@ -40,17 +38,6 @@ private:
     TemporaryFolder folder_;
     URL path_;
 };
-
-Report reportWithRows(int count) {
-    Report report{"Offload Report", "A001",       {{"Camera", "Sony"}, {"Copies", "2"}},
-                  Report::Table{},  sampleDate(), "keldobay 0.1.0"};
-    report.table->columns = {"File", "Size", "xxhash64", "Status"};
-    for (int i = 0; i < count; ++i) {
-        report.table->rows.push_back(
-            {fmt::format("CLIP/C{:05}.MXF", i), "1.50 GB", "0eab543384f878ad", "VERIFIED"});
-    }
-    return report;
-}
 
 /// Every match of a pattern: the whole, then its groups.
 std::vector<Lines> matches(const std::string& text, const std::string& pattern) {
@@ -120,30 +107,6 @@ TEST(ReportPDF, Fonts_AreTheSystemsAndEmbeddedWithTheirText) {
         << fonts;
 }
 
-TEST(ReportPDF, EverythingStandsWithinTheMargins) {
-    Report report = reportWithRows(200);
-    report.summary.push_back({"Source", std::string(400, 'W')});
-    report.summary.push_back({"Note", "many words " + std::string(300, ' ') + "and more"});
-
-    const std::string boxes = PDF(report).tell("pdftotext", {"-bbox"});
-
-    double left = 612, top = 792, right = 0, bottom = 0;
-    for (const Lines& word : matches(boxes,
-                                     "<word xMin=\"([-\\d.]+)\" yMin=\"([-\\d.]+)\" "
-                                     "xMax=\"([-\\d.]+)\" yMax=\"([-\\d.]+)\"")) {
-        left = std::min(left, std::stod(word[1]));
-        top = std::min(top, std::stod(word[2]));
-        right = std::max(right, std::stod(word[3]));
-        bottom = std::max(bottom, std::stod(word[4]));
-    }
-    constexpr double rounding = 0.5;
-    EXPECT_NEAR(left, 48, rounding);
-    EXPECT_NEAR(top, 48, 2);  // Tools take a font's height in different ways.
-    EXPECT_LE(right, 612 - 48 + rounding);
-    EXPECT_LE(bottom, 792 - 48 + 2);
-    EXPECT_GT(bottom, 792 - 48 - 20);
-}
-
 TEST(ReportPDF, LongTable_RunsOnWithoutARepeatedHeader) {
     const PDF pdf(reportWithRows(200));
 
@@ -191,69 +154,6 @@ TEST(ReportPDF, LongFact_IsWrappedAndNothingIsLost) {
     EXPECT_GE(pdf.pages(), 3);
 }
 
-// Each name stays in its row, and its verdict in that row.
-TEST(ReportPDF, NastyNames_KeepOneRowAFile) {
-    const Lines names{"line\nfeed",
-                      "carriage\rreturn",
-                      "new\u2028lines\u2029here",
-                      "שלום עולם",
-                      "שלום.mov",
-                      "exe\u202Evom.A",
-                      "שלום\u2069 עולם",
-                      "\u2069\u202EDELIAF",
-                      "שלום\u2069\u202Eעולם",
-                      "\u2067שלום\u202C",
-                      "שלום\nעולם",
-                      "שלום\u2029עולם",
-                      "cafe\u0301",
-                      "👨‍👩‍👧 family",
-                      "bad \xFF\xFE",
-                      "ctl \x01\x1B",
-                      std::string(255, 'x'),
-                      std::string("nul \0 nul", 9),
-                      "tab\tab",
-                      "日本語",
-                      ""};
-    Report report = reportWithRows(0);
-    for (const std::string& name : names) {
-        report.table->rows.push_back({name, "1.50 GB", "0eab543384f878ad", "FAILED"});
-    }
-
-    const std::set<std::string> columns{"1.50", "GB", "0eab543384f878ad", "FAILED"};
-
-    const std::string xml = PDF(report).tell("pdftotext", {"-bbox"});
-
-    // The verdicts stand one below the other, right of the checksums, which stand right of the
-    // sizes, which stand right of the names.
-    std::map<std::string, std::vector<std::pair<double, double>>> places;
-    std::vector<std::pair<double, double>> nameWords;
-    for (const Lines& word :
-         matches(xml, "<word xMin=\"([\\d.]+)\" yMin=\"([\\d.]+)\"[^>]*>([^<]*)</word>")) {
-        const std::pair<double, double> place{std::stod(word[2]), std::stod(word[1])};
-        places[word[3]].push_back(place);
-        if (!columns.contains(word[3])) nameWords.push_back(place);
-    }
-    auto& sizes = places["1.50"];
-    auto& hashes = places["0eab543384f878ad"];
-    auto& verdicts = places["FAILED"];
-    ASSERT_EQ(verdicts.size(), names.size()) << xml;
-    ASSERT_EQ(hashes.size(), names.size());
-    ASSERT_EQ(sizes.size(), names.size());
-    std::ranges::sort(sizes);
-    std::ranges::sort(hashes);
-    std::ranges::sort(verdicts);
-    for (std::size_t i = 0; i < names.size(); ++i) {
-        EXPECT_NEAR(verdicts[i].first, hashes[i].first, 1) << names[i];
-        EXPECT_NEAR(sizes[i].first, hashes[i].first, 1) << names[i];
-        EXPECT_LT(sizes[i].second, hashes[i].second) << names[i];
-        EXPECT_LT(hashes[i].second, verdicts[i].second) << names[i];
-        for (const auto& [y, x] : nameWords) {
-            const bool isInThisRow = std::abs(y - sizes[i].first) < 4;
-            EXPECT_TRUE(!isInThisRow || x < sizes[i].second) << names[i];
-        }
-    }
-}
-
 TEST(ReportPDF, PagesThatAreJustFull_AreFollowedByNoEmptyOne) {
     std::set<int> pageCounts;
     for (int rows = 35; rows < 65; ++rows) {
@@ -269,39 +169,6 @@ TEST(ReportPDF, PagesThatAreJustFull_AreFollowedByNoEmptyOne) {
         pageCounts.insert(pdf.pages());
     }
     EXPECT_EQ(pageCounts, (std::set<int>{1, 2}));
-}
-
-/// The top of the first word of this text.
-double topOf(const std::string& boxes, const std::string& word) {
-    const auto found = matches(boxes, "yMin=\"([\\d.]+)\"[^>]*>" + word + "</word>");
-    return std::stod(found.at(0).at(1));
-}
-
-// Between lines of one font the distance is the height of a line and the space after the first. A
-// fact that is wrapped tells that height; for other sizes of the font it is as much in proportion.
-TEST(ReportPDF, SpacesBetweenParagraphs_AreThoseOfTheLayout) {
-    Report report = reportWithRows(3);
-    report.summary = {{"One", "x"}, {"Two", std::string(150, 'W') + " wrapped"}, {"Three", "x"}};
-    constexpr double rounding = 0.01;
-
-    const std::string boxes = PDF(report).tell("pdftotext", {"-bbox"});
-
-    const double first = topOf(boxes, "One:");
-    const double second = topOf(boxes, "Two:");
-    const double third = topOf(boxes, "Three:");
-    const double wrapped = topOf(boxes, "wrapped");
-    const double line = third - wrapped - 2;
-    EXPECT_NEAR(second - first, line + 2, rounding);
-    EXPECT_NEAR(std::remainder(wrapped - second, line), 0, rounding);
-    EXPECT_GT(wrapped - second, line / 2);
-    // From size 13 to 9 and on to 11 the fonts' ascents cancel each other out if the second
-    // distance is taken twice.
-    const double provenance = topOf(boxes, "keldobay");
-    EXPECT_NEAR(provenance - topOf(boxes, "A001") + 2 * (first - provenance),
-                line / 11 * (9 + 2 * 11) + 2 + 2 * 12, rounding * 4);
-    const double row = topOf(boxes, "CLIP/C00001.MXF") - topOf(boxes, "CLIP/C00000.MXF");
-    EXPECT_NEAR(topOf(boxes, "CLIP/C00000.MXF") - topOf(boxes, "File"), 2 * (row - 1) + 2 + 2,
-                rounding);
 }
 
 TEST(ReportPDF, TenThousandRows_AreAllThereWithinFiveSeconds) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ReelCore/Offload/OffloadTypes.h"
+#include "ReelCore/Reports/Report.h"
 
 #include <string>
 #include <vector>
@@ -16,5 +17,8 @@ ReelCore::FileVerification sampleFile(const std::string& relativePath, std::int6
 
 /// A run of reel A001 from /media/CARD to the drives RAID and SHUTTLE that took one minute.
 ReelCore::OffloadResult sampleOffload(std::vector<ReelCore::FileVerification> files);
+
+/// A report with two facts and a table of so many files, CLIP/C00000.MXF and on.
+ReelCore::Report reportWithRows(int count);
 
 }  // namespace TestSupport
