@@ -110,11 +110,11 @@ std::optional<std::string> UDisks::missingTool(const std::string& type) const {
 }
 
 std::string UDisks::blockObject(const URL& node, const std::string& device) const {
-    GVariantBuilder specification;
-    g_variant_builder_init(&specification, G_VARIANT_TYPE_VARDICT);
-    g_variant_builder_add(&specification, "{sv}", "path", g_variant_new_string(node.c_str()));
+    GVariantBuilder wanted;
+    g_variant_builder_init(&wanted, G_VARIANT_TYPE_VARDICT);
+    g_variant_builder_add(&wanted, "{sv}", "path", g_variant_new_string(node.c_str()));
     const Variant answer = call(manager, managerInterface, "ResolveDevice",
-                                g_variant_new("(a{sv}a{sv})", &specification, nullptr), "(ao)");
+                                g_variant_new("(a{sv}a{sv})", &wanted, nullptr), "(ao)");
     const Variant objects(g_variant_get_child_value(answer.get(), 0), g_variant_unref);
     for (gsize i = 0; i < g_variant_n_children(objects.get()); ++i) {
         const Variant child(g_variant_get_child_value(objects.get(), i), g_variant_unref);
