@@ -21,7 +21,7 @@ double luminance(const QColor& color) {
 
 /// How well text of one colour is read on the other: from 1 to 21.
 double contrast(const QColor& one, const QColor& other) {
-    const auto [dark, light] = std::minmax(luminance(one), luminance(other));
+    const auto [dark, light] = std::minmax({luminance(one), luminance(other)});
     return (light + 0.05) / (dark + 0.05);
 }
 
