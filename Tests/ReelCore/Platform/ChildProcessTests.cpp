@@ -132,7 +132,7 @@ TEST(ChildProcess, EndThatTheSystemDoesNotTell_IsAFailureAndNoSuccess) {
 }
 
 TEST(ChildProcess, MemoryDoesNotSufficeForTheOutput_LeavesNoChildBehind) {
-#ifdef __SANITIZE_ADDRESS__
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
     GTEST_SKIP() << "the sanitizer needs more room for addresses";
 #endif
     const int status = TestSupport::statusOfForked([] {
