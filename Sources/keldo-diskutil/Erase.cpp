@@ -54,6 +54,7 @@ struct ServedVolume {
     const UDisks& disks;
     std::string object;
     std::string device;  ///< "major:minor".
+    URL node;
     URL mountPoint;
     std::string uuid;
     Medium medium;
@@ -78,6 +79,7 @@ ServedVolume prepare(const UDisks& disks, const Volume& volume, const Target& ta
         return {disks,
                 object,
                 volume.device,
+                volume.node,
                 volume.mountPoint,
                 disks.uuid(object),
                 DeviceTree().medium(volume.device)};
@@ -119,10 +121,23 @@ bool isCardStillThere(const ServedVolume& volume, bool mayHaveLostItsUUID) {
     }
 }
 
+/// Returns where it is mounted. The desktop may have been first, before the service knew.
+URL mountAgain(const ServedVolume& volume) {
+    try {
+        return volume.disks.mount(volume.object);
+    } catch (const UDisksError& error) {
+        if (!error.isFailure()) throw;
+        for (const ReelCore::Mount& mount : ReelCore::mountTable()) {
+            if (mount.source == volume.node) return mount.mountPoint;
+        }
+        throw;
+    }
+}
+
 std::string mountedAgain(const ServedVolume& volume) {
     if (!isMediumStillThere(volume)) return "is no longer in its reader";
     try {
-        return "is mounted at " + volume.disks.mount(volume.object).native();
+        return "is mounted at " + mountAgain(volume).native();
     } catch (const UDisksError&) {
         return "can't be mounted again";
     }
@@ -176,7 +191,7 @@ bool canMount(std::string_view type) {
 
 void mount(const ServedVolume& volume, const Target& target, std::ostream& lines) {
     try {
-        const URL place = volume.disks.mount(volume.object);
+        const URL place = mountAgain(volume);
         lines << "It is mounted at " << place.native() << ".\n";
     } catch (const UDisksError& error) {
         if (!error.isFailure() || canMount(target.type)) {

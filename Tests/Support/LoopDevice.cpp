@@ -18,7 +18,8 @@ LoopDevice::LoopDevice(const FolderTree& content, std::int64_t mebibytes, Writin
     // Nothing is left for the kernel to write later on its own account.
     outputOf("mkfs.ext4", {"-q", "-E", "lazy_itable_init=0,lazy_journal_init=0", "-d",
                            folder_.path() / "content", image().native()});
-    std::vector<std::string> arguments{"--find", "--show", image().native()};
+    // The kernel then drops what partitions a disk before it has left on the node.
+    std::vector<std::string> arguments{"--find", "--show", "--partscan", image().native()};
     if (writing == Writing::refused) arguments.emplace_back("--read-only");
     std::string node = outputOf("losetup", arguments);
     node.erase(node.find('\n'));

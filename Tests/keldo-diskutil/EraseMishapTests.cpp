@@ -74,8 +74,10 @@ protected:
         return image;
     }
     std::string swapScript(const URL& image) const {
-        return "losetup -d $(cat " + node().native() + ")\nlosetup $(cat " + node().native() +
-               ") " + image.native() + "\n";
+        // udev may still look at the card, which keeps it in its reader for a moment.
+        return "node=$(cat " + node().native() + ")\nlosetup -d $node\n" +
+               "for try in $(seq 200); do losetup $node " + image.native() +
+               " && break; sleep 0.05; done\n";
     }
 
     /// A file that names the device of the card in the reader.

@@ -35,16 +35,16 @@ public:
         TestSupport::writeFile(folder_.path() / "table", "label: dos\n,16M,83\n,16M,83\n");
         outputOf("sh", {"-c", "sfdisk --quiet \"$1\" < \"$2\"", "sh", image().native(),
                         (folder_.path() / "table").native()});
-        node_ = outputOf("losetup", {"--find", "--show", image().native()});
+        node_ = outputOf("losetup", {"--find", "--show", "--partscan", image().native()});
         node_.erase(node_.find('\n'));
-        outputOf("partx", {"--add", node_});
+        outputOf("partx", {"--update", node_});
         for (const int number : {1, 2}) {
             outputOf("mkfs.ext4", {"-q", "-d", folder_.path() / "content", partition(number)});
         }
     }
     ~PartitionedDisk() {
         for (const int number : {1, 2}) runTool("umount", {"--all-targets", partition(number)});
-        runTool("partx", {"--delete", node_});
+        SystemServices::settle();
         runTool("losetup", {"-d", node_});
     }
     PartitionedDisk(const PartitionedDisk&) = delete;
