@@ -8,6 +8,10 @@ function(keldo_target target)
     # g++ 12 sees overlaps in "text" + std::string that can't be (its bug 105651).
     target_compile_options(${target} PRIVATE
         $<$<AND:$<CXX_COMPILER_ID:GNU>,$<VERSION_LESS:$<CXX_COMPILER_VERSION>,13>,$<NOT:$<CONFIG:Debug>>>:-Wno-restrict>)
+    # A program loads no library that it makes no use of.
+    if(NOT APPLE)
+        target_link_options(${target} PRIVATE -Wl,--as-needed)
+    endif()
     if(KELDO_WARNINGS_AS_ERRORS)
         target_compile_options(${target} PRIVATE -Werror)
     endif()

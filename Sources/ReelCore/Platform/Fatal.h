@@ -34,4 +34,35 @@ inline std::int64_t checkedAdd(std::int64_t left, std::int64_t right,
     return sum;
 }
 
+/// The difference, or a fatal fault on overflow.
+inline std::int64_t checkedSubtract(std::int64_t left, std::int64_t right,
+                                    CodeLocation where = CodeLocation::current()) {
+    std::int64_t difference = 0;
+    if (__builtin_sub_overflow(left, right, &difference)) fatal("arithmetic overflow", where);
+    return difference;
+}
+
+/// The product, or a fatal fault on overflow.
+inline std::int64_t checkedMultiply(std::int64_t left, std::int64_t right,
+                                    CodeLocation where = CodeLocation::current()) {
+    std::int64_t product = 0;
+    if (__builtin_mul_overflow(left, right, &product)) fatal("arithmetic overflow", where);
+    return product;
+}
+
+/// The quotient, cut toward zero, or a fatal fault on overflow or division by zero.
+inline std::int64_t checkedDivide(std::int64_t dividend, std::int64_t divisor,
+                                  CodeLocation where = CodeLocation::current()) {
+    if (divisor == 0) fatal("division by zero", where);
+    if (divisor == -1) return checkedSubtract(0, dividend, where);
+    return dividend / divisor;
+}
+
+/// The value without its fraction, or a fatal fault where no whole number of 64 bits is that.
+inline std::int64_t checkedInteger(double value, CodeLocation where = CodeLocation::current()) {
+    constexpr double limit = 9223372036854775808.0;
+    if (!(value >= -limit && value < limit)) fatal("impossible conversion", where);
+    return static_cast<std::int64_t>(value);
+}
+
 }  // namespace ReelCore

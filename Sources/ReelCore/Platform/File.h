@@ -33,6 +33,17 @@ public:
     /// Reads on from the current position, up to the size of `into`; 0 is the end of the file.
     std::size_t read(std::span<std::byte> into);
 
+    /// Reads from a position until `into` is full or the file ends; returns how many bytes came. A
+    /// position behind the end gives 0. The current position stays.
+    std::size_t readAt(std::int64_t offset, std::span<std::byte> into) const;
+
+    /// In bytes, as the file is now.
+    std::int64_t size() const;
+
+    /// Where stored bytes follow at or behind `offset`: what lies between is a hole and reads as
+    /// zeros. The file's size where there are none, `offset` where the file system knows no holes.
+    std::int64_t nextStored(std::int64_t offset) const;
+
     /// Writes all of `bytes` at the current position.
     void write(std::span<const std::byte> bytes);
 

@@ -25,6 +25,16 @@ bool FileSystem::exists(const URL& path) {
     return fs::exists(fs::symlink_status(path, ignored));
 }
 
+bool FileSystem::leadsSomewhere(const URL& path) {
+    std::error_code ignored;
+    return fs::exists(path, ignored);
+}
+
+bool FileSystem::isExecutable(const URL& path) {
+    std::error_code ignored;
+    return fs::is_regular_file(path, ignored) && ::access(path.c_str(), X_OK) == 0;
+}
+
 std::vector<std::string> FileSystem::names(const URL& folder) {
     const OpenFolder open = openFolder(folder, FolderLinks::follow);
     if (!open) throwSystemError(folder);

@@ -27,6 +27,12 @@ struct FileSystem {
     /// True if anything at all stands at `path`, a dangling link included.
     static bool exists(const URL& path);
 
+    /// True if a file or anything else stands where `path` leads, through links.
+    static bool leadsSomewhere(const URL& path);
+
+    /// True if a regular file that this process may execute stands where `path` leads.
+    static bool isExecutable(const URL& path);
+
     /// The names in a folder, in no order, without "." and "..". Where the system allows it, the
     /// folder's access time is left alone.
     static std::vector<std::string> names(const URL& folder);

@@ -80,6 +80,32 @@ std::size_t File::read(std::span<std::byte> into) {
     return static_cast<std::size_t>(count);
 }
 
+std::size_t File::readAt(std::int64_t offset, std::span<std::byte> into) const {
+    std::size_t done = 0;
+    while (done < into.size()) {
+        const auto rest = into.subspan(done);
+        const ssize_t count = ::pread(descriptor_, rest.data(), rest.size(),
+                                      offset + static_cast<std::int64_t>(done));
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) throwSystemError();
+        if (count == 0) break;
+        done += static_cast<std::size_t>(count);
+    }
+    return done;
+}
+
+std::int64_t File::size() const {
+    struct stat status {};
+    if (::fstat(descriptor_, &status) != 0) throwSystemError();
+    return status.st_size;
+}
+
+std::int64_t File::nextStored(std::int64_t offset) const {
+    const off_t next = ::lseek(descriptor_, offset, SEEK_DATA);
+    if (next >= 0) return next;
+    return errno == ENXIO ? size() : offset;
+}
+
 void File::write(std::span<const std::byte> bytes) {
     while (!bytes.empty()) {
         const ssize_t count = ::write(descriptor_, bytes.data(), bytes.size());

@@ -30,4 +30,10 @@ struct WalkedFile {
 bool walkFolder(const URL& root, const std::function<bool(std::string_view name)>& isIgnored,
                 const std::function<void(WalkedFile)>& visit);
 
+/// Visits the path of every regular file and every folder below `root`, and of every link that
+/// leads to one; hidden ones included, in the order of their paths. Links are not followed further;
+/// pipes, sockets and devices, and links to such, are passed over. False, SystemErrors and folders
+/// that can't be read as above.
+bool walkEntries(const URL& root, const std::function<void(const URL&)>& visit);
+
 }  // namespace ReelCore

@@ -2,6 +2,7 @@
 #include "ReelCore/Platform/OpenFolder.h"
 #include "ReelCore/Platform/SystemError.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <utility>
 #include <vector>
@@ -27,17 +28,16 @@ std::optional<Date> dateOf(const timespec& time) {
     return Date(std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec));
 }
 
-enum class Kind { file, folder, other };
-
-Kind kindOf(mode_t mode) {
-    return S_ISREG(mode) ? Kind::file : S_ISDIR(mode) ? Kind::folder : Kind::other;
-}
+/// What a walk does with an entry whose attributes can't be read.
+enum class Unreadable { fails, isPassedOver };
 
 class Walk {
 public:
+    using Visit = std::function<void(std::string path, const struct stat& status)>;
+
     Walk(const URL& root, const std::function<bool(std::string_view)>& isIgnored,
-         const std::function<void(WalkedFile)>& visit)
-        : root_(root), isIgnored_(isIgnored), visit_(visit) {}
+         Unreadable unreadable, const Visit& visit)
+        : root_(root), isIgnored_(isIgnored), unreadable_(unreadable), visit_(visit) {}
 
     bool run() {
         if (!visitFolder("", FolderLinks::follow)) return false;
@@ -82,21 +82,17 @@ private:
         struct stat status {};
         if (::fstatat(::dirfd(folder), name, &status, AT_SYMLINK_NOFOLLOW) != 0) {
             const int code = errno;
+            if (unreadable_ == Unreadable::isPassedOver) return;
             throw SystemError(code, root_ / path);
         }
-        switch (kindOf(status.st_mode)) {
-            case Kind::folder:
-                return pending_.push_back(std::move(path));
-            case Kind::file:
-                return visit_({std::move(path), status.st_size, dateOf(status.st_mtim)});
-            case Kind::other:
-                return;
-        }
+        if (S_ISDIR(status.st_mode)) pending_.push_back(path);
+        visit_(std::move(path), status);
     }
 
     const URL& root_;
     const std::function<bool(std::string_view)>& isIgnored_;
-    const std::function<void(WalkedFile)>& visit_;
+    const Unreadable unreadable_;
+    const Visit& visit_;
     std::vector<std::string> pending_;
 };
 
@@ -104,7 +100,27 @@ private:
 
 bool walkFolder(const URL& root, const std::function<bool(std::string_view name)>& isIgnored,
                 const std::function<void(WalkedFile)>& visit) {
-    return Walk(root, isIgnored, visit).run();
+    return Walk(root, isIgnored, Unreadable::fails,
+                [&](std::string path, const struct stat& status) {
+                    if (!S_ISREG(status.st_mode)) return;
+                    visit({std::move(path), status.st_size, dateOf(status.st_mtim)});
+                })
+        .run();
+}
+
+bool walkEntries(const URL& root, const std::function<void(const URL&)>& visit) {
+    const auto nothing = [](std::string_view) { return false; };
+    std::vector<URL> entries;
+    const auto keep = [&](const std::string& path, const struct stat& status) {
+        struct stat target = status;
+        URL entry = root / path;
+        if (S_ISLNK(status.st_mode) && ::stat(entry.c_str(), &target) != 0) return;
+        if (S_ISREG(target.st_mode) || S_ISDIR(target.st_mode)) entries.push_back(std::move(entry));
+    };
+    if (!Walk(root, nothing, Unreadable::isPassedOver, keep).run()) return false;
+    std::ranges::sort(entries, {}, &URL::native);
+    std::ranges::for_each(entries, visit);
+    return true;
 }
 
 }  // namespace ReelCore

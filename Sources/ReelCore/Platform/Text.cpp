@@ -8,6 +8,7 @@
 #include <unicode/brkiter.h>
 #include <unicode/normalizer2.h>
 #include <unicode/ubidi.h>
+#include <unicode/uchar.h>
 #include <unicode/unistr.h>
 #include <unicode/utext.h>
 #include <unicode/utf8.h>
@@ -119,6 +120,22 @@ std::string Text::prefix(std::string_view text, std::int64_t count) {
     return whole.substr(0, end);
 }
 
+std::string Text::suffix(std::string_view text, std::int64_t count) {
+    std::string whole = wellFormed(text);
+    const std::int64_t passedOver = characterCount(whole) - std::max<std::int64_t>(count, 0);
+    return whole.erase(0, prefix(whole, passedOver).size());
+}
+
+std::string Text::trimmed(std::string_view text) {
+    icu::UnicodeString units = decode(text);
+    const auto isBlank = [&](std::int32_t at) { return u_isUWhiteSpace(units.char32At(at)) != 0; };
+    std::int32_t begin = 0;
+    std::int32_t end = units.length();
+    while (begin < end && isBlank(begin)) ++begin;
+    while (end > begin && isBlank(end - 1)) --end;
+    return encode(units.tempSubStringBetween(begin, end));
+}
+
 bool Text::isLeftToRight(std::string_view text) {
     if (isASCII(text)) return true;
     const icu::UnicodeString units = decode(text);
@@ -147,6 +164,10 @@ std::string Text::alikeKey(std::string_view path) {
 
 std::string Text::upperCased(std::string_view text) {
     return encode(decode(text).toUpper(icu::Locale::getRoot()));
+}
+
+std::string Text::lowerCased(std::string_view text) {
+    return encode(decode(text).toLower(icu::Locale::getRoot()));
 }
 
 }  // namespace ReelCore

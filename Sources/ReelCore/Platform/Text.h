@@ -24,6 +24,12 @@ struct Text {
     /// The first `count` characters, or all if there are fewer.
     static std::string prefix(std::string_view text, std::int64_t count);
 
+    /// The last `count` characters, or all if there are fewer.
+    static std::string suffix(std::string_view text, std::int64_t count);
+
+    /// The text without white space and line ends (Unicode White_Space) at both ends.
+    static std::string trimmed(std::string_view text);
+
     /// True if every part of the text runs from left to right (UAX #9).
     static bool isLeftToRight(std::string_view text);
 
@@ -38,6 +44,9 @@ struct Text {
 
     /// The text in upper case, by the rules of no particular language.
     static std::string upperCased(std::string_view text);
+
+    /// The text in lower case, by the rules of no particular language.
+    static std::string lowerCased(std::string_view text);
 };
 
 }  // namespace ReelCore

@@ -11,16 +11,6 @@ namespace ReelCore {
 
 namespace {
 
-/// The path without slashes at its end; "/" for the root of all folders.
-URL withoutSlashAtEnd(const URL& url) {
-    return url.has_filename() ? url : url.parent_path();
-}
-
-std::string lastPathComponent(const URL& url) {
-    const URL path = withoutSlashAtEnd(url);
-    return path.has_filename() ? path.filename().native() : path.native();
-}
-
 std::string verdict(const OffloadResult& result) {
     if (result.allVerified()) return "ALL FILES VERIFIED ✓";
     return fmt::format("{} FAILED ✗", result.failures().size());

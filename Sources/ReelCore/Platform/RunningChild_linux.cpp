@@ -1,0 +1,240 @@
+#include "ReelCore/Platform/RunningChild.h"
+#include "ReelCore/Platform/SystemError.h"
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <mutex>
+#include <optional>
+#include <set>
+#include <thread>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+extern char** environ;
+
+namespace ReelCore {
+
+namespace {
+
+/// The children that some thread waits for. A child leaves the list before it is reaped, so that
+/// its number can't belong to somebody else when endAll uses it.
+class RunningChildren {
+public:
+    static RunningChildren& shared() {
+        static RunningChildren children;
+        return children;
+    }
+
+    /// Starts a child and puts it on the list in one step: endAll finds it or comes before it.
+    template <class Start>
+    pid_t add(Start start) {
+        const std::lock_guard guard(lock_);
+        return *children_.insert(start()).first;
+    }
+
+    void remove(pid_t child) {
+        const std::lock_guard guard(lock_);
+        children_.erase(child);
+    }
+
+    void end() {
+        const std::lock_guard guard(lock_);
+        for (const pid_t child : children_) ::kill(child, SIGTERM);
+    }
+
+private:
+    std::mutex lock_;
+    std::set<pid_t> children_;
+};
+
+class SpawnActions {
+public:
+    SpawnActions() { ::posix_spawn_file_actions_init(&actions_); }
+    ~SpawnActions() { ::posix_spawn_file_actions_destroy(&actions_); }
+    SpawnActions(const SpawnActions&) = delete;
+    SpawnActions& operator=(const SpawnActions&) = delete;
+
+    posix_spawn_file_actions_t* get() { return &actions_; }
+
+private:
+    posix_spawn_file_actions_t actions_{};
+};
+
+/// No signal is blocked or ignored in the child, whatever the calling thread has set up.
+class SpawnAttributes {
+public:
+    SpawnAttributes() {
+        ::posix_spawnattr_init(&attributes_);
+        sigset_t signals;
+        ::sigemptyset(&signals);
+        ::posix_spawnattr_setsigmask(&attributes_, &signals);
+        ::sigfillset(&signals);
+        ::posix_spawnattr_setsigdefault(&attributes_, &signals);
+        ::posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+    }
+    ~SpawnAttributes() { ::posix_spawnattr_destroy(&attributes_); }
+    SpawnAttributes(const SpawnAttributes&) = delete;
+    SpawnAttributes& operator=(const SpawnAttributes&) = delete;
+
+    const posix_spawnattr_t* get() const { return &attributes_; }
+
+private:
+    posix_spawnattr_t attributes_{};
+};
+
+std::vector<char*> argumentVector(const URL& program, const std::vector<std::string>& arguments) {
+    std::vector<char*> vector{const_cast<char*>(program.c_str())};
+    for (const std::string& argument : arguments) {
+        vector.push_back(const_cast<char*>(argument.c_str()));
+    }
+    vector.push_back(nullptr);
+    return vector;
+}
+
+struct Descriptors {
+    int output;
+    int error;
+};
+
+/// -1 is nowhere.
+void connect(SpawnActions& actions, int descriptor, int stream) {
+    if (descriptor >= 0) {
+        ::posix_spawn_file_actions_adddup2(actions.get(), descriptor, stream);
+    } else {
+        ::posix_spawn_file_actions_addopen(actions.get(), stream, "/dev/null", O_WRONLY, 0);
+    }
+}
+
+pid_t start(const URL& program, const std::vector<std::string>& arguments, Descriptors streams) {
+    const SpawnAttributes attributes;
+    SpawnActions actions;
+    ::posix_spawn_file_actions_addopen(actions.get(), STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+    connect(actions, streams.output, STDOUT_FILENO);
+    connect(actions, streams.error, STDERR_FILENO);
+    ::posix_spawn_file_actions_addclosefrom_np(actions.get(), STDERR_FILENO + 1);
+    pid_t child = 0;
+    const int failure = ::posix_spawn(&child, program.c_str(), actions.get(), attributes.get(),
+                                      argumentVector(program, arguments).data(), environ);
+    if (failure != 0) throw SystemError(failure, program);
+    return child;
+}
+
+}  // namespace
+
+class RunningChild::Pipe {
+public:
+    Pipe() {
+        if (::pipe2(ends_.data(), O_CLOEXEC) != 0) throwSystemError();
+    }
+    ~Pipe() {
+        closeWriteEnd();
+        closeReadEnd();
+    }
+    Pipe(const Pipe&) = delete;
+    Pipe& operator=(const Pipe&) = delete;
+
+    int writeEnd() const { return ends_[1]; }
+
+    void closeWriteEnd() { close(ends_[1]); }
+    void closeReadEnd() { close(ends_[0]); }
+
+    /// Negative patience has no end.
+    std::optional<std::size_t> read(std::span<char> into,
+                                    std::chrono::milliseconds patience) const {
+        pollfd readable{.fd = ends_[0], .events = POLLIN, .revents = 0};
+        if (::poll(&readable, 1, static_cast<int>(patience.count())) <= 0) return std::nullopt;
+        const ssize_t count = ::read(ends_[0], into.data(), into.size());
+        if (count < 0 && errno == EINTR) return std::nullopt;
+        return count < 0 ? 0 : static_cast<std::size_t>(count);
+    }
+
+private:
+    static void close(int& end) {
+        if (end >= 0) ::close(end);
+        end = -1;
+    }
+
+    std::array<int, 2> ends_{-1, -1};
+};
+
+RunningChild::RunningChild(const URL& program, const std::vector<std::string>& arguments,
+                           const Streams& streams)
+    : pipe_(std::make_unique<Pipe>()) {
+    const auto descriptor = [&](const ChildStream& stream) {
+        return stream.kind_ == ChildStream::Kind::pipe ? pipe_->writeEnd() : stream.descriptor_;
+    };
+    const Descriptors descriptors{descriptor(streams.output), descriptor(streams.error)};
+    number_ = RunningChildren::shared().add([&] { return start(program, arguments, descriptors); });
+    pipe_->closeWriteEnd();
+}
+
+RunningChild::~RunningChild() {
+    if (!isReaped_) end();
+}
+
+std::optional<std::size_t> RunningChild::read(std::span<char> into,
+                                              std::chrono::milliseconds patience) {
+    return pipe_->read(into, patience);
+}
+
+std::string RunningChild::readAll() {
+    constexpr std::chrono::milliseconds withoutEnd(-1);
+    std::string text;
+    std::array<char, 65536> block;
+    for (;;) {
+        const auto count = pipe_->read(block, withoutEnd);
+        if (count == 0U) return text;
+        if (count) text.append(block.data(), *count);
+    }
+}
+
+void RunningChild::end() {
+    pipe_->closeReadEnd();
+    ::kill(number_, SIGTERM);
+    if (!hasEndedWithin(std::chrono::milliseconds(500))) ::kill(number_, SIGKILL);
+    static_cast<void>(reap());
+}
+
+int RunningChild::wait() {
+    const std::optional<int> status = reap();
+    if (!status) throwSystemError();
+    return WIFEXITED(*status) ? WEXITSTATUS(*status) : 128 + WTERMSIG(*status);
+}
+
+void RunningChild::endAll() {
+    RunningChildren::shared().end();
+}
+
+bool RunningChild::hasEndedWithin(std::chrono::milliseconds time) const {
+    const auto limit = std::chrono::steady_clock::now() + time;
+    do {
+        siginfo_t ended{};
+        const int failure =
+            ::waitid(P_PID, static_cast<id_t>(number_), &ended, WEXITED | WNOWAIT | WNOHANG);
+        if (failure != 0 || ended.si_pid != 0) return true;
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    } while (std::chrono::steady_clock::now() < limit);
+    return false;
+}
+
+/// Absent, with `errno` set, if the system does not tell.
+std::optional<int> RunningChild::reap() {
+    siginfo_t ended{};
+    while (::waitid(P_PID, static_cast<id_t>(number_), &ended, WEXITED | WNOWAIT) != 0 &&
+           errno == EINTR) {
+    }
+    RunningChildren::shared().remove(number_);
+    isReaped_ = true;
+    int status = 0;
+    while (::waitpid(number_, &status, 0) < 0) {
+        if (errno != EINTR) return std::nullopt;
+    }
+    return status;
+}
+
+}  // namespace ReelCore

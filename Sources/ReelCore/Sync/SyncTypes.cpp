@@ -1,0 +1,16 @@
+#include "ReelCore/Sync/SyncTypes.h"
+
+#include <algorithm>
+
+namespace ReelCore {
+
+const SyncGroup::Match* SyncGroup::best() const {
+    const auto found = std::ranges::max_element(audio, {}, &Match::coverage);
+    return found == audio.end() ? nullptr : &*found;
+}
+
+std::int64_t SyncResult::syncedCount() const {
+    return std::ranges::count_if(groups, &SyncGroup::isSynced);
+}
+
+}  // namespace ReelCore

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "ReelCore/Platform/File.h"
+#include "ReelCore/Platform/TemporaryPath.h"
+
+#include <string>
+
+namespace ReelCore {
+
+/// The file that one run of ffmpeg writes its complaints to: made empty in the temporary folder,
+/// removed at the end.
+class FFmpegLog {
+public:
+    /// Throws SystemError where the file can't be made.
+    FFmpegLog();
+
+    const File& file() const { return file_; }
+
+    /// The last 8 lines that are not empty; nothing where the file can't be read.
+    std::string tail() const;
+
+private:
+    TemporaryPath path_;
+    File file_;
+};
+
+}  // namespace ReelCore

@@ -1,0 +1,53 @@
+#include "ReelCore/Vision/FrameGrabber.h"
+
+#include "ReelCore/Platform/ChildProcess.h"
+#include "ReelCore/Platform/Fatal.h"
+#include "ReelCore/Platform/File.h"
+#include "ReelCore/Platform/FileSystem.h"
+#include "ReelCore/Platform/Number.h"
+#include "ReelCore/Transcode/MediaQuery.h"
+#include "ReelCore/Transcribe/TranscribeError.h"
+
+#include <cmath>
+#include <exception>
+
+#include <fmt/format.h>
+#include <opencv2/imgcodecs.hpp>
+
+namespace ReelCore {
+
+URL FrameGrabber::grabFile(const URL& url, double seconds, const URL& directory) const {
+    const auto ffmpeg = ff.ffmpeg();
+    if (!ffmpeg) throw TranscribeError(TranscribeError::FFmpegNotFound{});
+    FileSystem::createFolders(directory);
+    const std::int64_t milliseconds = checkedInteger(std::round(seconds * 1000.0));
+    URL output = directory / fmt::format("frame_{}.jpg", milliseconds);
+    const std::string time = shortestDecimal(seconds);
+    const int status =
+        ChildProcess::status(*ffmpeg, {"-y", "-v", "error", "-ss", time, "-i", toolPath(url),
+                                       "-frames:v", "1", "-q:v", "2", toolPath(output)});
+    if (status != 0 || !FileSystem::leadsSomewhere(output)) {
+        throw TranscribeError(
+            TranscribeError::ExtractionFailed{fmt::format("frame grab at {}s failed", time)});
+    }
+    return output;
+}
+
+std::optional<StillImage> FrameGrabber::loadCGImage(const URL& url) {
+    try {
+        const File file = File::openForReading(url);
+        std::vector<std::byte> bytes(static_cast<std::size_t>(file.size()));
+        bytes.resize(file.readAt(0, bytes));
+        if (bytes.empty()) return std::nullopt;
+        const cv::Mat encoded(1, static_cast<int>(bytes.size()), CV_8UC1, bytes.data());
+        const cv::Mat image =
+            cv::imdecode(encoded, cv::IMREAD_COLOR | cv::IMREAD_IGNORE_ORIENTATION);
+        if (image.empty() || !image.isContinuous()) return std::nullopt;
+        return StillImage{image.cols, image.rows,
+                          std::vector<std::uint8_t>(image.datastart, image.dataend)};
+    } catch (const std::exception&) {
+        return std::nullopt;
+    }
+}
+
+}  // namespace ReelCore

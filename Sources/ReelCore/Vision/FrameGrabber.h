@@ -1,0 +1,28 @@
+#pragma once
+
+#include "ReelCore/Platform/URL.h"
+#include "ReelCore/Transcode/FFmpegLocator.h"
+#include "ReelCore/Vision/StillImage.h"
+
+#include <optional>
+
+namespace ReelCore {
+
+/// Single frames of a clip as stills. Any thread.
+struct FrameGrabber {
+    FFmpegLocator ff;
+
+    bool isAvailable() const { return ff.isAvailable(); }
+
+    /// Writes the frame at `seconds` from the clip's beginning to "frame_MILLISECONDS.jpg" in
+    /// `directory`, which is made, and returns where; a frame of the same millisecond is replaced.
+    /// Blocks until ffmpeg has ended. Throws TranscribeError: FFmpegNotFound, ExtractionFailed
+    /// where no frame came; SystemError where the folder can't be made or ffmpeg not be started. A
+    /// time that is no number is a fatal fault.
+    URL grabFile(const URL& url, double seconds, const URL& directory) const;
+
+    /// Loads a picture as it is stored, without turning it; absent for a file that is none.
+    static std::optional<StillImage> loadCGImage(const URL& url);
+};
+
+}  // namespace ReelCore
