@@ -1,4 +1,3 @@
-#include "ReelCore/Models/Version.h"
 #include "ReelCore/Offload/OffloadTypes.h"
 #include "ReelCore/Platform/UserAccount.h"
 #include "ReelCore/Reports/Report.h"
@@ -58,7 +57,7 @@ Report Report::offload(const OffloadResult& result, const std::optional<std::str
             .summary = ReelCore::summary(result, project, operatorName),
             .table = ReelCore::table(result),
             .generatedAt = now(),
-            .tool = fmt::format("{} {}", toolName, ReelCoreVersion)};
+            .tool = toolOnPaper()};
 }
 
 }  // namespace ReelCore

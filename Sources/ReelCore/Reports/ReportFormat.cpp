@@ -1,5 +1,6 @@
 #include "ReelCore/Reports/ReportFormat.h"
 
+#include "ReelCore/Models/Version.h"
 #include "ReelCore/Platform/DateText.h"
 
 #include <array>
@@ -21,6 +22,10 @@ std::string humanBytes(std::int64_t bytes) {
 
 std::string dateTime(Date date) {
     return DateText::localDateTime(date);
+}
+
+std::string toolOnPaper() {
+    return fmt::format("{} {}", toolName, ReelCoreVersion);
 }
 
 }  // namespace ReelCore

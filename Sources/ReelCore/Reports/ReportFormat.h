@@ -14,4 +14,7 @@ std::string humanBytes(std::int64_t bytes);
 /// A date for paper: "yyyy-MM-dd HH:mm:ss" in the local time zone.
 std::string dateTime(Date date);
 
+/// The tool that made a report, by name and version.
+std::string toolOnPaper();
+
 }  // namespace ReelCore
