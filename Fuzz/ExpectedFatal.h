@@ -1,0 +1,42 @@
+#pragma once
+
+#include "ReelCore/Platform/Fatal.h"
+
+#include <csetjmp>
+#include <cstdio>
+#include <cstdlib>
+
+#include <sanitizer/lsan_interface.h>
+
+/// For targets whose inputs may rightly end the process. Include it in one source file of the
+/// program: it defines ReelCore::fatal, so that the linker leaves the library's own where it is.
+namespace ExpectedFatal {
+
+inline std::jmp_buf* wayBack = nullptr;
+
+/// Does `work`, and returns whether it came to its end; false is a fatal fault on the way. What
+/// `work` held then is never destroyed, as in a process that ends, so leaks in it are passed over.
+/// One at a time: `work` can't call this again.
+template <class Work>
+bool endsWell(const Work& work) {
+    const __lsan::ScopedDisabler leaksArePassedOver;
+    std::jmp_buf here;
+    wayBack = &here;
+    if (setjmp(here) != 0) {
+        wayBack = nullptr;
+        return false;
+    }
+    work();
+    wayBack = nullptr;
+    return true;
+}
+
+}  // namespace ExpectedFatal
+
+/// A fatal fault that no endsWell() waits for is a finding.
+void ReelCore::fatal(std::string_view what, CodeLocation where) noexcept {
+    if (ExpectedFatal::wayBack != nullptr) std::longjmp(*ExpectedFatal::wayBack, 1);
+    std::fprintf(stderr, "fatal: %.*s in %s (%s:%d)\n", static_cast<int>(what.size()), what.data(),
+                 where.function, where.file, where.line);
+    std::abort();
+}
