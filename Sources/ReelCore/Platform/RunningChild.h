@@ -54,14 +54,15 @@ public:
     RunningChild& operator=(const RunningChild&) = delete;
 
     /// Waits up to `patience` for the child to write and reads what is there, at most `into`: 0 at
-    /// the end of the stream, absent if nothing came.
+    /// the end of the stream, as after `end`; absent if nothing came.
     std::optional<std::size_t> read(std::span<char> into, std::chrono::milliseconds patience);
 
     /// Reads to the end of the stream.
     std::string readAll();
 
     /// Closes the stream, asks the child to end (SIGTERM), and makes it end (SIGKILL) if it has not
-    /// after half a second; then waits for that.
+    /// after half a second; then waits for that. Does nothing to a child that has been waited for.
+    /// A child of the child is not asked; it loses whom it writes to.
     void end();
 
     /// Waits for the child's end and gives its exit status, for a child that a signal ended 128 and

@@ -146,6 +146,7 @@ public:
     /// Negative patience has no end.
     std::optional<std::size_t> read(std::span<char> into,
                                     std::chrono::milliseconds patience) const {
+        if (ends_[0] < 0) return 0;
         pollfd readable{.fd = ends_[0], .events = POLLIN, .revents = 0};
         if (::poll(&readable, 1, static_cast<int>(patience.count())) <= 0) return std::nullopt;
         const ssize_t count = ::read(ends_[0], into.data(), into.size());
@@ -174,7 +175,7 @@ RunningChild::RunningChild(const URL& program, const std::vector<std::string>& a
 }
 
 RunningChild::~RunningChild() {
-    if (!isReaped_) end();
+    end();
 }
 
 std::optional<std::size_t> RunningChild::read(std::span<char> into,
@@ -195,6 +196,7 @@ std::string RunningChild::readAll() {
 
 void RunningChild::end() {
     pipe_->closeReadEnd();
+    if (isReaped_) return;
     ::kill(number_, SIGTERM);
     if (!hasEndedWithin(std::chrono::milliseconds(500))) ::kill(number_, SIGKILL);
     static_cast<void>(reap());

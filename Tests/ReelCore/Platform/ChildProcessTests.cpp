@@ -62,6 +62,37 @@ TEST(ChildProcess, StandardInput_IsEmpty) {
     EXPECT_EQ(shell("cat; echo end").output, "end\n");
 }
 
+constexpr const char* tenMegabytesToOutput = "head -c 10000000 /dev/zero; echo err >&2; exit 3";
+constexpr const char* tenMegabytesToError = "head -c 10000000 /dev/zero >&2; echo out; exit 3";
+
+TEST(ChildProcess, ReadError_OfAChildThatWritesMuchElsewhere_IsTheErrorsAlone) {
+    const auto outcome = ChildProcess::readError("/bin/sh", {"-c", tenMegabytesToOutput});
+
+    EXPECT_EQ(outcome.status, 3);
+    EXPECT_EQ(outcome.output, "err\n");
+}
+
+TEST(ChildProcess, ReadOutput_OfAChildThatWritesMuchElsewhere_IsTheOutputAlone) {
+    const auto outcome = ChildProcess::readOutput("/bin/sh", {"-c", tenMegabytesToError});
+
+    EXPECT_EQ(outcome.status, 3);
+    EXPECT_EQ(outcome.output, "out\n");
+}
+
+TEST(ChildProcess, Status_OfAChildThatWritesMuch_IsItsExitStatus) {
+    EXPECT_EQ(ChildProcess::status("/bin/sh", {"-c", tenMegabytesToOutput}), 3);
+    EXPECT_EQ(ChildProcess::status("/bin/sh", {"-c", tenMegabytesToError}), 3);
+    EXPECT_EQ(ChildProcess::status("/bin/sh", {"-c", "kill -KILL $$"}), 128 + SIGKILL);
+}
+
+TEST(ChildProcess, ProgramThatCannotBeStarted_FailsInEachForm) {
+    const URL missing = "/no/such/program";
+
+    EXPECT_THROW(ChildProcess::readOutput(missing, {}), SystemError);
+    EXPECT_THROW(ChildProcess::readError(missing, {}), SystemError);
+    EXPECT_THROW(ChildProcess::status(missing, {}), SystemError);
+}
+
 TEST(ChildProcess, MissingProgram_FailsWithItsPath) {
     try {
         ChildProcess::run("/no/such/program", {});

@@ -1,0 +1,178 @@
+#include "ReelCore/Platform/RunningChild.h"
+#include "Shell.h"
+#include "Support/FolderTree.h"
+
+#include <csignal>
+#include <filesystem>
+#include <future>
+#include <stdexcept>
+#include <thread>
+
+#include <gtest/gtest.h>
+
+namespace ReelCore {
+
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+using TestSupport::TemporaryFolder;
+
+/// False for a process that nobody has waited for.
+bool isGone(pid_t process) {
+    return ::kill(process, 0) != 0 && errno == ESRCH;
+}
+
+/// A grandchild becomes the child of another process, which needs its time to wait for it.
+bool isGoneInTime(pid_t process) {
+    const auto limit = steady_clock::now() + longEnough;
+    while (!isGone(process)) {
+        if (steady_clock::now() > limit) return false;
+        std::this_thread::sleep_for(milliseconds(5));
+    }
+    return true;
+}
+
+TEST(RunningChild, EndOfAChildThatRuns_AsksItToEnd) {
+    const TemporaryFolder folder;
+    const URL asked = folder.path() / "asked";
+    Shell child("trap 'touch " + asked.native() +
+                "; exit' TERM; echo $$; while :; do sleep 0.01; done");
+    const pid_t number = child.readNumber();
+
+    child.end();
+
+    EXPECT_TRUE(isGone(number));
+    EXPECT_TRUE(std::filesystem::exists(asked));
+}
+
+TEST(RunningChild, EndOfAChildThatHasEnded_LeavesNothingOfIt) {
+    Shell child("echo $$");
+    const pid_t number = child.readNumber();
+    child.readAll();
+
+    child.end();
+
+    EXPECT_TRUE(isGone(number));
+}
+
+TEST(RunningChild, EndOfAChildThatIgnoresTheRequest_EndsItWithinASecond) {
+    Shell child("trap '' TERM; echo $$; while :; do sleep 0.01; done");
+    const pid_t number = child.readNumber();
+
+    const auto before = steady_clock::now();
+    child.end();
+    const auto took = steady_clock::now() - before;
+
+    EXPECT_TRUE(isGone(number));
+    EXPECT_GE(took, milliseconds(499)) << "it was given no time";
+    EXPECT_LT(took, milliseconds(1000));
+}
+
+TEST(RunningChild, EndOfAChildThatIsStopped_EndsItWithinASecond) {
+    Shell child("echo $$; kill -STOP $$; sleep 600");
+    const pid_t number = child.readNumber();
+    siginfo_t stopped{};
+    ASSERT_EQ(::waitid(P_PID, static_cast<id_t>(number), &stopped, WSTOPPED | WNOWAIT), 0);
+
+    const auto before = steady_clock::now();
+    child.end();
+
+    EXPECT_TRUE(isGone(number));
+    EXPECT_LT(steady_clock::now() - before, milliseconds(1000));
+}
+
+TEST(RunningChild, EndOfAChildThatWritesWithoutPause_DoesNotWaitForItsReader) {
+    Shell child("echo $$; trap '' TERM PIPE; exec yes");
+    const pid_t number = child.readNumber();
+
+    child.end();
+
+    EXPECT_TRUE(isGone(number));
+}
+
+TEST(RunningChild, AfterEnd_StreamIsAtItsEndAndMoreEndsDoNothing) {
+    Shell child("echo $$; exec sleep 600");
+    const pid_t number = child.readNumber();
+    std::array<char, 16> block{};
+    child.end();
+
+    child.end();
+
+    EXPECT_EQ(child.read(block, longEnough), 0U);
+    EXPECT_EQ(child.readAll(), "");
+    EXPECT_TRUE(isGone(number));
+}
+
+TEST(RunningChild, AfterWait_EndLeavesOtherProcessesAlone) {
+    Shell child("exit 0", {});
+    EXPECT_EQ(child.wait(), 0);
+
+    child.end();
+
+    EXPECT_TRUE(hasNoChildren());
+}
+
+TEST(RunningChild, LeftByAnException_IsEnded) {
+    pid_t number = 0;
+    const auto failingWork = [&] {
+        Shell child("echo $$; exec sleep 600");
+        number = child.readNumber();
+        throw std::runtime_error("no room");
+    };
+
+    EXPECT_THROW(failingWork(), std::runtime_error);
+
+    ASSERT_GT(number, 0);
+    EXPECT_TRUE(isGone(number));
+}
+
+// The grandchild holds the stream open: who waits for its end would wait for ever.
+TEST(RunningChild, EndWithAGrandchildThatHoldsTheStream_DoesNotWaitForIt) {
+    Shell child("sh -c 'echo $$; while sleep 0.01; do echo .; done' & wait");
+    const pid_t grandchild = child.readNumber();
+
+    child.end();
+
+    EXPECT_TRUE(isGoneInTime(grandchild)) << "it can write though nobody reads";
+}
+
+TEST(RunningChild, EndAll_AsksEachChildThatRuns) {
+    Shell one("echo $$; exec sleep 600");
+    Shell other("echo $$; exec sleep 600");
+    Shell ended("exit 0", {});
+    one.readLine();
+    other.readLine();
+    EXPECT_EQ(ended.wait(), 0);
+
+    RunningChild::endAll();
+
+    EXPECT_EQ(one.wait(), 128 + SIGTERM);
+    EXPECT_EQ(other.wait(), 128 + SIGTERM);
+}
+
+TEST(RunningChild, EndAllWhileThreadsStartChildren_EndsThemAll) {
+    std::vector<std::future<int>> children;
+    std::promise<void> go;
+    const auto started = go.get_future().share();
+    for (int i = 0; i < 8; ++i) {
+        children.push_back(std::async(std::launch::async, [started] {
+            started.wait();
+            Shell child("exec sleep 600", {});
+            return child.wait();
+        }));
+    }
+
+    go.set_value();
+
+    for (auto& child : children) {
+        while (child.wait_for(milliseconds(5)) != std::future_status::ready) {
+            RunningChild::endAll();
+        }
+        EXPECT_EQ(child.get(), 128 + SIGTERM);
+    }
+}
+
+}  // namespace
+
+}  // namespace ReelCore
