@@ -10,9 +10,12 @@ std::string littleEndian(std::uint64_t number, int bytes) {
     return text;
 }
 
+std::string riffHeader(std::string_view id, std::uint32_t size) {
+    return std::string(id) + littleEndian(size, 4);
+}
+
 std::string riffChunk(std::string_view id, std::string_view payload) {
-    std::string chunk(id);
-    chunk += littleEndian(payload.size(), 4);
+    std::string chunk = riffHeader(id, static_cast<std::uint32_t>(payload.size()));
     chunk += payload;
     if (payload.size() % 2 == 1) chunk += '\0';
     return chunk;

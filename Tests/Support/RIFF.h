@@ -9,6 +9,9 @@ namespace TestSupport {
 /// A number as `bytes` bytes, the lowest first.
 std::string littleEndian(std::uint64_t number, int bytes);
 
+/// The eight bytes in front of a chunk's payload, whatever really follows.
+std::string riffHeader(std::string_view id, std::uint32_t size);
+
 /// A RIFF chunk: its id, its size, its payload, and a zero byte where the size is odd.
 std::string riffChunk(std::string_view id, std::string_view payload);
 
@@ -23,7 +26,7 @@ struct Recording {
     double seconds = 1.0;             ///< Of silence.
     std::uint64_t timeReference = 0;  ///< Samples since midnight.
     bool hasBroadcastExtension = true;
-    std::string iXML;  ///< Empty for no such chunk; it stands behind the sound.
+    std::string iXML = {};  ///< Empty for no such chunk; it stands behind the sound.
 };
 
 /// The payload of a "fmt " chunk for PCM sound, 16 bytes.

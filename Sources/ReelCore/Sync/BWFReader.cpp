@@ -6,36 +6,44 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <cstring>
 #include <span>
 
 namespace ReelCore {
 
 namespace {
 
-/// A file by pieces: small reads that lie close together cost one.
+/// A file by pieces: small reads that lie close together cost one. Going forward, no byte is read
+/// twice but the few that lie across the end of a piece.
 class Window {
 public:
+    static constexpr std::size_t pieceSize = 4096;
+
     explicit Window(const URL& url) : file_(File::openForReading(url)) {}
 
-    /// The bytes at `offset`, at most 4096 and fewer only where the file ends. Valid until the next
-    /// call.
-    std::span<const std::byte> at(std::int64_t offset, std::size_t count) {
-        if (offset < begin_ || offset + static_cast<std::int64_t>(count) > begin_ + held_) {
-            begin_ = offset;
-            held_ = static_cast<std::int64_t>(file_.readAt(offset, buffer_));
-        }
-        const auto inside = static_cast<std::size_t>(offset - begin_);
-        const auto held = std::span(buffer_).first(static_cast<std::size_t>(held_));
-        return held.subspan(inside, std::min(count, held.size() - inside));
+    /// All bytes at hand on from `offset`: at least `least`, which is no more than a piece, and
+    /// fewer only where the file ends. Valid until the next call.
+    std::span<const std::byte> from(std::int64_t offset, std::size_t least) {
+        const std::int64_t end = begin_ + std::ssize(held_);
+        const bool isShort = offset + static_cast<std::int64_t>(least) > end && !isLast_;
+        if (offset < begin_ || offset > end || isShort) fill(offset);
+        return held_.subspan(static_cast<std::size_t>(offset - begin_));
     }
 
     const File& file() const { return file_; }
 
 private:
+    void fill(std::int64_t offset) {
+        begin_ = offset;
+        held_ = std::span(buffer_).first(file_.readAt(offset, buffer_));
+        isLast_ = held_.size() < buffer_.size();
+    }
+
     File file_;
-    std::array<std::byte, 4096> buffer_;
+    std::array<std::byte, pieceSize> buffer_;
     std::int64_t begin_ = 0;
-    std::int64_t held_ = 0;
+    std::span<const std::byte> held_;  ///< What stands in the file on from `begin_`.
+    bool isLast_ = false;              ///< The file ends with it.
 };
 
 struct Chunk {
@@ -50,11 +58,14 @@ struct Facts {
     std::uint16_t blockAlign = 0;
     double dataBytes = 0.0;
     std::uint64_t timeReference = 0;
-    std::string iXML;
+    std::optional<Chunk> iXML;
 };
 
+/// The payload's first `most` bytes, or all that there are.
 std::span<const std::byte> beginningOf(Window& window, const Chunk& chunk, std::int64_t most) {
-    return window.at(chunk.payload, static_cast<std::size_t>(std::min(chunk.size, most)));
+    const auto count = static_cast<std::size_t>(std::min(chunk.size, most));
+    const auto bytes = window.from(chunk.payload, count);
+    return bytes.first(std::min(count, bytes.size()));
 }
 
 void readFormat(Facts& facts, std::span<const std::byte> payload) {
@@ -70,22 +81,13 @@ void readBroadcastExtension(Facts& facts, std::span<const std::byte> payload) {
     if (const auto samples = cursor.littleEndian<std::uint64_t>()) facts.timeReference = *samples;
 }
 
-std::string readText(const File& file, const Chunk& chunk) {
-    // No slate is that long; a damaged size must not fill the memory.
-    constexpr std::int64_t longest = std::int64_t{16} << 20U;
-    const std::int64_t there = std::max<std::int64_t>(file.size() - chunk.payload, 0);
-    std::string text(static_cast<std::size_t>(std::min({chunk.size, there, longest})), '\0');
-    text.resize(file.readAt(chunk.payload, std::as_writable_bytes(std::span(text))));
-    return text;
-}
-
 void take(Facts& facts, Window& window, const Chunk& chunk) {
     if (chunk.id == "fmt ") {
         readFormat(facts, beginningOf(window, chunk, 14));
     } else if (chunk.id == "bext") {
         readBroadcastExtension(facts, beginningOf(window, chunk, 346));
     } else if (chunk.id == "iXML" || chunk.id == "ixml") {
-        facts.iXML = readText(window.file(), chunk);
+        facts.iXML = chunk;
     } else if (chunk.id == "data") {
         facts.dataBytes = static_cast<double>(chunk.size);
     }
@@ -93,57 +95,57 @@ void take(Facts& facts, Window& window, const Chunk& chunk) {
 
 constexpr std::int64_t headerSize = 8;
 
-/// Where, on from `offset`, a header stands that is not all zeros.
-std::int64_t behindEmptyChunks(const File& file, std::int64_t offset) {
-    constexpr std::size_t largestBlock = std::size_t{1} << 20U;
-    for (std::vector<std::byte> block(4096);;
-         block.resize(std::min(block.size() * 2, largestBlock))) {
-        offset += (file.nextStored(offset) - offset) / headerSize * headerSize;
-        const auto read = std::span(block).first(file.readAt(offset, block));
-        const auto stored =
-            std::ranges::find_if(read, [](std::byte b) { return b != std::byte{}; });
-        offset += (stored - read.begin()) / headerSize * headerSize;
-        if (stored != read.end() || read.size() < block.size()) return offset;
+/// How many zeros `bytes`, no more than a piece, begin with.
+std::int64_t zerosInFront(std::span<const std::byte> bytes) {
+    static constexpr std::array<std::byte, Window::pieceSize> zeros{};
+    if (std::memcmp(bytes.data(), zeros.data(), bytes.size()) == 0) return std::ssize(bytes);
+    return std::ranges::find_if(bytes, [](std::byte b) { return b != std::byte{}; }) -
+           bytes.begin();
+}
+
+/// Where, on from `offset`, a header stands that is not all zeros. Silence behind a "data" chunk
+/// that never got its size would else be taken for millions of empty chunks.
+std::int64_t behindEmptyChunks(Window& window, std::int64_t offset) {
+    for (;;) {
+        const auto held = window.from(offset, headerSize);
+        const std::int64_t zeros = zerosInFront(held);
+        offset += zeros / headerSize * headerSize;
+        if (zeros < std::ssize(held) || zeros < headerSize) return offset;
+        offset += (window.file().nextStored(offset) - offset) / headerSize * headerSize;
     }
 }
 
-/// Goes over the chunk headers from front to back, whatever they claim.
-class ChunkWalk {
-public:
-    ChunkWalk(Window& window, std::int64_t offset) : window_(window), offset_(offset) {}
-
-    /// Absent where no whole header stands.
-    std::optional<Chunk> next() {
-        // Silence without a size reads as millions of empty chunks, one after the other.
-        constexpr int manyEmptyChunks = 512;
-        if (emptyChunks_ == manyEmptyChunks) offset_ = behindEmptyChunks(window_.file(), offset_);
-        ByteCursor header(window_.at(offset_, headerSize));
-        const auto id = header.text(4);
-        const auto size = header.littleEndian<std::uint32_t>();
-        if (!id || !size) return std::nullopt;
-        const bool isEmpty = *size == 0 && id->find_first_not_of('\0') == id->npos;
-        emptyChunks_ = isEmpty && emptyChunks_ < manyEmptyChunks ? emptyChunks_ + 1 : 0;
-        Chunk chunk{std::string(*id), offset_ + headerSize, *size};
-        offset_ = chunk.payload + chunk.size + chunk.size % 2;
-        return chunk;
-    }
-
-private:
-    Window& window_;
-    std::int64_t offset_;
-    int emptyChunks_ = 0;
-};
+/// The chunk whose header stands at `offset`; absent where no whole header does.
+std::optional<Chunk> chunkAt(Window& window, std::int64_t offset) {
+    ByteCursor header(window.from(offset, headerSize));
+    const auto id = header.text(4);
+    const auto size = header.littleEndian<std::uint32_t>();
+    if (!id || !size) return std::nullopt;
+    return Chunk{std::string(*id), offset + headerSize, *size};
+}
 
 Facts factsOf(Window& window) {
     constexpr std::int64_t riffHeaderSize = 12;
-    ByteCursor riff(window.at(0, riffHeaderSize));
+    ByteCursor riff(window.from(0, riffHeaderSize));
     if (riff.text(4) != "RIFF" || !riff.skip(4) || riff.text(4) != "WAVE") {
         throw BWFReader::BWFError(BWFReader::BWFError::NotRIFF{});
     }
     Facts facts;
-    ChunkWalk walk(window, riffHeaderSize);
-    while (const auto chunk = walk.next()) take(facts, window, *chunk);
+    std::int64_t offset = riffHeaderSize;
+    while (const auto chunk = chunkAt(window, behindEmptyChunks(window, offset))) {
+        take(facts, window, *chunk);
+        offset = chunk->payload + chunk->size + chunk->size % 2;
+    }
     return facts;
+}
+
+std::string readText(const File& file, const Chunk& chunk) {
+    // No slate is that long; a damaged size must not fill the memory.
+    constexpr std::int64_t longest = std::int64_t{16} << 20U;
+    const std::int64_t there = std::max<std::int64_t>(file.size() - chunk.payload, 0);
+    std::string text(static_cast<std::size_t>(std::min({chunk.size, there, longest})), '\0');
+    text.resize(file.readAt(chunk.payload, std::as_writable_bytes(std::span(text))));
+    return text;
 }
 
 }  // namespace
@@ -159,7 +161,7 @@ AudioClip BWFReader::read(const URL& url) {
         clip.startSeconds = static_cast<double>(facts.timeReference) / facts.sampleRate;
         clip.duration = frames / facts.sampleRate;
     }
-    IXML slate = parseIXML(facts.iXML);
+    IXML slate = parseIXML(facts.iXML ? readText(window.file(), *facts.iXML) : std::string());
     clip.scene = std::move(slate.scene);
     clip.take = std::move(slate.take);
     clip.tape = std::move(slate.tape);

@@ -1,0 +1,233 @@
+// What a read costs, whatever the file's size: counted calls, bytes and memory, not times.
+
+#include "BWFFixture.h"
+#include "ReelCore/Platform/SystemError.h"
+#include "Support/Forked.h"
+
+#include <algorithm>
+#include <array>
+#include <map>
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+using namespace ReelCore;
+using namespace TestSupport;
+
+namespace {
+
+constexpr std::int64_t mebibyte = 1 << 20U;
+constexpr std::int64_t gibibyte = 1 << 30U;
+
+/// What this thread has read so far.
+struct Reads {
+    std::int64_t calls = 0;
+    std::int64_t bytes = 0;
+};
+
+/// The kernel's own count, and the length of the text that tells it.
+std::pair<Reads, std::int64_t> countedReads() {
+    const int descriptor = ::open("/proc/thread-self/io", O_RDONLY | O_CLOEXEC);
+    if (descriptor < 0) throwSystemError("/proc/thread-self/io");
+    std::array<char, 512> buffer{};
+    const ssize_t length = ::read(descriptor, buffer.data(), buffer.size());
+    ::close(descriptor);
+    const std::string text(buffer.data(), static_cast<std::size_t>(std::max<ssize_t>(length, 0)));
+    const auto number = [&](const std::string& name) {
+        return std::stoll(text.substr(text.find(name + ": ") + name.size() + 2));
+    };
+    return {{number("syscr"), number("rchar")}, length};
+}
+
+struct CountedClip {
+    AudioClip clip;
+    Reads reads;
+};
+
+CountedClip countedRead(const URL& recording) {
+    const auto [before, length] = countedReads();
+    AudioClip clip = BWFReader::read(recording);
+    const auto [after, ignored] = countedReads();
+    return {std::move(clip), {after.calls - before.calls - 1, after.bytes - before.bytes - length}};
+}
+
+/// A file with these pieces at these places, holes between them, and a hole behind up to `size`.
+void writeSparse(const URL& path, const std::map<std::int64_t, std::string>& pieces,
+                 std::int64_t size) {
+    const int descriptor = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+    if (descriptor < 0) throwSystemError(path);
+    bool isWritten = true;
+    for (const auto& [offset, bytes] : pieces) {
+        const ssize_t count = ::pwrite(descriptor, bytes.data(), bytes.size(), offset);
+        isWritten = isWritten && count == std::ssize(bytes);
+    }
+    isWritten = ::ftruncate(descriptor, size) == 0 && isWritten;
+    ::close(descriptor);
+    if (!isWritten) throwSystemError(path);
+}
+
+/// The memory in KiB by which a read of the recording raises this process's peak. In a process of
+/// its own only: a peak never falls.
+std::int64_t peakRaisedBy(const URL& recording) {
+    rusage before{};
+    rusage after{};
+    ::getrusage(RUSAGE_SELF, &before);
+    BWFReader::read(recording);
+    ::getrusage(RUSAGE_SELF, &after);
+    return after.ru_maxrss - before.ru_maxrss;
+}
+
+/// The beginning of a recording up to its sound, which claims this many bytes.
+std::string beginning(std::uint32_t soundSize) {
+    return "RIFF" + littleEndian(0xFFFFFFFF, 4) + "WAVE" + plainFormat() +
+           broadcastChunk(172800000) + riffHeader("data", soundSize);
+}
+
+const std::string slate = riffChunk("iXML", "<SCENE>12</SCENE><NAME>Boom</NAME>");
+
+class BWFCostTest : public BWFTest {
+protected:
+    URL recording() const { return at("T001.WAV"); }
+
+    /// A recording of 12 GiB, nearly all a hole, whose slate stands at its very end.
+    void writeLong(const std::map<std::int64_t, std::string>& pieces,
+                   std::int64_t slatePlace) const {
+        auto all = pieces;
+        all[slatePlace] = slate;
+        writeSparse(recording(), all, slatePlace + std::ssize(slate));
+    }
+};
+
+}  // namespace
+
+TEST_F(BWFCostTest, Read_ShortRecording_TakesThreeReads) {
+    writeFile(recording(), broadcastWAV({.seconds = 0.01, .iXML = "<SCENE>12</SCENE>"}));
+
+    const Reads cost = countedRead(recording()).reads;
+
+    EXPECT_LE(cost.calls, 3) << "the file, its end, the slate";
+    EXPECT_LE(cost.bytes, 2 * 4096);
+}
+
+TEST_F(BWFCostTest, Read_SlateBehindTheSound_TakesFourReads) {
+    writeFile(recording(), broadcastWAV({.seconds = 10.0, .iXML = "<SCENE>12</SCENE>"}));
+
+    const Reads cost = countedRead(recording()).reads;
+
+    EXPECT_LE(cost.calls, 4) << "the beginning, what follows the sound, its end, the slate";
+    EXPECT_LE(cost.bytes, 2 * 4096);
+}
+
+TEST_F(BWFCostTest, Read_12GBOfSoundInThreeChunks_TakesAHandfulOfReads) {
+    constexpr std::uint32_t soundSize = 0xFFFFFFF0;
+    const std::int64_t first = std::ssize(beginning(soundSize)) + soundSize;
+    const std::int64_t second = first + 8 + soundSize;
+    writeLong({{0, beginning(soundSize)},
+               {first, riffHeader("junk", soundSize)},
+               {second, riffHeader("data", soundSize)}},
+              second + 8 + soundSize);
+
+    const auto [clip, cost] = countedRead(recording());
+
+    EXPECT_EQ(clip.scene, "12");
+    EXPECT_EQ(clip.duration, 4294967280.0 / 3.0 / 48000.0);
+    EXPECT_LE(cost.calls, 6);
+    EXPECT_LE(cost.bytes, 6 * 4096);
+}
+
+TEST_F(BWFCostTest, Read_LargestSoundSizeIn12GB_TakesAHandfulOfReads) {
+    constexpr std::uint32_t soundSize = 0xFFFFFFFF;
+    const std::int64_t behind = std::ssize(beginning(soundSize)) + soundSize + 1;
+    writeLong({{0, beginning(soundSize)}}, behind + 8 * gibibyte);
+
+    const auto [clip, cost] = countedRead(recording());
+
+    EXPECT_EQ(clip.scene, "12");
+    EXPECT_EQ(clip.startSeconds, 3600.0);
+    EXPECT_LE(cost.calls, 6);
+    EXPECT_LE(cost.bytes, 6 * 4096);
+}
+
+TEST_F(BWFCostTest, Read_SoundSizeNeverWrittenIn12GB_TakesAHandfulOfReads) {
+    writeLong({{0, beginning(0)}}, std::ssize(beginning(0)) + 12 * gibibyte);
+
+    const auto [clip, cost] = countedRead(recording());
+
+    EXPECT_EQ(clip.scene, "12");
+    EXPECT_EQ(clip.duration, 0.0);
+    EXPECT_LE(cost.calls, 6);
+    EXPECT_LE(cost.bytes, 6 * 4096);
+}
+
+TEST_F(BWFCostTest, Read_HoleUpToTheEnd_TakesAHandfulOfReads) {
+    writeSparse(recording(), {{0, beginning(0)}}, 12 * gibibyte + 5);
+
+    EXPECT_LE(countedRead(recording()).reads.calls, 6);
+}
+
+TEST_F(BWFCostTest, Read_WrittenSilenceWithoutASize_IsReadOnce) {
+    const std::int64_t size = 256 * mebibyte;
+    writeFile(recording(), beginning(0) + std::string(size, '\0') + slate);
+
+    const auto [clip, cost] = countedRead(recording());
+
+    EXPECT_EQ(clip.scene, "12");
+    EXPECT_LE(cost.bytes, size + 4 * 4096);
+    EXPECT_LE(cost.calls, size / 4096 + 8);
+}
+
+// Silence with sound between that reads as small chunks: at every length of the silence, nothing
+// may be read again and again.
+TEST_F(BWFCostTest, Read_ZerosAndTinyChunksInTurn_AreReadOnce) {
+    for (const std::size_t zeros : {8U, 504U, 4080U, 4088U, 4096U, 8192U, 12'288U, 65'536U}) {
+        std::string chunks;
+        while (chunks.size() < 4 * mebibyte) {
+            chunks += std::string(zeros, '\0') + riffChunk("tiny", "") + riffChunk("tiny", "four");
+        }
+        writeFile(recording(), riffFile(plainFormat() + chunks + slate));
+
+        const auto [clip, cost] = countedRead(recording());
+
+        EXPECT_EQ(clip.scene, "12") << zeros;
+        EXPECT_LE(cost.bytes, std::ssize(chunks) * 11 / 10) << zeros;
+    }
+}
+
+TEST_F(BWFCostTest, Read_ManySlates_ReadsTheLastAlone) {
+    std::string chunks;
+    while (chunks.size() < 4 * mebibyte) chunks += riffChunk("iXML", "<SCENE>1</SCENE>x");
+    writeFile(recording(), riffFile(chunks + slate));
+
+    const auto [clip, cost] = countedRead(recording());
+
+    EXPECT_EQ(clip.scene, "12");
+    EXPECT_LE(cost.calls, std::ssize(chunks) / 4096 * 11 / 10);
+}
+
+TEST_F(BWFCostTest, Read_LongRecording_TakesLittleMemory) {
+    writeLong({{0, beginning(0)}}, std::ssize(beginning(0)) + 12 * gibibyte);
+
+    const int status = statusOfForked([&] { return peakRaisedBy(recording()) < 4096 ? 0 : 1; });
+
+    EXPECT_EQ(status, 0);
+}
+
+TEST_F(BWFCostTest, Read_SlateThatClaimsFourGigabytes_IsCutAt16MiB) {
+    const std::string header = riffFile(plainFormat()) + riffHeader("iXML", 0xFFFFFFFF);
+    const std::int64_t longest = 16 * mebibyte;
+    const std::string last = "<SCENE>12</SCENE>";
+    const std::int64_t place = std::ssize(header) + longest - std::ssize(last);
+    const std::int64_t size = 6 * gibibyte;
+    writeSparse(recording(), {{0, header}, {place, last + "<TAKE>3</TAKE>"}}, size);
+
+    const auto [clip, cost] = countedRead(recording());
+    const int status =
+        statusOfForked([&] { return peakRaisedBy(recording()) < 64 * 1024 ? 0 : 1; });
+
+    EXPECT_EQ(clip.scene, "12") << "the last that is read";
+    EXPECT_EQ(clip.take, std::nullopt) << "the first that is not";
+    EXPECT_LE(cost.bytes, longest + 4 * 4096);
+    EXPECT_EQ(status, 0);
+}
