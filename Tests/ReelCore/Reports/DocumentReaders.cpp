@@ -96,6 +96,10 @@ std::vector<std::string> pdfLines(const ReelCore::URL& pdf) {
     return lines;
 }
 
+std::string squeezed(const std::string& line) {
+    return std::regex_replace(line, std::regex(" +"), " ");
+}
+
 std::vector<PDFWord> pdfWords(const ReelCore::URL& pdf) {
     const std::string boxes = outputOf("pdftotext", {"-bbox", pdf.native(), "-"});
     const std::regex word(

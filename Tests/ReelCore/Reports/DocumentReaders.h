@@ -22,6 +22,9 @@ std::vector<std::vector<std::string>> readCSV(const ReelCore::URL& csv);
 /// around them and without empty lines (pdftotext).
 std::vector<std::string> pdfLines(const ReelCore::URL& pdf);
 
+/// A line with each run of blanks as one.
+std::string squeezed(const std::string& line);
+
 /// A word on a page, its place in points from the page's left and top.
 struct PDFWord {
     std::string text;

@@ -2,6 +2,7 @@
 #include "ReelCore/Reports/Report.h"
 #include "ReelCore/Reports/ReportFormat.h"
 #include "SampleOffload.h"
+#include "ValueOf.h"
 
 #include <gtest/gtest.h>
 
@@ -11,13 +12,6 @@ using namespace ReelCore;
 using namespace TestSupport;
 using namespace std::chrono_literals;
 using Row = std::vector<std::string>;
-
-std::string valueOf(const Report& report, const std::string& label) {
-    for (const Report::Field& field : report.summary) {
-        if (field.label == label) return field.value;
-    }
-    return "no field " + label;
-}
 
 TEST(OffloadReport, WholeRun_HasEveryFieldInOrder) {
     const auto result =
