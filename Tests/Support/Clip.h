@@ -12,12 +12,12 @@ struct ClipRecipe {
     std::string rate = "25";  ///< As ffmpeg takes it, such as "30000/1001".
     std::string size = "128x72";
     double seconds = 1.0;
-    std::string timecode;  ///< Of the first frame; empty for none.
+    std::string timecode = {};  ///< Of the first frame; empty for none.
     std::vector<std::string> video{"-c:v", "prores_ks", "-profile:v",
                                    "0",    "-pix_fmt",  "yuv422p10le"};
     std::vector<int> channels{2};  ///< Of each audio stream.
     std::vector<std::string> audio{"-c:a", "pcm_s16le"};
-    std::vector<std::string> more;  ///< Before the output's path.
+    std::vector<std::string> more = {};  ///< Before the output's path.
 };
 
 /// Makes the clip; its extension tells the container. Throws std::runtime_error with what ffmpeg
