@@ -8,15 +8,17 @@
 
 namespace ReelCore {
 
+enum class FileLinks { follow, refuse };
+
 /// An open regular file: a descriptor that is closed on every way out, a failure to close being
 /// ignored. Movable; one thread at a time. Every operation throws SystemError where the operating
 /// system refuses, and all are interrupted-call safe.
 class File {
 public:
     /// Opens an existing regular file to be read from its start. Nothing else is ever opened: a
-    /// link, a pipe or a device under that name is refused (ELOOP, EINVAL). The file's access
-    /// time is left alone where the system allows it.
-    static File openForReading(const URL& path);
+    /// pipe or a device under that name is refused (EINVAL), and so is a link unless it is to be
+    /// followed (ELOOP). The file's access time is left alone where the system allows it.
+    static File openForReading(const URL& path, FileLinks links = FileLinks::refuse);
 
     /// Creates an empty file to be written, in place of whatever has that name. Where that can't be
     /// removed, a regular file is emptied instead, but only if it has no second name, under which

@@ -14,6 +14,7 @@ namespace {
 
 // O_NONBLOCK keeps an open of a pipe from waiting for ever. Once it is known to be a file, it goes.
 constexpr int safeFlags = O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
+constexpr int followingFlags = safeFlags & ~O_NOFOLLOW;
 
 int openRetrying(const URL& path, int flags, mode_t mode = 0) {
     int descriptor = -1;
@@ -24,10 +25,10 @@ int openRetrying(const URL& path, int flags, mode_t mode = 0) {
 }
 
 /// O_NOATIME is only allowed to the owner of a file, so others ask again without it.
-int openWithoutAccessTime(const URL& path) {
-    const int descriptor = openRetrying(path, O_RDONLY | O_NOATIME | safeFlags);
+int openWithoutAccessTime(const URL& path, int flags) {
+    const int descriptor = openRetrying(path, O_RDONLY | O_NOATIME | flags);
     if (descriptor >= 0 || errno != EPERM) return descriptor;
-    return openRetrying(path, O_RDONLY | safeFlags);
+    return openRetrying(path, O_RDONLY | flags);
 }
 
 struct stat requireRegularFile(const File& file, const URL& path) {
@@ -41,8 +42,9 @@ struct stat requireRegularFile(const File& file, const URL& path) {
 
 }  // namespace
 
-File File::openForReading(const URL& path) {
-    const int descriptor = openWithoutAccessTime(path);
+File File::openForReading(const URL& path, FileLinks links) {
+    const int descriptor =
+        openWithoutAccessTime(path, links == FileLinks::follow ? followingFlags : safeFlags);
     if (descriptor < 0) throwSystemError(path);
     File file(descriptor);
     requireRegularFile(file, path);

@@ -30,10 +30,11 @@ struct WalkedFile {
 bool walkFolder(const URL& root, const std::function<bool(std::string_view name)>& isIgnored,
                 const std::function<void(WalkedFile)>& visit);
 
-/// Visits the path of every regular file and every folder below `root`, and of every link that
-/// leads to one; hidden ones included, in the order of their paths. Links are not followed further;
-/// pipes, sockets and devices, and links to such, are passed over. False, SystemErrors and folders
-/// that can't be read as above.
+/// Visits the path of every regular file, every folder and every link below `root`, hidden ones
+/// included, in the order of their paths. Links are told of, also those that lead nowhere, but not
+/// followed; pipes, sockets and devices, and links to such, are passed over, since who opens one
+/// may wait for ever. An entry whose attributes can't be read is passed over as well. False, and
+/// SystemErrors about folders, as above.
 bool walkEntries(const URL& root, const std::function<void(const URL&)>& visit);
 
 }  // namespace ReelCore

@@ -114,8 +114,10 @@ bool walkEntries(const URL& root, const std::function<void(const URL&)>& visit) 
     const auto keep = [&](const std::string& path, const struct stat& status) {
         struct stat target = status;
         URL entry = root / path;
-        if (S_ISLNK(status.st_mode) && ::stat(entry.c_str(), &target) != 0) return;
-        if (S_ISREG(target.st_mode) || S_ISDIR(target.st_mode)) entries.push_back(std::move(entry));
+        const bool leadsNowhere = S_ISLNK(status.st_mode) && ::stat(entry.c_str(), &target) != 0;
+        if (leadsNowhere || S_ISREG(target.st_mode) || S_ISDIR(target.st_mode)) {
+            entries.push_back(std::move(entry));
+        }
     };
     if (!Walk(root, nothing, Unreadable::isPassedOver, keep).run()) return false;
     std::ranges::sort(entries, {}, &URL::native);

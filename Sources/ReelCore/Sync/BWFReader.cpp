@@ -19,7 +19,7 @@ class Window {
 public:
     static constexpr std::size_t pieceSize = 4096;
 
-    explicit Window(const URL& url) : file_(File::openForReading(url)) {}
+    explicit Window(const URL& url) : file_(File::openForReading(url, FileLinks::follow)) {}
 
     /// All bytes at hand on from `offset`: at least `least`, which is no more than a piece, and
     /// fewer only where the file ends. Valid until the next call.

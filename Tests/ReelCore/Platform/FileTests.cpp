@@ -85,6 +85,20 @@ TEST_F(FileTest, OpenForReading_LinkToAFile_IsRefused) {
     EXPECT_EQ(codeOf([&] { File::openForReading(at("link")); }), ELOOP);
 }
 
+TEST_F(FileTest, OpenForReading_LinkToBeFollowed_LeadsToAFileAndNothingElse) {
+    writeFile(at("clip"), "abc");
+    ASSERT_EQ(::mkfifo(at("pipe").c_str(), 0666), 0);
+    std::filesystem::create_symlink("clip", at("to file"));
+    std::filesystem::create_symlink("pipe", at("to pipe"));
+    std::filesystem::create_symlink("gone", at("nowhere"));
+
+    File file = File::openForReading(at("to file"), FileLinks::follow);
+
+    EXPECT_EQ(readOn(file, 4), "abc");
+    EXPECT_EQ(codeOf([&] { File::openForReading(at("to pipe"), FileLinks::follow); }), EINVAL);
+    EXPECT_EQ(codeOf([&] { File::openForReading(at("nowhere"), FileLinks::follow); }), ENOENT);
+}
+
 TEST_F(FileTest, OpenForReading_PipeWithoutAWriter_IsRefusedAndDoesNotWait) {
     ASSERT_EQ(::mkfifo(at("pipe").c_str(), 0666), 0);
 
