@@ -17,7 +17,7 @@ void append(Arguments& list, const Arguments& more) {
 std::string tone(int channels, double seconds) {
     std::string channelTones;
     for (int i = 0; i < channels; ++i) {
-        channelTones += fmt::format("{}sin({}*t)/4", i == 0 ? "" : "|", 2000 + 1000 * i);
+        channelTones += fmt::format("{}sin({}*2*PI*t)/4", i == 0 ? "" : "|", 2000 + 1000 * i);
     }
     return fmt::format("aevalsrc={}:s=48000:d={}", channelTones, seconds);
 }

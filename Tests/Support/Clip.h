@@ -7,7 +7,8 @@
 
 namespace TestSupport {
 
-/// A clip that ffmpeg makes: a test picture, and a tone for each audio stream.
+/// A clip that ffmpeg makes: a test picture, and in each audio stream a tone for each channel, of
+/// 2000 Hz in the first and 1000 Hz more in each other.
 struct ClipRecipe {
     std::string rate = "25";  ///< As ffmpeg takes it, such as "30000/1001".
     std::string size = "128x72";
