@@ -16,6 +16,13 @@
 
 namespace ReelCore {
 
+namespace {
+
+/// In bytes; far above any encoded still, and what the decoder can count.
+constexpr std::int64_t largestStill = std::int64_t{1} << 29;
+
+}  // namespace
+
 URL FrameGrabber::grabFile(const URL& url, double seconds, const URL& directory) const {
     const auto ffmpeg = ff.ffmpeg();
     if (!ffmpeg) throw TranscribeError(TranscribeError::FFmpegNotFound{});
@@ -36,6 +43,7 @@ URL FrameGrabber::grabFile(const URL& url, double seconds, const URL& directory)
 std::optional<StillImage> FrameGrabber::loadCGImage(const URL& url) {
     try {
         const File file = File::openForReading(url);
+        if (file.size() > largestStill) return std::nullopt;
         std::vector<std::byte> bytes(static_cast<std::size_t>(file.size()));
         bytes.resize(file.readAt(0, bytes));
         if (bytes.empty()) return std::nullopt;

@@ -21,7 +21,8 @@ struct FrameGrabber {
     /// time that is no number is a fatal fault.
     URL grabFile(const URL& url, double seconds, const URL& directory) const;
 
-    /// Loads a picture as it is stored, without turning it; absent for a file that is none.
+    /// Loads a picture as it is stored, without turning it; absent for a file that is none, is a
+    /// link, or has more than 512 MiB.
     static std::optional<StillImage> loadCGImage(const URL& url);
 };
 
