@@ -6,8 +6,6 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include <sanitizer/lsan_interface.h>
-
 /// For targets whose inputs may rightly end the process. Include it in one source file of the
 /// program: it defines ReelCore::fatal, so that the linker leaves the library's own where it is.
 namespace ExpectedFatal {
@@ -15,11 +13,10 @@ namespace ExpectedFatal {
 inline std::jmp_buf* wayBack = nullptr;
 
 /// Does `work`, and returns whether it came to its end; false is a fatal fault on the way. What
-/// `work` held then is never destroyed, as in a process that ends, so leaks in it are passed over.
-/// One at a time: `work` can't call this again.
+/// `work` held then is never destroyed, as in a process that ends. One at a time: `work` can't call
+/// this again.
 template <class Work>
 bool endsWell(const Work& work) {
-    const __lsan::ScopedDisabler leaksArePassedOver;
     std::jmp_buf here;
     wayBack = &here;
     if (setjmp(here) != 0) {
@@ -32,6 +29,11 @@ bool endsWell(const Work& work) {
 }
 
 }  // namespace ExpectedFatal
+
+/// What a fatal fault leaves behind is no leak worth a look, and each look takes long.
+extern "C" const char* __asan_default_options() {
+    return "detect_leaks=0";
+}
 
 /// A fatal fault that no endsWell() waits for is a finding.
 void ReelCore::fatal(std::string_view what, CodeLocation where) noexcept {
