@@ -49,6 +49,10 @@ public:
     /// Writes all of `bytes` at the current position.
     void write(std::span<const std::byte> bytes);
 
+    /// Keeps room on the device for what will be written up to `length`; the size stays. Does
+    /// nothing where the file system can't.
+    void reserve(std::int64_t length);
+
     /// Makes the file's contents and size durable on its device.
     void flush();
 

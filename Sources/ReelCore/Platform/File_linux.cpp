@@ -120,6 +120,13 @@ void File::write(std::span<const std::byte> bytes) {
     }
 }
 
+void File::reserve(std::int64_t length) {
+    while (::fallocate(descriptor_, FALLOC_FL_KEEP_SIZE, 0, length) != 0) {
+        if (errno == EOPNOTSUPP || errno == ENOSYS) return;
+        if (errno != EINTR) throwSystemError();
+    }
+}
+
 void File::flush() {
     while (::fsync(descriptor_) != 0) {
         if (errno != EINTR) throwSystemError();

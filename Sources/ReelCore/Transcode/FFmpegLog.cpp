@@ -5,6 +5,7 @@
 #include "ReelCore/Platform/Text.h"
 
 #include <algorithm>
+#include <array>
 #include <string_view>
 #include <vector>
 
@@ -17,28 +18,51 @@ namespace {
 /// A damaged clip can fill the log for hours; the last lines are all that is shown.
 constexpr std::int64_t mostBytes = 262'144;
 constexpr std::size_t mostLines = 8;
+constexpr std::int64_t reservedBytes = 65'536;
 
+/// ffmpeg's lines end in the system's sentence, always in English.
+constexpr std::array<std::string_view, 10> sentencesOfFailedDrives{
+    ": Input/output error",        ": No space left on device",
+    ": Disk quota exceeded",       ": File too large",
+    ": Read-only file system",     ": No such device",
+    ": No such device or address", ": Transport endpoint is not connected",
+    ": Stale file handle",         ": Connection timed out",
+};
+
+/// Empty where the file can't be read.
 std::string endOf(const URL& path) {
-    const File file = File::openForReading(path);
-    const std::int64_t begin = std::max<std::int64_t>(file.size() - mostBytes, 0);
-    std::string text(static_cast<std::size_t>(mostBytes), '\0');
-    text.resize(file.readAt(begin, std::as_writable_bytes(std::span(text))));
-    return text;
+    try {
+        const File file = File::openForReading(path);
+        const std::int64_t begin = std::max<std::int64_t>(file.size() - mostBytes, 0);
+        std::string text(static_cast<std::size_t>(mostBytes), '\0');
+        text.resize(file.readAt(begin, std::as_writable_bytes(std::span(text))));
+        return text;
+    } catch (const Error&) {
+        return {};
+    }
+}
+
+bool isOfFailedDrive(std::string_view line) {
+    return std::ranges::any_of(sentencesOfFailedDrives,
+                               [&](std::string_view sentence) { return line.ends_with(sentence); });
 }
 
 }  // namespace
 
-FFmpegLog::FFmpegLog() : path_("keldo-ffmpeg-", ".log"), file_(File::create(path_.url())) {}
+FFmpegLog::FFmpegLog() : path_("keldo-ffmpeg-", ".log"), file_(File::create(path_.url())) {
+    file_.reserve(reservedBytes);
+}
 
 std::string FFmpegLog::tail() const {
-    try {
-        const std::string text = endOf(path_.url());
-        std::vector<std::string_view> lines = piecesOf(text, "\n");
-        if (lines.size() > mostLines) lines.erase(lines.begin(), lines.end() - mostLines);
-        return Text::wellFormed(fmt::format("{}", fmt::join(lines, "\n")));
-    } catch (const Error&) {
-        return {};
-    }
+    const std::string text = endOf(path_.url());
+    std::vector<std::string_view> lines = piecesOf(text, "\n");
+    if (lines.size() > mostLines) lines.erase(lines.begin(), lines.end() - mostLines);
+    return Text::wellFormed(fmt::format("{}", fmt::join(lines, "\n")));
+}
+
+bool FFmpegLog::tellsOfFailedDrive() const {
+    const std::string text = endOf(path_.url());
+    return std::ranges::any_of(piecesOf(text, "\n"), isOfFailedDrive);
 }
 
 }  // namespace ReelCore

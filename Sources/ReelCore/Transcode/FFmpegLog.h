@@ -8,16 +8,20 @@
 namespace ReelCore {
 
 /// The file that one run of ffmpeg writes its complaints to: made empty in the temporary folder,
-/// removed at the end.
+/// with room for some complaints even if the drive runs full, and removed at the end.
 class FFmpegLog {
 public:
-    /// Throws SystemError where the file can't be made.
+    /// Throws SystemError where the file can't be made or has no room.
     FFmpegLog();
 
     const File& file() const { return file_; }
 
     /// The last 8 lines that are not empty; nothing where the file can't be read.
     std::string tail() const;
+
+    /// True if a drive failed or ran full. ffmpeg then ends what it has and, unless that fails at
+    /// once, calls it a success.
+    bool tellsOfFailedDrive() const;
 
 private:
     TemporaryPath path_;

@@ -105,7 +105,9 @@ TranscodeResult Transcoder::run(
         throw TranscodeError(TranscodeError::Cancelled{});
     }
     const int status = child.wait();
-    if (status != 0) throw TranscodeError(TranscodeError::FFmpegFailed{status, log.tail()});
+    if (status != 0 || log.tellsOfFailedDrive()) {
+        throw TranscodeError(TranscodeError::FFmpegFailed{status, log.tail()});
+    }
     result.finishedAt = now();
     return result;
 }

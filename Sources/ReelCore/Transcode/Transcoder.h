@@ -32,7 +32,8 @@ public:
     /// Throws TranscodeError: FFmpegNotFound, InputNotFound, LUTNotFound, UnsupportedLUT before
     /// anything is made; Cancelled once `isCancelled` says so, which is seen within a tenth of a
     /// second and ends ffmpeg within half a second more; FFmpegFailed with the last 8 lines of what
-    /// ffmpeg said. Throws SystemError where the folder can't be made or ffmpeg not be started. A
+    /// ffmpeg said, also where it calls a clip done that a failing or full drive cut short (status
+    /// 0). Throws SystemError where the folder can't be made or ffmpeg not be started. A
     /// partial output is left where it is. On no way out does ffmpeg run on, or a file of ours stay
     /// in the temporary folder.
     TranscodeResult run(const TranscodeRequest& request,

@@ -274,6 +274,19 @@ TEST_F(FileTest, Move_OpenFile_GoesOnWithTheSameDescriptor) {
     EXPECT_EQ(readOn(second, 4), "cdef");
 }
 
+TEST_F(FileTest, Reserve_EmptyFile_TakesRoomAndLeavesTheSize) {
+    File file = File::create(at("log"));
+
+    file.reserve(65'536);
+
+    struct stat status {};
+    ASSERT_EQ(::stat(at("log").c_str(), &status), 0);
+    EXPECT_EQ(status.st_size, 0);
+    EXPECT_GE(status.st_blocks * 512, 65'536);
+    file.write(bytesOf("abc"));
+    EXPECT_EQ(readFile(at("log")), "abc");
+}
+
 TEST_F(FileTest, Hints_OnAnyFile_ChangeNothing) {
     File file = File::create(at("clip"));
     file.write(bytesOf("abc"));
