@@ -44,6 +44,7 @@ public:
 
     /// Where stored bytes follow at or behind `offset`: what lies between is a hole and reads as
     /// zeros. The file's size where there are none, `offset` where the file system knows no holes.
+    /// The current position stays.
     std::int64_t nextStored(std::int64_t offset) const;
 
     /// Writes all of `bytes` at the current position.

@@ -103,9 +103,12 @@ std::int64_t File::size() const {
 }
 
 std::int64_t File::nextStored(std::int64_t offset) const {
+    const off_t position = ::lseek(descriptor_, 0, SEEK_CUR);
     const off_t next = ::lseek(descriptor_, offset, SEEK_DATA);
-    if (next >= 0) return next;
-    return errno == ENXIO ? size() : offset;
+    const bool nothingFollows = next < 0 && errno == ENXIO;
+    ::lseek(descriptor_, position, SEEK_SET);
+    if (nothingFollows) return size();
+    return next >= 0 ? next : offset;
 }
 
 void File::write(std::span<const std::byte> bytes) {
