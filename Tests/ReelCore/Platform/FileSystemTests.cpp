@@ -55,6 +55,40 @@ TEST_F(FileSystemTest, Exists_AnythingAtAll_ADanglingLinkIncluded) {
     EXPECT_FALSE(FileSystem::exists(at("file/below")));
 }
 
+TEST_F(FileSystemTest, LeadsSomewhere_ThroughLinks_ButNotADanglingOne) {
+    writeFile(at("file"), "");
+    std::filesystem::create_symlink("file", at("link"));
+    std::filesystem::create_symlink("gone", at("dangling"));
+    std::filesystem::create_symlink("round", at("round"));
+
+    EXPECT_TRUE(FileSystem::leadsSomewhere(at("file")));
+    EXPECT_TRUE(FileSystem::leadsSomewhere(at("link")));
+    EXPECT_TRUE(FileSystem::leadsSomewhere(at("")));
+    EXPECT_TRUE(FileSystem::leadsSomewhere("/dev/null"));
+    EXPECT_FALSE(FileSystem::leadsSomewhere(at("dangling")));
+    EXPECT_FALSE(FileSystem::leadsSomewhere(at("round")));
+    EXPECT_FALSE(FileSystem::leadsSomewhere(at("gone")));
+}
+
+TEST_F(FileSystemTest, IsExecutable_RegularFilesWithTheRight_AndLinksToThem) {
+    const auto executable = std::filesystem::perms(0755);
+    writeFile(at("tool"), "");
+    std::filesystem::permissions(at("tool"), executable);
+    writeFile(at("text"), "");
+    std::filesystem::permissions(at("text"), std::filesystem::perms(0644));
+    std::filesystem::create_directory(at("folder"));
+    std::filesystem::create_symlink("tool", at("link"));
+    std::filesystem::create_symlink("folder", at("linkToFolder"));
+
+    EXPECT_TRUE(FileSystem::isExecutable(at("tool")));
+    EXPECT_TRUE(FileSystem::isExecutable(at("link")));
+    EXPECT_FALSE(FileSystem::isExecutable(at("text")));
+    EXPECT_FALSE(FileSystem::isExecutable(at("folder")));
+    EXPECT_FALSE(FileSystem::isExecutable(at("linkToFolder")));
+    EXPECT_FALSE(FileSystem::isExecutable(at("gone")));
+    EXPECT_FALSE(FileSystem::isExecutable(""));
+}
+
 TEST_F(FileSystemTest, Names_Folder_HoldsHiddenOnesButNotTheFolderItself) {
     writeTree(at(""), {{".hidden", ""}, {"a\nb", ""}, {"\xff", ""}, {"DCIM/below", ""}});
 

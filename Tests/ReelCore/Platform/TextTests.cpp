@@ -3,6 +3,7 @@
 #include "Support/FolderTree.h"
 
 #include <algorithm>
+#include <limits>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -108,6 +109,28 @@ TEST(TextPrefix, OfMalformedBytes_IsWellFormed) {
     EXPECT_EQ(Text::prefix("\xFF\xFEz", 2), replacement + replacement);
 }
 
+TEST(TextSuffix, CutsBetweenCharactersOnly) {
+    const std::string text = "a" + family + decomposedE + "z";
+
+    EXPECT_EQ(Text::suffix(text, 0), "");
+    EXPECT_EQ(Text::suffix(text, 1), "z");
+    EXPECT_EQ(Text::suffix(text, 2), decomposedE + "z");
+    EXPECT_EQ(Text::suffix(text, 3), family + decomposedE + "z");
+    EXPECT_EQ(Text::suffix(text, 4), text);
+    EXPECT_EQ(Text::suffix(text, 5), text);
+    EXPECT_EQ(Text::suffix("a\r\nb", 2), "\r\nb");
+    EXPECT_EQ(Text::suffix("", 3), "");
+}
+
+TEST(TextSuffix, NegativeCount_GivesNothing) {
+    EXPECT_EQ(Text::suffix("abc", -1), "");
+    EXPECT_EQ(Text::suffix("abc", std::numeric_limits<std::int64_t>::min()), "");
+}
+
+TEST(TextSuffix, OfMalformedBytes_IsWellFormed) {
+    EXPECT_EQ(Text::suffix("z\xFF\xFE", 2), replacement + replacement);
+}
+
 TEST(TextIsLeftToRight, NoPartMayTurnTheOrder) {
     for (const std::string& text : {std::string(), std::string("A001.mov"), composedE, family,
                                     std::string("日本語"), std::string("a\xFF")}) {
@@ -127,6 +150,28 @@ TEST(TextOrderingKey, OrdersByCodePointsNotByLanguageOrNumber) {
     std::ranges::sort(shuffled, {}, Text::orderingKey);
 
     EXPECT_EQ(shuffled, ordered);
+}
+
+TEST(TextTrimmed, WhiteSpaceAndLineEnds_GoAtBothEndsAlone) {
+    EXPECT_EQ(Text::trimmed(" \t\v\f\r\n a  b\n c\u0085\u00A0"), "a  b\n c");
+    EXPECT_EQ(Text::trimmed("\u2028\u3000" + flag + " " + family + "\u2003"), flag + " " + family);
+    EXPECT_EQ(Text::trimmed("a"), "a");
+}
+
+TEST(TextTrimmed, NothingElse_LeavesNothing) {
+    EXPECT_EQ(Text::trimmed(""), "");
+    EXPECT_EQ(Text::trimmed(" "), "");
+    EXPECT_EQ(Text::trimmed("\u3000\n\u1680"), "");
+}
+
+TEST(TextTrimmed, WhatOnlyLooksBlank_Stays) {
+    const std::string joiner = "\u200B";
+    EXPECT_EQ(Text::trimmed(" " + joiner + " "), joiner);
+    EXPECT_EQ(Text::trimmed(std::string("\0 ", 2)), std::string("\0", 1));
+}
+
+TEST(TextTrimmed, MalformedBytes_BecomeReplacements) {
+    EXPECT_EQ(Text::trimmed(" \xFF \xE2\x80"), replacement + " " + replacement);
 }
 
 TEST(TextOrderingKey, CanonicalEquivalents_HaveTheSameKey) {
@@ -171,6 +216,14 @@ TEST(TextUpperCased, FollowsNoParticularLanguage) {
     EXPECT_EQ(Text::upperCased("straße"), "STRASSE");
     EXPECT_EQ(Text::upperCased("a\xFF"), "A" + replacement);
     EXPECT_EQ(Text::upperCased(""), "");
+}
+
+TEST(TextLowerCased, FollowsNoParticularLanguage) {
+    EXPECT_EQ(Text::lowerCased("DCIM_iI"), "dcim_ii");
+    EXPECT_EQ(Text::lowerCased("\u00C9"), composedE);
+    EXPECT_EQ(Text::lowerCased("\u03A3\u0391\u03A3"), "\u03C3\u03B1\u03C2") << "a final sigma";
+    EXPECT_EQ(Text::lowerCased("A\xFF"), "a" + replacement);
+    EXPECT_EQ(Text::lowerCased(""), "");
 }
 
 }  // namespace
