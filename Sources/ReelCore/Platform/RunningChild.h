@@ -60,9 +60,9 @@ public:
     /// Reads to the end of the stream.
     std::string readAll();
 
-    /// Closes the stream, asks the child to end (SIGTERM), and makes it end (SIGKILL) if it has not
-    /// after half a second; then waits for that. Does nothing to a child that has been waited for.
-    /// A child of the child is not asked; it loses whom it writes to.
+    /// Closes the stream, asks the child and what it has started itself to end (SIGTERM), and makes
+    /// them end (SIGKILL) once the child has ended or half a second has passed. Does nothing to a
+    /// child that has been waited for.
     void end();
 
     /// Waits for the child's end and gives its exit status, for a child that a signal ended 128 and
@@ -70,13 +70,15 @@ public:
     /// ignores the signal of that.
     int wait();
 
-    /// Asks every child of this process that runs to end (SIGTERM). Any thread.
+    /// Asks every child of this process that runs, and what it has started itself, to end
+    /// (SIGTERM). Any thread.
     static void endAll();
 
 private:
     class Pipe;
 
-    bool hasEndedWithin(std::chrono::milliseconds time) const;
+    /// Returns early where the child has ended.
+    void waitForEnd(std::chrono::milliseconds time) const;
     std::optional<int> reap();
 
     std::unique_ptr<Pipe> pipe_;

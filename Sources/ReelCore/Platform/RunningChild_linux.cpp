@@ -44,7 +44,7 @@ public:
 
     void end() {
         const std::lock_guard guard(lock_);
-        for (const pid_t child : children_) ::kill(child, SIGTERM);
+        for (const pid_t child : children_) ::kill(-child, SIGTERM);
     }
 
 private:
@@ -65,7 +65,8 @@ private:
     posix_spawn_file_actions_t actions_{};
 };
 
-/// No signal is blocked or ignored in the child, whatever the calling thread has set up.
+/// No signal is blocked or ignored in the child, whatever the calling thread has set up, and it
+/// leads a process group, so that what it starts itself can be ended with it.
 class SpawnAttributes {
 public:
     SpawnAttributes() {
@@ -75,7 +76,8 @@ public:
         ::posix_spawnattr_setsigmask(&attributes_, &signals);
         ::sigfillset(&signals);
         ::posix_spawnattr_setsigdefault(&attributes_, &signals);
-        ::posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+        ::posix_spawnattr_setflags(
+            &attributes_, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETPGROUP);
     }
     ~SpawnAttributes() { ::posix_spawnattr_destroy(&attributes_); }
     SpawnAttributes(const SpawnAttributes&) = delete;
@@ -130,6 +132,9 @@ class RunningChild::Pipe {
 public:
     Pipe() {
         if (::pipe2(ends_.data(), O_CLOEXEC) != 0) throwSystemError();
+        // Where a standard stream of this process is closed, a pipe takes its number, which the
+        // child's own streams would then be put in place of.
+        for (int& end : ends_) moveAway(end);
     }
     ~Pipe() {
         closeWriteEnd();
@@ -155,6 +160,14 @@ public:
     }
 
 private:
+    static void moveAway(int& end) {
+        if (end > STDERR_FILENO) return;
+        const int moved = ::fcntl(end, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+        if (moved < 0) throwSystemError();
+        ::close(end);
+        end = moved;
+    }
+
     static void close(int& end) {
         if (end >= 0) ::close(end);
         end = -1;
@@ -197,8 +210,9 @@ std::string RunningChild::readAll() {
 void RunningChild::end() {
     pipe_->closeReadEnd();
     if (isReaped_) return;
-    ::kill(number_, SIGTERM);
-    if (!hasEndedWithin(std::chrono::milliseconds(500))) ::kill(number_, SIGKILL);
+    ::kill(-number_, SIGTERM);
+    waitForEnd(std::chrono::milliseconds(500));
+    ::kill(-number_, SIGKILL);
     static_cast<void>(reap());
 }
 
@@ -212,16 +226,15 @@ void RunningChild::endAll() {
     RunningChildren::shared().end();
 }
 
-bool RunningChild::hasEndedWithin(std::chrono::milliseconds time) const {
+void RunningChild::waitForEnd(std::chrono::milliseconds time) const {
     const auto limit = std::chrono::steady_clock::now() + time;
     do {
         siginfo_t ended{};
         const int failure =
             ::waitid(P_PID, static_cast<id_t>(number_), &ended, WEXITED | WNOWAIT | WNOHANG);
-        if (failure != 0 || ended.si_pid != 0) return true;
+        if (failure != 0 || ended.si_pid != 0) return;
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
     } while (std::chrono::steady_clock::now() < limit);
-    return false;
 }
 
 /// Absent, with `errno` set, if the system does not tell.

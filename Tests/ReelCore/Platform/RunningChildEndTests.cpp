@@ -127,14 +127,25 @@ TEST(RunningChild, LeftByAnException_IsEnded) {
     EXPECT_TRUE(isGone(number));
 }
 
-// The grandchild holds the stream open: who waits for its end would wait for ever.
-TEST(RunningChild, EndWithAGrandchildThatHoldsTheStream_DoesNotWaitForIt) {
-    Shell child("sh -c 'echo $$; while sleep 0.01; do echo .; done' & wait");
+// A wrapper that starts the tool as a child of its own is no way for the tool to run on.
+TEST(RunningChild, End_EndsWhatTheChildHasStartedToo) {
+    Shell child("sleep 600 & echo $!; wait");
     const pid_t grandchild = child.readNumber();
 
     child.end();
 
-    EXPECT_TRUE(isGoneInTime(grandchild)) << "it can write though nobody reads";
+    EXPECT_TRUE(isGoneInTime(grandchild));
+}
+
+TEST(RunningChild, EndWithAGrandchildThatIgnoresTheRequest_EndsItWithinASecond) {
+    Shell child("sh -c 'trap \"\" TERM; echo $$; while :; do sleep 0.01; done' & wait");
+    const pid_t grandchild = child.readNumber();
+
+    const auto before = steady_clock::now();
+    child.end();
+
+    EXPECT_LT(steady_clock::now() - before, milliseconds(1000));
+    EXPECT_TRUE(isGoneInTime(grandchild));
 }
 
 TEST(RunningChild, EndAll_AsksEachChildThatRuns) {

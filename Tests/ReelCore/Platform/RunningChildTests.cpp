@@ -126,6 +126,17 @@ TEST(RunningChild, InheritsNothingButTheThreeStreams) {
     EXPECT_EQ(descriptors, "0\n1\n2\n");
 }
 
+TEST(RunningChild, StandardStreamsOfThisProcessClosed_ChildHasItsOwnAllTheSame) {
+    const int status = TestSupport::statusOfForked([] {
+        for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) ::close(stream);
+        Shell child("cat; echo out; echo err >&2",
+                    {.output = ChildStream::pipe(), .error = ChildStream::nowhere()});
+        return child.readAll() == "out\n" && child.wait() == 0 ? 0 : 1;
+    });
+
+    EXPECT_EQ(status, 0);
+}
+
 TEST(RunningChild, InheritsEnvironmentAndWorkingFolder) {
     const int status = TestSupport::statusOfForked([] {
         ::setenv("REEL", "A001", 1);
