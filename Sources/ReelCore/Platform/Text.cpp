@@ -17,9 +17,11 @@ namespace ReelCore {
 
 namespace {
 
+/// Looks at all bytes before it answers, which lets the compiler take many at a time.
 bool isASCII(std::string_view text) {
-    return std::all_of(text.begin(), text.end(),
-                       [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+    unsigned char bits = 0;
+    for (const char c : text) bits |= static_cast<unsigned char>(c);
+    return bits < 0x80;
 }
 
 icu::UnicodeString decode(std::string_view text) {
@@ -73,6 +75,7 @@ void forEachCharacterEnd(std::string_view text, Visit visit) {
 }  // namespace
 
 bool Text::isWellFormed(std::string_view bytes) {
+    if (isASCII(bytes)) return true;
     const auto* units = reinterpret_cast<const std::uint8_t*>(bytes.data());
     const auto length = static_cast<std::int64_t>(bytes.size());
     for (std::int64_t at = 0; at < length;) {
@@ -126,14 +129,21 @@ std::string Text::suffix(std::string_view text, std::int64_t count) {
     return whole.erase(0, prefix(whole, passedOver).size());
 }
 
-std::string Text::trimmed(std::string_view text) {
-    icu::UnicodeString units = decode(text);
-    const auto isBlank = [&](std::int32_t at) { return u_isUWhiteSpace(units.char32At(at)) != 0; };
+std::string Text::trimmed(std::string_view bytes) {
+    const std::string text = wellFormed(bytes);
+    const auto* units = reinterpret_cast<const std::uint8_t*>(text.data());
+    auto end = static_cast<std::int32_t>(text.size());
     std::int32_t begin = 0;
-    std::int32_t end = units.length();
-    while (begin < end && isBlank(begin)) ++begin;
-    while (end > begin && isBlank(end - 1)) --end;
-    return encode(units.tempSubStringBetween(begin, end));
+    UChar32 point = 0;
+    for (std::int32_t at = 0; at < end; begin = at) {
+        U8_NEXT(units, at, end, point);
+        if (!u_isUWhiteSpace(point)) break;
+    }
+    for (std::int32_t at = end; at > begin; end = at) {
+        U8_PREV(units, begin, at, point);
+        if (!u_isUWhiteSpace(point)) break;
+    }
+    return text.substr(static_cast<std::size_t>(begin), static_cast<std::size_t>(end - begin));
 }
 
 bool Text::isLeftToRight(std::string_view text) {

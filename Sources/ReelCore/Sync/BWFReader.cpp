@@ -139,12 +139,16 @@ Facts factsOf(Window& window) {
     return facts;
 }
 
-std::string readText(const File& file, const Chunk& chunk) {
+std::string readText(Window& window, const Chunk& chunk) {
+    if (chunk.size <= std::int64_t{Window::pieceSize}) {
+        const auto bytes = beginningOf(window, chunk, chunk.size);
+        return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+    }
     // No slate is that long; a damaged size must not fill the memory.
     constexpr std::int64_t longest = std::int64_t{16} << 20U;
-    const std::int64_t there = std::max<std::int64_t>(file.size() - chunk.payload, 0);
+    const std::int64_t there = std::max<std::int64_t>(window.file().size() - chunk.payload, 0);
     std::string text(static_cast<std::size_t>(std::min({chunk.size, there, longest})), '\0');
-    text.resize(file.readAt(chunk.payload, std::as_writable_bytes(std::span(text))));
+    text.resize(window.file().readAt(chunk.payload, std::as_writable_bytes(std::span(text))));
     return text;
 }
 
@@ -161,7 +165,7 @@ AudioClip BWFReader::read(const URL& url) {
         clip.startSeconds = static_cast<double>(facts.timeReference) / facts.sampleRate;
         clip.duration = frames / facts.sampleRate;
     }
-    IXML slate = parseIXML(facts.iXML ? readText(window.file(), *facts.iXML) : std::string());
+    IXML slate = parseIXML(facts.iXML ? readText(window, *facts.iXML) : std::string());
     clip.scene = std::move(slate.scene);
     clip.take = std::move(slate.take);
     clip.tape = std::move(slate.tape);

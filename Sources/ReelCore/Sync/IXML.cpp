@@ -1,58 +1,83 @@
-#include "ReelCore/Platform/Regex.h"
 #include "ReelCore/Platform/Text.h"
 #include "ReelCore/Sync/BWFReader.h"
+
+#include <array>
 
 namespace ReelCore {
 
 namespace {
 
+bool takeFront(std::string_view& text, std::string_view spelling) {
+    if (!text.starts_with(spelling)) return false;
+    text.remove_prefix(spelling.size());
+    return true;
+}
+
+/// Takes from the front of `text` one letter that is `letter`, a lower-case one, but for its case.
+/// Two letters beyond ASCII count as well: the long s and the sign for kelvin are an s and a k.
+bool takeLetter(std::string_view& text, char letter) {
+    constexpr char caseBit = 'a' ^ 'A';
+    if (!text.empty() && (text.front() | caseBit) == letter) {
+        text.remove_prefix(1);
+        return true;
+    }
+    return (letter == 's' && takeFront(text, "\u017F")) ||
+           (letter == 'k' && takeFront(text, "\u212A"));
+}
+
 /// The elements of one name, without regard to what they stand in. An element ends at the nearest
-/// closing tag. Found by two searches and not by one expression for the whole element, which would
-/// try each opening tag of a broken text against all the rest.
+/// closing tag; what else stands in it is its content.
 class Elements {
 public:
-    explicit Elements(const std::string& name)
-        : opening_("<" + name + ">"), closing_("</" + name + ">") {}
+    /// `name` is in lower case.
+    explicit Elements(std::string_view name) : name_(name) {}
 
-    /// The trimmed content of the next element at or behind `from`, which moves behind it.
-    std::optional<std::string> next(std::string_view text, std::size_t& from) const {
-        const auto opening = opening_.find(text, from);
-        if (!opening) return std::nullopt;
-        const auto closing = closing_.find(text, opening->end);
-        if (!closing) return std::nullopt;
-        from = closing->end;
-        return Text::trimmed(text.substr(opening->end, closing->begin - opening->end));
+    /// Looks at the tag that may stand at `offset`, a "<". To be called from front to back.
+    void visit(std::string_view text, std::size_t offset) {
+        std::string_view rest = text.substr(offset + 1);
+        if (begin_ && !takeFront(rest, "/")) return;
+        for (const char letter : name_) {
+            if (!takeLetter(rest, letter)) return;
+        }
+        if (!takeFront(rest, ">")) return;
+        if (begin_) {
+            contents_.push_back(Text::trimmed(text.substr(*begin_, offset - *begin_)));
+            begin_.reset();
+        } else {
+            begin_ = text.size() - rest.size();
+        }
     }
 
     /// The first element's content, unless it is empty.
-    std::optional<std::string> first(std::string_view text) const {
-        std::size_t from = 0;
-        auto content = next(text, from);
-        if (content && content->empty()) content.reset();
-        return content;
+    std::optional<std::string> first() const {
+        if (contents_.empty() || contents_.front().empty()) return std::nullopt;
+        return contents_.front();
+    }
+
+    /// The contents that are not empty, in order.
+    std::vector<std::string> all() && {
+        std::erase(contents_, "");
+        return std::move(contents_);
     }
 
 private:
-    Regex opening_;
-    Regex closing_;
+    std::string_view name_;
+    std::optional<std::size_t> begin_;  ///< Of the content whose closing tag is looked for.
+    std::vector<std::string> contents_;
 };
 
 }  // namespace
 
+// By hand and not by regular expressions: those took most of the time that a recording cost.
 BWFReader::IXML BWFReader::parseIXML(std::string_view bytes) {
-    static const Elements names("NAME");
-    static const Elements scene("SCENE");
-    static const Elements take("TAKE");
-    static const Elements tape("TAPE");
-    static const Elements note("NOTE");
-    if (bytes.empty()) return {};
+    std::array<Elements, 5> elements{Elements("scene"), Elements("take"), Elements("tape"),
+                                     Elements("note"), Elements("name")};
     const std::string text = Text::wellFormed(bytes);
-    IXML result{scene.first(text), take.first(text), tape.first(text), note.first(text), {}};
-    std::size_t from = 0;
-    while (const auto name = names.next(text, from)) {
-        if (!name->empty()) result.tracks.push_back(*name);
+    for (auto at = text.find('<'); at != text.npos; at = text.find('<', at + 1)) {
+        for (Elements& each : elements) each.visit(text, at);
     }
-    return result;
+    auto& [scene, take, tape, note, name] = elements;
+    return {scene.first(), take.first(), tape.first(), note.first(), std::move(name).all()};
 }
 
 }  // namespace ReelCore

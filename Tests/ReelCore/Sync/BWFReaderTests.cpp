@@ -111,6 +111,17 @@ TEST_F(BWFTest, Read_IXMLLongerThanOnePiece_IsReadWhole) {
     EXPECT_EQ(clip.startSeconds, 3600.0);
 }
 
+TEST_F(BWFTest, Read_IXMLOfAboutOnePiece_IsReadWhole) {
+    for (std::size_t size = 4080; size <= 4110; ++size) {
+        const std::string note(size - std::string_view("<NOTE></NOTE>").size(), 'n');
+        const std::string slate = riffChunk("iXML", "<NOTE>" + note + "</NOTE>");
+
+        EXPECT_EQ(clipOfChunks(slate + plainFormat()).note, note) << size;
+        EXPECT_EQ(clipOfChunks(riffChunk("data", std::string(9000, 's')) + slate).note, note)
+            << size;
+    }
+}
+
 TEST_F(BWFTest, Read_IdOfTheSlate_IsKnownInTwoSpellingsOnly) {
     for (const std::string id : {"iXML", "ixml"}) {
         EXPECT_EQ(clipOfChunks(riffChunk(id, "<TAKE>1</TAKE>")).take, "1") << id;

@@ -57,6 +57,12 @@ TEST(IXML, Parse_MixedCase_OpeningAndClosingNeedNotAgree) {
     EXPECT_EQ(tracksOf("<name>a</NAME><Name>b</nAmE>"), (std::vector<std::string>{"a", "b"}));
 }
 
+TEST(IXML, Parse_LongSAndKelvinSign_AreLettersOfTags) {
+    EXPECT_EQ(BWFReader::parseIXML("<\u017FCENE>1</\u017Fcene>").scene, "1");
+    EXPECT_EQ(BWFReader::parseIXML("<ta\u212Ae>2</TAKE>").take, "2");
+    EXPECT_EQ(BWFReader::parseIXML("<\u212ACENE>1</SCENE>").scene, std::nullopt);
+}
+
 TEST(IXML, Parse_EmptyOrBlankElement_IsAbsent) {
     EXPECT_EQ(BWFReader::parseIXML("<NOTE></NOTE>").note, std::nullopt);
     EXPECT_EQ(BWFReader::parseIXML("<NOTE> \t\r\n </NOTE>").note, std::nullopt);
