@@ -1,6 +1,6 @@
 #include "ReelCore/Platform/ChildProcess.h"
-#include "ReelCore/Reports/DocumentReaders.h"
-#include "ReelCore/Sync/EditorialReaders.h"
+#include "Support/DocumentReaders.h"
+#include "Support/EditorialReaders.h"
 #include "Support/FolderTree.h"
 #include "Support/LoopMount.h"
 #include "Support/ShootingDay.h"
@@ -95,6 +95,14 @@ void expectTimeline(const URL& timeline, const URL& day, const std::vector<Row>&
     }
 }
 
+/// Some lines whole, reckoned by hand. The day's first clip counts 25 frames a second, so each
+/// Sound TC is the recording's start by the clock; each End counts in the clip's own rate.
+const std::vector<Row> madeDayLog{
+    {"A001C001.mov", "V", "10:00:00:00", "10:00:02:00", "", "12A", "3", "T001.WAV", "09:59:55:00"},
+    {"B001C001.mov", "V", "10:00:00:12", "10:00:02:12", "", "12A", "3", "T001.WAV", "09:59:55:00"},
+    {"B001C002.mov", "V", "10:00:21:00", "10:00:23:00", "", "", "", "T002-2.wav", "10:00:21:06"},
+    {"C0001.MXF", "V", "10:10:00;00", "10:10:02;00", "", "", "", "", ""}};
+
 /// The clips' lines are looked for by their beginning: nothing keeps a line feed in a name from
 /// breaking its line.
 void expectLog(const std::string& log) {
@@ -128,6 +136,10 @@ TEST(SyncExample, MadeDay_TimelineLogAndReportAgreeWithWhatWasMade) {
     expectReport(output / "Sync_Report_Day_1.pdf", csv);
     expectTimeline(output / "day.fcpxml", day, csv);
     expectLog(readFile(output / "day.ale"));
+    const auto log = readTabbed(output / "day.ale");
+    for (const Row& line : madeDayLog) {
+        EXPECT_EQ(std::ranges::count(log, line), 1) << line[0];
+    }
 }
 
 TEST(SyncExample, ShortDay_IsShownLineByLineWithWhereThingsLie) {

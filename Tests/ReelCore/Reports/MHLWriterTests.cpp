@@ -1,10 +1,10 @@
 #include "ReelCore/Reports/MHLWriter.h"
 
-#include "DocumentReaders.h"
 #include "ReelCore/Platform/DateText.h"
 #include "ReelCore/Platform/SystemError.h"
 #include "ReelCore/Platform/UserAccount.h"
 #include "SampleOffload.h"
+#include "Support/DocumentReaders.h"
 #include "Support/FolderTree.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
-#include "DocumentReaders.h"
 #include "ReelCore/Platform/Text.h"
 #include "ReelCore/Reports/MHLWriter.h"
 #include "SampleOffload.h"
+#include "Support/DocumentReaders.h"
 #include "Support/FolderTree.h"
 #include "Support/Forked.h"
 

@@ -1,8 +1,8 @@
-#include "DocumentReaders.h"
 #include "ReelCore/Platform/Text.h"
 #include "ReelCore/Reports/ReportFormat.h"
 #include "ReelCore/Reports/ReportRenderer.h"
 #include "SampleOffload.h"
+#include "Support/DocumentReaders.h"
 #include "Support/FolderTree.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
-#include "DocumentReaders.h"
 #include "ReelCore/Reports/ReportRenderer.h"
 #include "SampleOffload.h"
+#include "Support/DocumentReaders.h"
 #include "Support/FolderTree.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
-#include "DocumentReaders.h"
 #include "ReelCore/Reports/ReportFormat.h"
 #include "ReelCore/Reports/ReportRenderer.h"
 #include "SampleOffload.h"
+#include "Support/DocumentReaders.h"
 #include "Support/FolderTree.h"
 #include "Support/Tool.h"
 

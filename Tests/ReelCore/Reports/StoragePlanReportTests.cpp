@@ -1,9 +1,9 @@
-#include "DocumentReaders.h"
 #include "ReelCore/Platform/UserAccount.h"
 #include "ReelCore/Reports/Report.h"
 #include "ReelCore/Reports/ReportFormat.h"
 #include "ReelCore/Reports/ReportRenderer.h"
 #include "SampleStoragePlan.h"
+#include "Support/DocumentReaders.h"
 #include "Support/FolderTree.h"
 #include "ValueOf.h"
 

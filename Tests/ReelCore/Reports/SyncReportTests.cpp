@@ -1,8 +1,8 @@
-#include "DocumentReaders.h"
 #include "ReelCore/Reports/Report.h"
 #include "ReelCore/Reports/ReportFormat.h"
 #include "ReelCore/Reports/ReportRenderer.h"
 #include "ReelCore/Sync/SyncTypes.h"
+#include "Support/DocumentReaders.h"
 #include "Support/FolderTree.h"
 #include "ValueOf.h"
 
@@ -195,6 +195,12 @@ TEST(SyncReport, ClipWithoutTimecode_HasItsTimeOfDayRoundedAndNotWrapped) {
     EXPECT_EQ(startOf(86'399.5), "24:00:00");
     EXPECT_EQ(startOf(90'061), "25:01:01");
     EXPECT_EQ(startOf(360'000), "100:00:00");
+}
+
+TEST(SyncReport, ClipBeforeMidnight_PrintsAsPrintfWould) {
+    EXPECT_EQ(startOf(-1), "00:00:-1");
+    EXPECT_EQ(startOf(-12), "00:00:-12");
+    EXPECT_EQ(startOf(-3'661), "-1:-1:-1");
 }
 
 TEST(SyncReportDeathTest, NumbersThatHaveNoWholePart_AreFatal) {

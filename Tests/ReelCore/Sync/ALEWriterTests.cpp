@@ -1,7 +1,7 @@
 #include "ReelCore/Sync/ALEWriter.h"
 
-#include "EditorialReaders.h"
 #include "EditorialSamples.h"
+#include "Support/EditorialReaders.h"
 #include "Support/FolderTree.h"
 
 #include <algorithm>

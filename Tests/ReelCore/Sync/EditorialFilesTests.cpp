@@ -34,6 +34,12 @@ const Document editLog{"editLog", ALEWriter::ale, ALEWriter::write};
 
 const SyncResult day{{pair(picture("/day/C1.mov", 10), sound("/day/T1.wav", 60))}, {}};
 
+/// A day whose documents are longer than 5 MB.
+SyncResult longDay() {
+    const URL clip = "/day/" + std::string(250, 'C') + ".mov";
+    return {std::vector(20'000, pair(picture(clip, 10), sound("/day/T1.wav", 60))), {}};
+}
+
 /// Leaves no room for a single byte: what a large file does not take, many small ones do.
 void fill(const URL& drive) {
     std::ofstream large(drive / "large", std::ios::binary);
@@ -55,9 +61,9 @@ protected:
     static URL write(const URL& url) { return GetParam().write(day, url); }
 
     /// The code and the text of the failure; 0 where there is none.
-    static std::pair<int, std::string> failureOf(const URL& url) {
+    static std::pair<int, std::string> failureOf(const URL& url, const SyncResult& result = day) {
         try {
-            write(url);
+            GetParam().write(result, url);
             return {0, ""};
         } catch (const SystemError& error) {
             return {error.code(), error.description()};
@@ -147,6 +153,20 @@ TEST_P(EditorialFile, FullDrive_IsTheSystemsErrorAndNeverTakenForWritten) {
 
     EXPECT_EQ(code, ENOSPC);
     EXPECT_TRUE(description.starts_with("No space left on device")) << description;
+}
+
+TEST_P(EditorialFile, DriveSmallerThanTheDocument_KeepsItsBeginningAndIsTheSystemsError) {
+    if (!LoopMount::isAvailable()) GTEST_SKIP() << "needs root and loop devices";
+    const LoopMount drive("ext4", 4);
+
+    const auto [code, description] = failureOf(drive.path() / "out", longDay());
+
+    EXPECT_EQ(code, ENOSPC) << description;
+    const std::string whole = GetParam().text(longDay());
+    const std::string written = readFile(drive.path() / "out");
+    EXPECT_GT(written.size(), 0U);
+    EXPECT_LT(written.size(), whole.size());
+    EXPECT_TRUE(whole.starts_with(written)) << written.size();
 }
 
 class EditorialFileDeathTest : public EditorialFile {};

@@ -1,10 +1,10 @@
 // Names as cameras, recorders and people give them: any bytes but "/" and zero.
 
-#include "EditorialReaders.h"
 #include "EditorialSamples.h"
-#include "ReelCore/Reports/DocumentReaders.h"
 #include "ReelCore/Sync/ALEWriter.h"
 #include "ReelCore/Sync/FCPXMLWriter.h"
+#include "Support/DocumentReaders.h"
+#include "Support/EditorialReaders.h"
 #include "Support/FolderTree.h"
 
 #include <gtest/gtest.h>

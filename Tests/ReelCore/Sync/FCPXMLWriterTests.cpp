@@ -1,7 +1,7 @@
 #include "ReelCore/Sync/FCPXMLWriter.h"
 
-#include "EditorialReaders.h"
 #include "EditorialSamples.h"
+#include "Support/EditorialReaders.h"
 #include "Support/FolderTree.h"
 
 #include <csignal>

@@ -1,4 +1,4 @@
-#include "EditorialReaders.h"
+#include "Support/EditorialReaders.h"
 
 #include "Support/Tool.h"
 

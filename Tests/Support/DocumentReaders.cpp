@@ -1,4 +1,4 @@
-#include "DocumentReaders.h"
+#include "Support/DocumentReaders.h"
 
 #include "Support/Tool.h"
 
