@@ -76,6 +76,10 @@ std::optional<StorageCalculator::CardType> StorageCalculator::cardType(std::stri
     return first(cardTypes(), id);
 }
 
+std::optional<Resolution> StorageCalculator::resolution(std::string_view id) {
+    return first(Resolution::all(), id);
+}
+
 double StorageCalculator::mbps(const Codec& codec, const Resolution& resolution, double fps,
                                std::optional<double> customMbps) {
     return std::visit(Rate{resolution, fps, customMbps}, codec.model.value);
@@ -83,7 +87,7 @@ double StorageCalculator::mbps(const Codec& codec, const Resolution& resolution,
 
 std::optional<StorageCalculator::Estimate> StorageCalculator::estimate(const Plan& plan) {
     const auto codec = StorageCalculator::codec(plan.codecID);
-    const auto resolution = first(Resolution::all(), plan.resolutionID);
+    const auto resolution = StorageCalculator::resolution(plan.resolutionID);
     if (!codec || !resolution) return std::nullopt;
 
     Estimate result;

@@ -28,7 +28,8 @@ struct StorageCalculator {
         static const Resolution dci4k;
         static const Resolution uhd8k;
 
-        /// The four, in the order in which a picker shows them.
+        /// The four, in the order in which a picker shows them. At any time; the constants are for
+        /// the time after the start of `main`.
         static std::span<const Resolution> all();
     };
 
@@ -144,6 +145,7 @@ struct StorageCalculator {
     /// Absent for an id that is not in the table.
     static std::optional<Codec> codec(std::string_view id);
     static std::optional<CardType> cardType(std::string_view id);
+    static std::optional<Resolution> resolution(std::string_view id);
 
     /// The bitrate of one camera. `customMbps` counts for a custom codec only.
     static double mbps(const Codec& codec, const Resolution& resolution, double fps,

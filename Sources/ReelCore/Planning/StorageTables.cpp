@@ -6,15 +6,20 @@ namespace ReelCore {
 
 using Resolution = StorageCalculator::Resolution;
 
-const Resolution Resolution::hd{"hd", "HD 1920×1080", 1920, 1080};
-const Resolution Resolution::uhd{"uhd", "UHD 3840×2160", 3840, 2160};
-const Resolution Resolution::dci4k{"4kdci", "4K DCI 4096×2160", 4096, 2160};
-const Resolution Resolution::uhd8k{"8k", "8K 7680×4320", 7680, 4320};
-
 std::span<const Resolution> Resolution::all() {
-    static const std::array resolutions{hd, uhd, dci4k, uhd8k};
+    static const std::array resolutions{
+        Resolution{"hd", "HD 1920×1080", 1920, 1080},
+        Resolution{"uhd", "UHD 3840×2160", 3840, 2160},
+        Resolution{"4kdci", "4K DCI 4096×2160", 4096, 2160},
+        Resolution{"8k", "8K 7680×4320", 7680, 4320},
+    };
     return resolutions;
 }
+
+const Resolution Resolution::hd = all()[0];
+const Resolution Resolution::uhd = all()[1];
+const Resolution Resolution::dci4k = all()[2];
+const Resolution Resolution::uhd8k = all()[3];
 
 std::span<const std::int64_t> StorageCalculator::driveSizesTB() {
     static constexpr std::array<std::int64_t, 9> sizes{1, 2, 4, 5, 8, 12, 16, 20, 24};

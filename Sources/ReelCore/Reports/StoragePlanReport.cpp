@@ -4,7 +4,7 @@
 #include "ReelCore/Reports/Report.h"
 #include "ReelCore/Reports/ReportFormat.h"
 
-#include <algorithm>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -14,7 +14,6 @@ namespace {
 
 using Plan = StorageCalculator::Plan;
 using Estimate = StorageCalculator::Estimate;
-using Resolution = StorageCalculator::Resolution;
 
 /// A number of gigabytes, in decimal units.
 std::string amount(double gb) {
@@ -29,9 +28,8 @@ std::string recordingFormat(const Plan& plan) {
     const auto codec = StorageCalculator::codec(plan.codecID);
     std::string text = codec ? codec->name : plan.codecID;
     if (codec && codec->usesResolution) {
-        const auto known = Resolution::all();
-        const auto found = std::ranges::find(known, plan.resolutionID, &Resolution::id);
-        if (found != known.end()) text += " · " + found->name;
+        const auto resolution = StorageCalculator::resolution(plan.resolutionID);
+        if (resolution) text += " · " + resolution->name;
     }
     return fmt::format("{} · {:g} fps", text, plan.fps);
 }

@@ -27,7 +27,8 @@ struct TranscodePreset {
     static const TranscodePreset dnxhrHQ;
     static const TranscodePreset h264Review;
 
-    /// The six, in the order in which a picker shows them.
+    /// The six, in the order in which a picker shows them. At any time; the constants are for the
+    /// time after the start of `main`.
     static std::span<const TranscodePreset> all();
 };
 

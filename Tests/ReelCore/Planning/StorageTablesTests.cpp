@@ -16,6 +16,9 @@ using Scaled = StorageCalculator::RateModel::Scaled;
 using Tiered = StorageCalculator::RateModel::Tiered;
 using Custom = StorageCalculator::RateModel::Custom;
 
+/// Read before `main`, maybe also before the library's own constants are there.
+const auto resolutionsAtStart = Resolution::all();
+
 /// Compares record by record, so that a failure names the one that differs.
 template <class Record>
 void expectTable(std::span<const Record> table, const std::vector<Record>& expected) {
@@ -32,6 +35,13 @@ TEST(StorageTables, Resolutions_AreFourFromTheSmallestUp) {
                                     {"uhd", "UHD 3840×2160", 3840, 2160},
                                     {"4kdci", "4K DCI 4096×2160", 4096, 2160},
                                     {"8k", "8K 7680×4320", 7680, 4320}});
+}
+
+TEST(StorageTables, ResolutionsReadBeforeMain_AreWhole) {
+    expectTable(resolutionsAtStart, {{"hd", "HD 1920×1080", 1920, 1080},
+                                     {"uhd", "UHD 3840×2160", 3840, 2160},
+                                     {"4kdci", "4K DCI 4096×2160", 4096, 2160},
+                                     {"8k", "8K 7680×4320", 7680, 4320}});
 }
 
 TEST(StorageTables, ResolutionConstants_AreThoseOfTheTable) {
@@ -109,6 +119,15 @@ TEST(StorageTables, Codec_IsFoundByItsExactID) {
     EXPECT_FALSE(StorageCalculator::codec("PRORES_422"));
     EXPECT_FALSE(StorageCalculator::codec("prores"));
     EXPECT_FALSE(StorageCalculator::codec(""));
+}
+
+TEST(StorageTables, Resolution_IsFoundByItsExactID) {
+    for (const Resolution& one : Resolution::all()) {
+        EXPECT_TRUE(StorageCalculator::resolution(one.id) == one) << one.id;
+    }
+    EXPECT_FALSE(StorageCalculator::resolution("HD"));
+    EXPECT_FALSE(StorageCalculator::resolution("8"));
+    EXPECT_FALSE(StorageCalculator::resolution(""));
 }
 
 TEST(StorageTables, CardType_IsFoundByItsExactID) {

@@ -8,6 +8,23 @@ namespace {
 
 const std::vector<std::string> pcm{"-c:a", "pcm_s16le"};
 
+/// Read before `main`, maybe also before the library's own constants are there.
+const auto presetsAtStart = TranscodePreset::all();
+
+TEST(TranscodePreset, ReadBeforeMain_AreWhole) {
+    const std::vector<TranscodePreset> presets(presetsAtStart.begin(), presetsAtStart.end());
+
+    EXPECT_EQ(presets, (std::vector<TranscodePreset>{
+                           TranscodePreset::proResProxy, TranscodePreset::proRes422,
+                           TranscodePreset::proRes422HQ, TranscodePreset::dnxhrLB,
+                           TranscodePreset::dnxhrHQ, TranscodePreset::h264Review}));
+    for (const TranscodePreset& preset : presetsAtStart) {
+        EXPECT_NE(preset.id, "");
+        EXPECT_EQ(preset.videoArgs.at(0), "-c:v") << preset.id;
+        EXPECT_EQ(preset.audioArgs.at(0), "-c:a") << preset.id;
+    }
+}
+
 TEST(TranscodePreset, All_AreTheSixInThePickersOrder) {
     std::vector<std::string> ids;
     for (const TranscodePreset& preset : TranscodePreset::all()) ids.push_back(preset.id);
