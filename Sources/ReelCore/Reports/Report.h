@@ -33,15 +33,6 @@ struct Report {
         bool operator==(const Table&) const = default;
     };
 
-    std::string title;                    ///< The kind of document.
-    std::optional<std::string> subtitle;  ///< What it is about, such as the reel.
-    std::vector<Field> summary;           ///< The facts, in order.
-    std::optional<Table> table;           ///< The detail.
-    Date generatedAt;
-    std::string tool;  ///< Name and version of the tool.
-
-    bool operator==(const Report&) const = default;
-
     /// A clip that could not be rendered.
     struct Failure {
         std::string name;
@@ -59,6 +50,15 @@ struct Report {
 
         bool operator==(const PlannedCards&) const = default;
     };
+
+    std::string title;                    ///< The kind of document.
+    std::optional<std::string> subtitle;  ///< What it is about, such as the reel.
+    std::vector<Field> summary;           ///< The facts, in order.
+    std::optional<Table> table;           ///< The detail.
+    Date generatedAt;
+    std::string tool;  ///< Name and version of the tool.
+
+    bool operator==(const Report&) const = default;
 
     /// The name of the report's files without an extension.
     std::string fileBase() const;

@@ -10,12 +10,15 @@ namespace ReelCore {
 /// Writes groups of picture and sound as a timeline: an FCPXML 1.9 document, the clips end to end
 /// in the order of the groups, each with its best sound. Its one format is that of the first clip.
 struct FCPXMLWriter {
-    /// The document. Times that are no numbers are a fatal fault.
+    /// The document. Throws SystemError where a clip's location is relative and there is no working
+    /// folder. A time that is no number or too large is a fatal fault, and so is a first clip whose
+    /// rate counts no frames a second.
     static std::string fcpxml(const SyncResult& result, std::string_view project,
                               std::string_view event);
 
     /// Writes the document to `url`, in place of what is there, and returns `url`. Throws
-    /// SystemError; what was written until then stays.
+    /// SystemError: where `fcpxml` does, before anything is touched, or where the system fails;
+    /// what was written until then stays.
     static URL write(const SyncResult& result, const URL& url, std::string_view project);
 };
 
