@@ -223,8 +223,9 @@ TEST_F(BWFCostTest, Read_SlateThatClaimsFourGigabytes_IsCutAt16MiB) {
     writeSparse(recording(), {{0, header}, {place, last + "<TAKE>3</TAKE>"}}, size);
 
     const auto [clip, cost] = countedRead(recording());
-    const int status =
-        statusOfForked([&] { return peakRaisedBy(recording()) < 64 * 1024 ? 0 : 1; });
+    // Four gigabytes if it were not cut; a sanitizer keeps some bytes for each of the program's.
+    constexpr std::int64_t mostKiB = 512 * 1024;
+    const int status = statusOfForked([&] { return peakRaisedBy(recording()) < mostKiB ? 0 : 1; });
 
     EXPECT_EQ(clip.scene, "12") << "the last that is read";
     EXPECT_EQ(clip.take, std::nullopt) << "the first that is not";
