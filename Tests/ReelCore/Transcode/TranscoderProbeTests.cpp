@@ -82,6 +82,16 @@ TEST_F(TranscoderProbe, ProgramThatIsNone_PassesTheSystemsFailureOn) {
     }
 }
 
+TEST_F(TranscoderProbe, ProgramThatIsNone_LeavesTheLengthUnknownAndRuns) {
+    const FakeTool ffmpeg("FFMPEG_PATH");
+    writeFile(folder() / "text", "no program");
+    std::filesystem::permissions(folder() / "text", std::filesystem::perms(0755));
+    const TestSupport::EnvironmentVariable ffprobe("FFPROBE_PATH", folder() / "text");
+
+    EXPECT_EQ(Transcoder().run(anyJob(), ignoreProgress).durationSeconds, 0.0);
+    EXPECT_EQ(ffmpeg.calls().size(), 1U);
+}
+
 }  // namespace
 
 }  // namespace ReelCore

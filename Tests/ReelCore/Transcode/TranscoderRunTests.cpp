@@ -293,16 +293,6 @@ TEST_F(TranscoderRun, UnknownLength_KeepsTheFractionAtZeroAndRuns) {
     }
 }
 
-TEST_F(TranscoderRun, ProbeThatIsNoProgram_LeavesTheLengthUnknownAndRuns) {
-    const FakeTool ffmpeg("FFMPEG_PATH");
-    writeFile(folder() / "text", "no program");
-    std::filesystem::permissions(folder() / "text", std::filesystem::perms(0755));
-    const TestSupport::EnvironmentVariable ffprobe("FFPROBE_PATH", folder() / "text");
-
-    EXPECT_EQ(Transcoder().run(anyJob(), ignoreProgress).durationSeconds, 0.0);
-    EXPECT_EQ(ffmpeg.calls().size(), 1U);
-}
-
 }  // namespace
 
 }  // namespace ReelCore
