@@ -5,6 +5,7 @@
 # cleaned up on every way out. The programs come from $KELDO_BIN, by default build/release/bin.
 
 set -euo pipefail
+shopt -s inherit_errexit
 export LC_ALL=C
 brief=false
 [ "${1:-}" = --brief ] && brief=true && shift
@@ -29,7 +30,7 @@ drop_caches() {
 # seconds COMMAND...: how long a command takes; what it prints goes to standard error.
 seconds() {
     local start=$EPOCHREALTIME
-    "$@" >&2
+    "$@" >&2 || return
     awk -v a="$start" -v b="$EPOCHREALTIME" 'BEGIN { printf "%.3f\n", b - a }'
 }
 

@@ -32,8 +32,9 @@ struct ChildProcess {
     /// Reads neither, and gives the exit status.
     static int status(const URL& program, const std::vector<std::string>& arguments);
 
-    /// Ends every child that any thread is still waiting for. For the end of the application: what
-    /// a dropped job started must not outlive it.
+    /// Asks every child that any thread is still waiting for, and what it has started itself, to
+    /// end (SIGTERM). For the end of the application: what a dropped job started is not to outlive
+    /// it.
     static void endAll();
 };
 

@@ -30,6 +30,12 @@ bool FileSystem::leadsSomewhere(const URL& path) {
     return fs::exists(path, ignored);
 }
 
+bool FileSystem::isPipeOrDevice(const URL& path) {
+    std::error_code ignored;
+    const fs::file_status status = fs::status(path, ignored);
+    return fs::exists(status) && !fs::is_regular_file(status) && !fs::is_directory(status);
+}
+
 bool FileSystem::isExecutable(const URL& path) {
     std::error_code ignored;
     return fs::is_regular_file(path, ignored) && ::access(path.c_str(), X_OK) == 0;

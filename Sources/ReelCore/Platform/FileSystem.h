@@ -30,6 +30,10 @@ struct FileSystem {
     /// True if a file or anything else stands where `path` leads, through links.
     static bool leadsSomewhere(const URL& path);
 
+    /// True if a pipe, a socket or a device stands where `path` leads: it may keep who reads it
+    /// waiting for ever.
+    static bool isPipeOrDevice(const URL& path);
+
     /// True if a regular file that this process may execute stands where `path` leads.
     static bool isExecutable(const URL& path);
 

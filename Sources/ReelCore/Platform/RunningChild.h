@@ -38,6 +38,9 @@ private:
 /// through a shell. It inherits nothing but the environment, the working folder, an empty standard
 /// input and the two streams named. One thread at a time.
 ///
+/// The child leads a process group of its own: what a terminal sends to this program (Ctrl-C) does
+/// not reach it.
+///
 /// The child never outlives this object: left without `wait`, as by an exception, it is ended.
 class RunningChild {
 public:
@@ -54,7 +57,8 @@ public:
     RunningChild& operator=(const RunningChild&) = delete;
 
     /// Waits up to `patience` for the child to write and reads what is there, at most `into`: 0 at
-    /// the end of the stream, as after `end`; absent if nothing came.
+    /// the end of the stream, as after `end`; absent if nothing came. Throws SystemError if the
+    /// stream can't be read.
     std::optional<std::size_t> read(std::span<char> into, std::chrono::milliseconds patience);
 
     /// Reads to the end of the stream.
@@ -67,7 +71,7 @@ public:
 
     /// Waits for the child's end and gives its exit status, for a child that a signal ended 128 and
     /// the signal's number. Throws SystemError if the system does not tell, as where the process
-    /// ignores the signal of that.
+    /// ignores the signal of that, or after `end` or another `wait`.
     int wait();
 
     /// Asks every child of this process that runs, and what it has started itself, to end

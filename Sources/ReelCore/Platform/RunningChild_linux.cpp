@@ -6,7 +6,6 @@
 #include <csignal>
 #include <mutex>
 #include <optional>
-#include <set>
 #include <thread>
 
 #include <fcntl.h>
@@ -34,12 +33,15 @@ public:
     template <class Start>
     pid_t add(Start start) {
         const std::lock_guard guard(lock_);
-        return *children_.insert(start()).first;
+        // First the room: a child that has no place on the list would run on unseen.
+        children_.reserve(children_.size() + 1);
+        children_.push_back(start());
+        return children_.back();
     }
 
     void remove(pid_t child) {
         const std::lock_guard guard(lock_);
-        children_.erase(child);
+        std::erase(children_, child);
     }
 
     void end() {
@@ -49,7 +51,7 @@ public:
 
 private:
     std::mutex lock_;
-    std::set<pid_t> children_;
+    std::vector<pid_t> children_;
 };
 
 class SpawnActions {
@@ -103,6 +105,28 @@ struct Descriptors {
     int error;
 };
 
+/// The same stream under a number that is no standard stream's: those are taken for the child's own
+/// while it starts. Where a standard stream of this process is closed, any file may have its
+/// number.
+class RaisedDescriptor {
+public:
+    explicit RaisedDescriptor(int descriptor) {
+        if (descriptor < 0) return;
+        number_ = ::fcntl(descriptor, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+        if (number_ < 0) throwSystemError();
+    }
+    ~RaisedDescriptor() {
+        if (number_ >= 0) ::close(number_);
+    }
+    RaisedDescriptor(const RaisedDescriptor&) = delete;
+    RaisedDescriptor& operator=(const RaisedDescriptor&) = delete;
+
+    int number() const { return number_; }
+
+private:
+    int number_ = -1;
+};
+
 /// -1 is nowhere.
 void connect(SpawnActions& actions, int descriptor, int stream) {
     if (descriptor >= 0) {
@@ -113,11 +137,13 @@ void connect(SpawnActions& actions, int descriptor, int stream) {
 }
 
 pid_t start(const URL& program, const std::vector<std::string>& arguments, Descriptors streams) {
+    const RaisedDescriptor output(streams.output);
+    const RaisedDescriptor error(streams.error);
     const SpawnAttributes attributes;
     SpawnActions actions;
     ::posix_spawn_file_actions_addopen(actions.get(), STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-    connect(actions, streams.output, STDOUT_FILENO);
-    connect(actions, streams.error, STDERR_FILENO);
+    connect(actions, output.number(), STDOUT_FILENO);
+    connect(actions, error.number(), STDERR_FILENO);
     ::posix_spawn_file_actions_addclosefrom_np(actions.get(), STDERR_FILENO + 1);
     pid_t child = 0;
     const int failure = ::posix_spawn(&child, program.c_str(), actions.get(), attributes.get(),
@@ -132,9 +158,6 @@ class RunningChild::Pipe {
 public:
     Pipe() {
         if (::pipe2(ends_.data(), O_CLOEXEC) != 0) throwSystemError();
-        // Where a standard stream of this process is closed, a pipe takes its number, which the
-        // child's own streams would then be put in place of.
-        for (int& end : ends_) moveAway(end);
     }
     ~Pipe() {
         closeWriteEnd();
@@ -153,21 +176,15 @@ public:
                                     std::chrono::milliseconds patience) const {
         if (ends_[0] < 0) return 0;
         pollfd readable{.fd = ends_[0], .events = POLLIN, .revents = 0};
-        if (::poll(&readable, 1, static_cast<int>(patience.count())) <= 0) return std::nullopt;
-        const ssize_t count = ::read(ends_[0], into.data(), into.size());
+        const int ready = ::poll(&readable, 1, static_cast<int>(patience.count()));
+        if (ready == 0) return std::nullopt;
+        const ssize_t count = ready < 0 ? -1 : ::read(ends_[0], into.data(), into.size());
         if (count < 0 && errno == EINTR) return std::nullopt;
-        return count < 0 ? 0 : static_cast<std::size_t>(count);
+        if (count < 0) throwSystemError();
+        return static_cast<std::size_t>(count);
     }
 
 private:
-    static void moveAway(int& end) {
-        if (end > STDERR_FILENO) return;
-        const int moved = ::fcntl(end, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
-        if (moved < 0) throwSystemError();
-        ::close(end);
-        end = moved;
-    }
-
     static void close(int& end) {
         if (end >= 0) ::close(end);
         end = -1;
@@ -237,8 +254,13 @@ void RunningChild::waitForEnd(std::chrono::milliseconds time) const {
     } while (std::chrono::steady_clock::now() < limit);
 }
 
-/// Absent, with `errno` set, if the system does not tell.
+/// Absent, with `errno` set, if the system does not tell, or has told before: the number may then
+/// be another child's.
 std::optional<int> RunningChild::reap() {
+    if (isReaped_) {
+        errno = ECHILD;
+        return std::nullopt;
+    }
     siginfo_t ended{};
     while (::waitid(P_PID, static_cast<id_t>(number_), &ended, WEXITED | WNOWAIT) != 0 &&
            errno == EINTR) {

@@ -50,8 +50,7 @@ std::string line(const SyncGroup& group, const FrameRate& timelineRate) {
 }  // namespace
 
 std::string ALEWriter::ale(const SyncResult& result) {
-    const FrameRate rate =
-        result.groups.empty() ? FrameRate::fps24 : result.groups.front().video.frameRate;
+    const FrameRate rate = result.timelineRate();
     std::string text = fmt::format(
         "Heading\nFIELD_DELIM\tTABS\nVIDEO_FORMAT\t1080\nAUDIO_FORMAT\t48kHz\nFPS\t{:.2f}\n\n"
         "Column\nName\tTracks\tStart\tEnd\tTape\tScene\tTake\tSound Roll\tSound TC\n\nData\n",

@@ -49,7 +49,7 @@ struct Format {
 Format formatOf(const SyncResult& result) {
     if (result.groups.empty()) return {};
     const VideoClip& first = result.groups.front().video;
-    return {first.frameRate, first.width, first.height};
+    return {result.timelineRate(), first.width, first.height};
 }
 
 /// The media that the clips refer to, each location once, numbered in the order of first use.

@@ -9,6 +9,11 @@ const SyncGroup::Match* SyncGroup::best() const {
     return found == audio.end() ? nullptr : &*found;
 }
 
+FrameRate SyncResult::timelineRate() const {
+    if (groups.empty() || !groups.front().video.frameRate.isCountable()) return FrameRate::fps24;
+    return groups.front().video.frameRate;
+}
+
 std::int64_t SyncResult::syncedCount() const {
     return std::ranges::count_if(groups, &SyncGroup::isSynced);
 }

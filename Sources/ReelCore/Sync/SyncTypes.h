@@ -65,7 +65,7 @@ struct SyncGroup {
     bool isSynced() const { return !audio.empty(); }
 
     /// The match of the highest coverage, the first of those that share it; null where there is
-    /// none.
+    /// none. It belongs to the group.
     const Match* best() const;
 };
 
@@ -74,6 +74,10 @@ struct SyncResult {
     std::vector<AudioClip> unmatchedAudio;  ///< What overlaps no video.
 
     bool operator==(const SyncResult&) const = default;
+
+    /// The rate in which a timeline of the groups is counted: that of the first clip, 24 where
+    /// there is none or its rate can't be counted in.
+    FrameRate timelineRate() const;
 
     /// The number of groups with sound.
     std::int64_t syncedCount() const;

@@ -9,6 +9,7 @@
 #include "ReelCore/Transcribe/AudioExtractor.h"
 
 #include <algorithm>
+#include <cmath>
 #include <functional>
 #include <string>
 #include <vector>
@@ -37,7 +38,8 @@ SyncGroup::Match matchOf(const VideoClip& video, const AudioClip& audio, double 
 
 double durationOf(const URL& url) {
     try {
-        return Transcoder().probeDuration(url);
+        const double seconds = Transcoder().probeDuration(url);
+        return std::isfinite(seconds) ? seconds : 0.0;
     } catch (const Error&) {
         return 0.0;
     }

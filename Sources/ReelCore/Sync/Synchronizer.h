@@ -28,7 +28,8 @@ struct Synchronizer {
 
     /// Reads every clip and recording below a folder and matches those that overlap by half a
     /// second or more. What can't be read is left out without a word; a folder that is missing has
-    /// nothing in it. Throws SystemError only where the listing of a folder breaks off.
+    /// nothing in it. Throws SystemError only where the listing of a folder breaks off, or where
+    /// this process has no means left to read one.
     static SyncResult scan(const URL& directory);
 
     /// Throws what AudioExtractor::probe throws. A clip whose length can't be learned has the

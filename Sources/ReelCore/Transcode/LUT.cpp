@@ -6,7 +6,7 @@
 namespace ReelCore {
 
 std::string LUT::name() const {
-    return url.stem().native();
+    return withoutSlashAtEnd(url).stem().native();
 }
 
 void LUT::validate() const {

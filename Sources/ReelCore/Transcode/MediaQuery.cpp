@@ -2,15 +2,20 @@
 
 #include "ReelCore/Platform/ChildProcess.h"
 #include "ReelCore/Platform/FileSystem.h"
+#include "ReelCore/Platform/SystemError.h"
 #include "ReelCore/Platform/Text.h"
+
+#include <cerrno>
 
 namespace ReelCore {
 
 std::string toolPath(const URL& url) {
+    if (FileSystem::isPipeOrDevice(url)) throw SystemError(EINVAL, url);
     return FileSystem::absolute(url).native();
 }
 
 std::string answerOf(const URL& ffprobe, std::vector<std::string> arguments, const URL& file) {
+    if (FileSystem::isPipeOrDevice(file)) return {};
     arguments.push_back(toolPath(file));
     const std::string answer = ChildProcess::readOutput(ffprobe, arguments).output;
     return Text::isWellFormed(answer) ? Text::trimmed(answer) : "";

@@ -19,7 +19,7 @@ public:
         : report_(std::move(report)) {}
 
     /// The next bytes of the stream, cut anywhere. Lines that are not UTF-8 or have no "=" are
-    /// passed over; so is what follows the last report in the same bytes.
+    /// passed over; what follows the last report is left for the next bytes.
     void take(std::string_view bytes);
 
 private:

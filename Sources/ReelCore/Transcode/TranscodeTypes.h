@@ -25,7 +25,7 @@ struct TranscodeRequest {
 
 /// How far a transcode is, by ffmpeg's own word.
 struct TranscodeProgress {
-    double fractionComplete = 0.0;  ///< 0 to 1; stays 0 where the length is unknown.
+    double fractionComplete = 0.0;  ///< At most 1; stays 0 where the length is unknown.
     double currentSeconds = 0.0;
     double totalSeconds = 0.0;
     std::optional<double> fps;         ///< Frames encoded in a second of the clock.

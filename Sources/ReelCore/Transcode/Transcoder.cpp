@@ -54,8 +54,7 @@ bool readReports(RunningChild& ffmpeg, ProgressReports& reports,
 
 }  // namespace
 
-Transcoder::Transcoder(std::function<bool()> asksForCancel)
-    : isCancelled(std::move(asksForCancel)) {}
+Transcoder::Transcoder(std::function<bool()> asked) : isCancelled(std::move(asked)) {}
 
 double Transcoder::probeDuration(const URL& url) const {
     const auto ffprobe = locator.ffprobe();
@@ -77,7 +76,7 @@ TranscodeResult Transcoder::run(
     const std::function<void(const TranscodeProgress&)>& progress) const {
     const auto ffmpeg = locator.ffmpeg();
     if (!ffmpeg) throw TranscodeError(TranscodeError::FFmpegNotFound{});
-    if (!FileSystem::leadsSomewhere(request.input)) {
+    if (!FileSystem::leadsSomewhere(request.input) || FileSystem::isPipeOrDevice(request.input)) {
         throw TranscodeError(TranscodeError::InputNotFound{request.input});
     }
     if (request.lut) request.lut->validate();

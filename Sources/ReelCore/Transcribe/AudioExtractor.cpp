@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <iterator>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <fmt/format.h>
@@ -42,6 +43,16 @@ Arguments monoArguments(const SpeakerTrack& track) {
             "[a]"};
 }
 
+/// A tag in a file may hold anything, and a label that can't be counted is a fatal fault: at such a
+/// rate, or with such fields, it counts as unreadable.
+std::optional<Timecode> readTimecode(const std::string& text, const FrameRate& rate) {
+    constexpr std::size_t longestField = 9;
+    for (const std::string_view field : piecesOf(text, ":;.")) {
+        if (field.size() > longestField) return std::nullopt;
+    }
+    return rate.isCountable() ? Timecode::parse(text, rate) : std::nullopt;
+}
+
 }  // namespace
 
 AudioExtractor::ClipInfo AudioExtractor::probe(const URL& url) const {
@@ -59,7 +70,7 @@ AudioExtractor::ClipInfo AudioExtractor::probe(const URL& url) const {
     info.frameRate = FrameRate::fromFFmpeg(rate.empty() ? "24" : rate);
     std::string timecode = ask({"-select_streams", "v:0", "-show_entries", "stream_tags=timecode"});
     if (timecode.empty()) timecode = ask({"-show_entries", "format_tags=timecode"});
-    info.startTimecode = Timecode::parse(timecode, info.frameRate);
+    info.startTimecode = readTimecode(timecode, info.frameRate);
     info.audioChannels =
         parseInteger(ask({"-select_streams", "a:0", "-show_entries", "stream=channels"}))
             .value_or(0);

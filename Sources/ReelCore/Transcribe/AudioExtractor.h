@@ -27,16 +27,19 @@ struct AudioExtractor {
 
     FFmpegLocator ff;
 
-    /// A file that ffprobe can't read has 24 frames a second and nothing else.
+    /// A file that ffprobe can't read has 24 frames a second and nothing else. A timecode that
+    /// can't be counted, by its fields or by the rate, is none.
     ClipInfo probe(const URL& url) const;
 
-    /// Writes the sound of one speaker to "spk_NAME.wav" in `directory`, which must be there: all
-    /// of the track's own file, or its channel of `input`, or a downmix of that. Returns where.
+    /// Writes the sound of one speaker to "spk_NAME.wav" in `directory`, which must be there: a
+    /// downmix of the track's own file, or its channel of the first audio stream of `input`, or a
+    /// downmix of that. Of several audio streams a downmix takes the one that ffmpeg prefers.
+    /// Returns where.
     /// Throws TranscribeError::ExtractionFailed with the end of what ffmpeg said.
     URL extract(const SpeakerTrack& track, const URL& input, const URL& directory) const;
 
-    /// Writes a downmix of all sound of `input` to "mix.wav" in `directory`, which is made. Returns
-    /// where. Throws as `extract` does.
+    /// Writes a downmix of the audio stream of `input` that ffmpeg prefers to "mix.wav" in
+    /// `directory`, which is made. Returns where. Throws as `extract` does.
     URL extractMix(const URL& input, const URL& directory) const;
 };
 

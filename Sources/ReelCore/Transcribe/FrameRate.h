@@ -22,7 +22,7 @@ public:
 
     /// Reads what ffprobe prints for a rate: "30000/1001", "25/1" or a bare decimal. What is no
     /// number, or is divided by zero, is 24. A true 60 counts as 59.94. Never a drop-frame rate: a
-    /// rate alone does not tell. A rate that no whole number is near is a fatal fault.
+    /// rate alone does not tell. A rate that is not finite, or beyond 64 bits, is a fatal fault.
     static FrameRate fromFFmpeg(std::string_view text);
 
     /// Frames that a second of timecode counts.
@@ -30,6 +30,10 @@ public:
 
     /// Frames that pass in a second of the clock.
     constexpr double real() const { return real_; }
+
+    /// True for 1 to 100,000 frames a second: labels and lengths of frames at any other rate are
+    /// fatal faults, or near it.
+    constexpr bool isCountable() const { return nominal_ >= 1 && nominal_ <= 100'000; }
 
     /// True if labels are left out so that timecode keeps to the clock (SMPTE ST 12-1).
     constexpr bool isDrop() const { return dropFramesPerMinute_ != 0; }

@@ -10,6 +10,7 @@
 
 #include <cmath>
 #include <exception>
+#include <system_error>
 
 #include <fmt/format.h>
 #include <opencv2/imgcodecs.hpp>
@@ -29,6 +30,8 @@ URL FrameGrabber::grabFile(const URL& url, double seconds, const URL& directory)
     FileSystem::createFolders(directory);
     const std::int64_t milliseconds = checkedInteger(std::round(seconds * 1000.0));
     URL output = directory / fmt::format("frame_{}.jpg", milliseconds);
+    std::error_code ignored;
+    std::filesystem::remove(output, ignored);  // no earlier frame may be taken for this one
     const std::string time = shortestDecimal(seconds);
     const int status =
         ChildProcess::status(*ffmpeg, {"-y", "-v", "error", "-ss", time, "-i", toolPath(url),
@@ -42,7 +45,7 @@ URL FrameGrabber::grabFile(const URL& url, double seconds, const URL& directory)
 
 std::optional<StillImage> FrameGrabber::loadCGImage(const URL& url) {
     try {
-        const File file = File::openForReading(url);
+        const File file = File::openForReading(url, FileLinks::follow);
         if (file.size() > largestStill) return std::nullopt;
         std::vector<std::byte> bytes(static_cast<std::size_t>(file.size()));
         bytes.resize(file.readAt(0, bytes));

@@ -18,11 +18,12 @@ struct FrameGrabber {
     /// `directory`, which is made, and returns where; a frame of the same millisecond is replaced.
     /// Blocks until ffmpeg has ended. Throws TranscribeError: FFmpegNotFound, ExtractionFailed
     /// where no frame came; SystemError where the folder can't be made or ffmpeg not be started. A
-    /// time that is no number is a fatal fault.
+    /// time that is no number is a fatal fault. ffmpeg takes a "%d" in the folder's path for the
+    /// number of a frame, and then no frame comes.
     URL grabFile(const URL& url, double seconds, const URL& directory) const;
 
-    /// Loads a picture as it is stored, without turning it; absent for a file that is none, is a
-    /// link, or has more than 512 MiB.
+    /// Loads a picture as it is stored, without turning it; absent for a file that is none or has
+    /// more than 512 MiB.
     static std::optional<StillImage> loadCGImage(const URL& url);
 };
 

@@ -1,4 +1,5 @@
 #include "ReelCore/Platform/RunningChild.h"
+#include "ReelCore/Platform/SystemError.h"
 #include "Shell.h"
 #include "Support/FolderTree.h"
 
@@ -111,6 +112,19 @@ TEST(RunningChild, AfterWait_EndLeavesOtherProcessesAlone) {
     child.end();
 
     EXPECT_TRUE(hasNoChildren());
+}
+
+TEST(RunningChild, WaitAfterEndOrAnotherWait_LeavesOtherChildrenAlone) {
+    Shell ended("exec sleep 600");
+    ended.end();
+    Shell waitedFor("exit 0", {});
+    waitedFor.wait();
+    Shell other("exit 7");
+
+    EXPECT_THROW(ended.wait(), SystemError);
+    EXPECT_THROW(waitedFor.wait(), SystemError);
+
+    EXPECT_EQ(other.wait(), 7);
 }
 
 TEST(RunningChild, LeftByAnException_IsEnded) {

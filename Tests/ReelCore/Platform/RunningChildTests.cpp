@@ -126,15 +126,19 @@ TEST(RunningChild, InheritsNothingButTheThreeStreams) {
     EXPECT_EQ(descriptors, "0\n1\n2\n");
 }
 
+// A file or a pipe of this process then has a number of 0 to 2.
 TEST(RunningChild, StandardStreamsOfThisProcessClosed_ChildHasItsOwnAllTheSame) {
-    const int status = TestSupport::statusOfForked([] {
+    const TemporaryFolder folder;
+    const int status = TestSupport::statusOfForked([&] {
         for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) ::close(stream);
+        const File log = File::create(folder.path() / "log");
         Shell child("cat; echo out; echo err >&2",
-                    {.output = ChildStream::pipe(), .error = ChildStream::nowhere()});
+                    {.output = ChildStream::pipe(), .error = ChildStream::file(log)});
         return child.readAll() == "out\n" && child.wait() == 0 ? 0 : 1;
     });
 
     EXPECT_EQ(status, 0);
+    EXPECT_EQ(TestSupport::readFile(folder.path() / "log"), "err\n");
 }
 
 TEST(RunningChild, InheritsEnvironmentAndWorkingFolder) {

@@ -210,6 +210,15 @@ TEST_F(TranscoderFailure, NoFFprobe_FailsTheProbeButNotTheRun) {
     EXPECT_EQ(ffmpeg.calls().size(), 1U);
 }
 
+TEST_F(TranscoderFailure, PipeAsInput_IsNotWaitedFor) {
+    const URL pipe = folder() / "A001.mov";
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    const TranscodeRequest job{pipe, folder() / "out", TranscodePreset::proRes422, std::nullopt,
+                               std::nullopt};
+
+    EXPECT_TRUE(failureOf<TranscodeError::InputNotFound>(job));
+}
+
 TEST_F(TranscoderFailure, Input_IsAskedForBeforeLUTAndFolder) {
     const FakeTool ffmpeg("FFMPEG_PATH");
     const TranscodeRequest job{folder() / "missing.mov", folder() / "out",

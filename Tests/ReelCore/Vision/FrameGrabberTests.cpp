@@ -182,6 +182,21 @@ TEST_F(FrameGrabberOnClip, TimeBehindTheEnd_IsAFailure) {
               "frame grab at 2.5s failed");
 }
 
+TEST_F(FrameGrabberOnClip, TimeBehindTheEndWithAnEarlierStill_DoesNotGiveThatForIt) {
+    std::filesystem::create_directories(stills_);
+    TestSupport::writeFile(stills_ / "frame_3600000.jpg", "of a longer clip");
+
+    EXPECT_EQ(failureOf([&] { grabber_.grabFile(clip_, 3600.0, stills_); }),
+              "frame grab at 3600.0s failed");
+}
+
+TEST_F(FrameGrabberOnClip, LinkToAStill_IsLoaded) {
+    const URL link = folder_.path() / "link.jpg";
+    std::filesystem::create_symlink(grabber_.grabFile(clip_, 1.0, stills_), link);
+
+    EXPECT_EQ(colourOf(link), "blue");
+}
+
 TEST_F(FrameGrabberOnClip, WhatIsNoClip_IsAFailureAndLeavesNoChild) {
     TestSupport::writeFile(folder_.path() / "empty.mov", "");
     TestSupport::writeFile(folder_.path() / "noise.mov", TestSupport::noise(100'000));
