@@ -44,6 +44,40 @@ class LayersTests(unittest.TestCase):
         self.allows("Sources/ReelCore/Models/A.cpp", "Sources/ReelCore/Platform/B.h")
         self.allows("Sources/ReelCore/Reports/A.cpp", "Sources/ReelCore/Offload/B.h")
 
+    def test_Library_FoldersIncludeDownwards_Allowed(self):
+        for path, target in (
+            ("CardFormat", "Offload"), ("Offload", "Hashing"), ("Hashing", "Models"),
+            ("Reports", "Sync"), ("Reports", "Planning"), ("Reports", "Transcode"),
+            ("Sync", "Transcribe"), ("Sync", "Transcode"), ("Vision", "Transcribe"),
+            ("Transcribe", "Transcode"), ("Transcode", "Models"), ("Planning", "Platform"),
+        ):
+            with self.subTest(f"{path} -> {target}"):
+                self.allows(f"Sources/ReelCore/{path}/A.cpp", f"Sources/ReelCore/{target}/B.h")
+
+    def test_Library_FoldersIncludeUpwardsOrAside_Refused(self):
+        for path, target in (
+            ("Offload", "Reports"), ("Offload", "CardFormat"), ("Hashing", "Offload"),
+            ("Sync", "Reports"), ("Sync", "Vision"), ("Sync", "Offload"),
+            ("Transcribe", "Sync"), ("Transcode", "Transcribe"), ("Planning", "Transcode"),
+            ("Planning", "Models"), ("Vision", "Sync"), ("CardFormat", "Reports"),
+        ):
+            with self.subTest(f"{path} -> {target}"):
+                self.refuses(f"Sources/ReelCore/{path}/A.cpp", f"Sources/ReelCore/{target}/B.h")
+
+    def test_Library_EngineAloneIncludesTheHashListOfReports(self):
+        engine = "Sources/ReelCore/Offload/OffloadEngine"
+        self.allows(f"{engine}.cpp", "Sources/ReelCore/Reports/MHLWriter.h")
+        self.allows(f"{engine}.cpp", "Sources/ReelCore/Offload/ReelFolder.h")
+        self.assertEqual(self.includes(f"{engine}.cpp", "Sources/ReelCore/Reports/Report.h"),
+                         [f"{engine}.cpp:1: {engine} may not include "
+                          "Sources/ReelCore/Reports/Report.h"])
+        self.refuses("Sources/ReelCore/Offload/A.cpp", "Sources/ReelCore/Reports/MHLWriter.h")
+
+    def test_Library_FolderWithoutARule_MayIncludeNoOther(self):
+        self.assertEqual(self.includes("Sources/ReelCore/New/A.h", "Sources/ReelCore/Models/B.h"),
+                         ["Sources/ReelCore/New/A.h:1: Sources/ReelCore/ may not include "
+                          "Sources/ReelCore/Models/B.h"])
+
     def test_Library_PlatformAndModelsIncludeUpwards_Refused(self):
         self.refuses("Sources/ReelCore/Platform/A.h", "Sources/ReelCore/Models/B.h")
         self.refuses("Sources/ReelCore/Models/A.h", "Sources/ReelCore/Offload/B.h")
@@ -52,7 +86,7 @@ class LayersTests(unittest.TestCase):
         path = "Sources/ReelCore/Offload/A.h"
         for target in ("Sources/keldo-app/Support/B.h", "Tests/Support/B.h"):
             self.assertEqual(self.includes(path, target),
-                             [f"{path}:1: Sources/ReelCore/ may not include {target}"])
+                             [f"{path}:1: Sources/ReelCore/Offload/ may not include {target}"])
         self.assertEqual(self.line(path, "#include <QString>"),
                          [f"{path}:2: <QString> may not be included here"])
 
@@ -181,6 +215,17 @@ class LayersTests(unittest.TestCase):
             with self.subTest(mark):
                 self.assertEqual(self.line(path, mark), [f"{path}:2: left behind: {mark}"])
         self.assertEqual(self.line(path, "// XXXL todo"), [])
+
+    def test_Docs_PlaceholderLeftBehind_Refused(self):
+        with tempfile.TemporaryDirectory() as folder:
+            for path, content in (("Sources/A.cpp", "a@HERE@b"), ("docs/b.md", "cost: @COST_X@"),
+                                  ("docs/formats/a.md", "mail a@B.org, TODO\n@ @A @a@")):
+                Path(folder, path).parent.mkdir(parents=True, exist_ok=True)
+                Path(folder, path).write_text(content, encoding="utf-8")
+            run = subprocess.run([LAYERS, folder], capture_output=True, text=True, check=False)
+        self.assertEqual(run.stdout, "docs/b.md:1: left behind: @COST_X@\n"
+                                     "layers: 1 files, 1 findings\n")
+        self.assertEqual(run.returncode, 1)
 
     def test_Tree_WithoutSources_Fails(self):
         with tempfile.TemporaryDirectory() as folder:
