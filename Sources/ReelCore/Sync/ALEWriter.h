@@ -10,8 +10,7 @@ namespace ReelCore {
 /// fields, one line a camera clip with the slate of its best sound.
 struct ALEWriter {
     /// The document. No field is cleaned: a tab in a scene stays one. A time that is no number or
-    /// too large is a fatal fault, and so is a rate that counts no frames a second wherever a label
-    /// is made of it.
+    /// too large is a fatal fault, and so is a timecode at a rate that counts no frames a second.
     static std::string ale(const SyncResult& result);
 
     /// Writes the document to `url`, in place of what is there, and returns `url`. Throws

@@ -11,8 +11,7 @@ namespace ReelCore {
 /// in the order of the groups, each with its best sound. Its one format is that of the first clip.
 struct FCPXMLWriter {
     /// The document. Throws SystemError where a clip's location is relative and there is no working
-    /// folder. A time that is no number or too large is a fatal fault, and so is a first clip whose
-    /// rate counts no frames a second.
+    /// folder. A time that is no number or too large is a fatal fault.
     static std::string fcpxml(const SyncResult& result, std::string_view project,
                               std::string_view event);
 
