@@ -11,7 +11,8 @@
 namespace ReelCore {
 
 /// Reads what a sound recorder wrote about its own file: a Broadcast WAV (EBU Tech 3285) with slate
-/// data in iXML. The sound itself is never read, whatever the file's size. Any thread.
+/// data in iXML. The sound itself is not read, whatever the file's size; where the recorder gave it
+/// no size it is looked through. Any thread.
 struct BWFReader {
     struct IXML {
         std::optional<std::string> scene;
