@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <functional>
 #include <string_view>
 #include <vector>
 
@@ -15,7 +16,8 @@ namespace ReelCore {
 
 namespace {
 
-/// A damaged clip can fill the log for hours; the last lines are all that is shown.
+/// A damaged clip can fill the log for hours; the last lines are all that is shown, and no more
+/// than this is held.
 constexpr std::int64_t mostBytes = 262'144;
 constexpr std::size_t mostLines = 8;
 constexpr std::int64_t reservedBytes = 65'536;
@@ -42,6 +44,22 @@ std::string endOf(const URL& path) {
     }
 }
 
+/// True if any line is of that kind; of a very long one the end counts. Reads the log piece by
+/// piece.
+bool anyLine(const File& file, const std::function<bool(std::string_view)>& isOfThatKind) {
+    constexpr std::size_t mostOfALine = 4096;
+    std::string block(static_cast<std::size_t>(mostBytes), '\0');
+    std::string lines;
+    for (std::int64_t offset = 0;; offset += mostBytes) {
+        const std::size_t count = file.readAt(offset, std::as_writable_bytes(std::span(block)));
+        lines.append(block, 0, count);
+        if (std::ranges::any_of(piecesOf(lines, "\n"), isOfThatKind)) return true;
+        if (count < block.size()) return false;
+        lines.erase(
+            0, std::max(lines.rfind('\n') + 1, lines.size() - std::min(lines.size(), mostOfALine)));
+    }
+}
+
 bool isOfFailedDrive(std::string_view line) {
     return std::ranges::any_of(sentencesOfFailedDrives,
                                [&](std::string_view sentence) { return line.ends_with(sentence); });
@@ -61,8 +79,11 @@ std::string FFmpegLog::tail() const {
 }
 
 bool FFmpegLog::tellsOfFailedDrive() const {
-    const std::string text = endOf(path_.url());
-    return std::ranges::any_of(piecesOf(text, "\n"), isOfFailedDrive);
+    try {
+        return anyLine(File::openForReading(path_.url()), isOfFailedDrive);
+    } catch (const Error&) {
+        return false;
+    }
 }
 
 }  // namespace ReelCore

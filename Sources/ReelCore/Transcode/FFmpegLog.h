@@ -16,7 +16,8 @@ public:
 
     const File& file() const { return file_; }
 
-    /// The last 8 lines that are not empty; nothing where the file can't be read.
+    /// The last 8 lines that are not empty, of the last 256 KiB; nothing where the file can't be
+    /// read. Bytes that are not UTF-8, as in a name, become U+FFFD.
     std::string tail() const;
 
     /// True if a drive failed or ran full. ffmpeg then ends what it has and, unless that fails at

@@ -56,6 +56,14 @@ protected:
     }
 };
 
+TEST_F(TranscodeFixture, FailedDriveBeforeManyOtherComplaints_IsFailureAllTheSame) {
+    const FakeTool ffmpeg("FFMPEG_PATH",
+                          "echo '/out/A.mov: No space left on device' >&2\n"
+                          "yes 'another complaint' | head -c 3000000 >&2");
+
+    EXPECT_EQ(failureOf(anyJob()).status, 0);
+}
+
 TEST_F(TranscoderDrive, DriveThatRunsFull_Fails) {
     const URL input = clip("A001.mov", {.size = "320x180", .seconds = 2.0});
     const LoopMount drive("ext4", 8);

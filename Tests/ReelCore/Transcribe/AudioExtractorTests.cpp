@@ -5,6 +5,8 @@
 #include "ReelCore/Transcribe/TranscribeError.h"
 #include "Support/AwkwardNames.h"
 #include "Support/Clip.h"
+#include "Support/EnvironmentVariable.h"
+#include "Support/FakeTool.h"
 #include "Support/FolderTree.h"
 #include "Support/Forked.h"
 #include "Support/OwnMounts.h"
@@ -269,6 +271,45 @@ TEST_F(AudioExtractorOnClips, NoTools_IsSaidByEachOperation) {
 
     EXPECT_EQ(said, 3);
     EXPECT_FALSE(std::filesystem::exists(path("new")));
+}
+
+TEST_F(AudioExtractorOnClips, OneToolAlone_ServesWhatNeedsNoOther) {
+    if (const auto missing = TestSupport::ownMountsMissing(); !missing.empty()) {
+        GTEST_SKIP() << missing;
+    }
+    const auto works = [](const auto& operation) {
+        try {
+            operation();
+            return true;
+        } catch (const TranscribeError&) {
+            return false;
+        }
+    };
+
+    const int asPromised = TestSupport::statusInOwnMounts([&] {
+        TestSupport::hideMediaTools();
+        const auto probe = [&] { extractor_.probe(path("clip.mov")); };
+        const auto mix = [&] { extractor_.extractMix(path("clip.mov"), path("new")); };
+        {
+            const TestSupport::FakeTool ffprobe("FFPROBE_PATH");
+            if (!works(probe) || works(mix)) return 0;
+        }
+        const TestSupport::FakeTool ffmpeg("FFMPEG_PATH");
+        return !works(probe) && works(mix) ? 1 : 0;
+    });
+
+    EXPECT_EQ(asPromised, 1);
+}
+
+TEST_F(AudioExtractorOnClips, ToolThatCannotBeStarted_IsTheSystemsFailure) {
+    const URL text = path("text");
+    TestSupport::writeFile(text, "no program");
+    std::filesystem::permissions(text, std::filesystem::perms(0755));
+    const TestSupport::EnvironmentVariable ffprobe("FFPROBE_PATH", text.native());
+    const TestSupport::EnvironmentVariable ffmpeg("FFMPEG_PATH", text.native());
+
+    EXPECT_THROW(extractor_.probe(path("clip.mov")), SystemError);
+    EXPECT_THROW(extractor_.extractMix(path("clip.mov"), path("new")), SystemError);
 }
 
 }  // namespace
