@@ -1,11 +1,11 @@
 #include "ReelCore/Platform/SystemError.h"
 #include "ReelCore/Sync/Synchronizer.h"
-#include "ReelCore/Transcode/FFmpegLocator.h"
 #include "Support/Clip.h"
 #include "Support/FakeTool.h"
 #include "Support/FaultyFileSystem.h"
 #include "Support/FolderTree.h"
 #include "Support/Forked.h"
+#include "Support/OwnMounts.h"
 #include "Support/RIFF.h"
 
 #include <algorithm>
@@ -14,8 +14,6 @@
 #include <vector>
 
 #include <gtest/gtest.h>
-#include <sched.h>
-#include <sys/mount.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -53,18 +51,6 @@ case "$*" in
 *stream_tags*) cat "$file";;
 *format=duration*) echo 10.0;;
 esac)";
-
-/// Takes every ffprobe from this process and its children. False where that can't be done.
-bool hideFFprobe() {
-    if (::unshare(CLONE_NEWNS) != 0) return false;
-    if (::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) return false;
-    ::unsetenv("FFPROBE_PATH");
-    while (const auto ffprobe = FFmpegLocator().ffprobe()) {
-        const URL program = std::filesystem::canonical(*ffprobe);
-        if (::mount("/dev/null", program.c_str(), nullptr, MS_BIND, nullptr) != 0) return false;
-    }
-    return true;
-}
 
 class SynchronizerScanTest : public testing::Test {
 protected:
@@ -174,15 +160,15 @@ TEST_F(SynchronizerScanTest, Scan_FFprobeThatCannotBeStarted_LeavesAllClipsOut) 
 }
 
 TEST_F(SynchronizerScanTest, Scan_NoFFprobeAtAll_HasNoGroupsAndAllSoundUnmatched) {
-    if (::geteuid() != 0) GTEST_SKIP() << "needs root, to hide ffprobe";
+    if (const auto missing = ownMountsMissing(); !missing.empty()) GTEST_SKIP() << missing;
     ClipRecipe recipe;
     recipe.timecode = "00:00:00:00";
     makeClip(at("clip.mov"), recipe);
     writeTree(at(""), {{"a.wav", recordingAt(0)}, {"b.wav", recordingAt(5)}});
     ASSERT_EQ(Synchronizer::scan(at("")).syncedCount(), 1);
 
-    const int status = statusOfForked([&] {
-        if (!hideFFprobe()) return 2;
+    const int status = statusInOwnMounts([&] {
+        hideMediaTools();
         const SyncResult result = Synchronizer::scan(at(""));
         return result.groups.empty() && namesOf(result.unmatchedAudio) == Names{"a.wav", "b.wav"}
                    ? 0

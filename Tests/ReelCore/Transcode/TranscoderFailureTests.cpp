@@ -3,12 +3,11 @@
 #include "ReelCore/Transcode/Transcoder.h"
 #include "Support/FakeTool.h"
 #include "Support/Forked.h"
+#include "Support/OwnMounts.h"
 #include "TranscodeFixture.h"
 
 #include <optional>
 
-#include <sched.h>
-#include <sys/mount.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -18,6 +17,7 @@ namespace {
 
 using TestSupport::EnvironmentVariable;
 using TestSupport::FakeTool;
+using TestSupport::ownMountsMissing;
 using TestSupport::writeFile;
 
 /// The job's failure of this kind, if that is how it ends.
@@ -41,19 +41,6 @@ std::int64_t peakMemoryInKiB() {
     rusage usage{};
     ::getrusage(RUSAGE_SELF, &usage);
     return usage.ru_maxrss;
-}
-
-/// Leaves this process without a tool of that name. Only in a process of its own: it sees other
-/// mounts from then on.
-bool hideTool(const std::string& name) {
-    if (::unshare(CLONE_NEWNS) != 0) return false;
-    if (::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) return false;
-    for (const URL folder : {"/opt/homebrew/bin", "/usr/local/bin", "/opt/local/bin", "/usr/bin"}) {
-        const URL tool = folder / name;
-        if (!FileSystem::leadsSomewhere(tool)) continue;
-        if (::mount("/dev/null", tool.c_str(), nullptr, MS_BIND, nullptr) != 0) return false;
-    }
-    return true;
 }
 
 class TranscoderFailure : public TranscodeFixture {
@@ -177,13 +164,13 @@ TEST_F(TranscoderFailure, NoTemporaryFolder_FailsBeforeFFmpegStarts) {
 }
 
 TEST_F(TranscoderFailure, FFmpeg_IsAskedForBeforeAllElse) {
-    if (::geteuid() != 0) GTEST_SKIP() << "needs root, to hide ffmpeg";
+    if (const auto missing = ownMountsMissing(); !missing.empty()) GTEST_SKIP() << missing;
     const TranscodeRequest job{folder() / "missing.mov", folder() / "out",
                                TranscodePreset::proRes422, LUT{folder() / "missing.lut"},
                                std::nullopt};
 
-    const int status = TestSupport::statusOfForked([&] {
-        if (!hideTool("ffmpeg")) return 2;
+    const int status = TestSupport::statusInOwnMounts([&] {
+        TestSupport::hideMediaTools();
         return failureOf<TranscodeError::FFmpegNotFound>(job) && !Transcoder().isFFmpegAvailable()
                    ? 0
                    : 1;
@@ -195,23 +182,23 @@ TEST_F(TranscoderFailure, FFmpeg_IsAskedForBeforeAllElse) {
 }
 
 TEST_F(TranscoderFailure, NoFFprobe_FailsTheProbeButNotTheRun) {
-    if (::geteuid() != 0) GTEST_SKIP() << "needs root, to hide ffprobe";
-    const FakeTool ffmpeg("FFMPEG_PATH");
+    if (const auto missing = ownMountsMissing(); !missing.empty()) GTEST_SKIP() << missing;
     const TranscodeRequest job = anyJob();
 
-    const int status = TestSupport::statusOfForked([&] {
-        if (!hideTool("ffprobe")) return 2;
+    const int status = TestSupport::statusInOwnMounts([&] {
+        TestSupport::hideMediaTools();
+        const FakeTool ffmpeg("FFMPEG_PATH");
         try {
             Transcoder().probeDuration(job.input);
             return 3;
         } catch (const TranscodeError& error) {
             if (!error.is<TranscodeError::FFmpegNotFound>()) return 4;
         }
-        return Transcoder().run(job, ignoreProgress).durationSeconds == 0.0 ? 0 : 1;
+        const bool hasNoLength = Transcoder().run(job, ignoreProgress).durationSeconds == 0.0;
+        return hasNoLength && ffmpeg.calls().size() == 1 ? 0 : 1;
     });
 
     EXPECT_EQ(status, 0);
-    EXPECT_EQ(ffmpeg.calls().size(), 1U);
 }
 
 TEST_F(TranscoderFailure, PipeAsInput_IsNotWaitedFor) {
