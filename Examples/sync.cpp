@@ -30,7 +30,7 @@ SyncResult scan(const URL& day) {
 
 void show(const SyncResult& result) {
     for (const SyncGroup& group : result.groups) {
-        const SyncGroup::Match* best = group.best();
+        const auto best = group.best();
         std::cout << group.video.name() << "  " << (best ? best->clip.name() : "no sound") << "\n";
     }
     for (const AudioClip& clip : result.unmatchedAudio) {

@@ -31,7 +31,7 @@ std::string slate(const AudioClip& clip) {
 }
 
 Row row(const SyncGroup& group) {
-    const SyncGroup::Match* best = group.best();
+    const auto best = group.best();
     if (!best) return {group.video.name(), startOf(group.video), "—", "", "", ""};
     return {group.video.name(), startOf(group.video),
             best->clip.name(),  fmt::format("+{:.2f}s", best->audioOffset),

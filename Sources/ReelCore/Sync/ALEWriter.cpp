@@ -36,7 +36,7 @@ std::string endOf(const VideoClip& video, const FrameRate& timelineRate) {
 std::string line(const SyncGroup& group, const FrameRate& timelineRate) {
     std::vector<std::string> fields{group.video.name(), "V", startOf(group.video, timelineRate),
                                     endOf(group.video, timelineRate)};
-    if (const SyncGroup::Match* best = group.best()) {
+    if (const auto best = group.best()) {
         const AudioClip& sound = best->clip;
         fields.insert(fields.end(),
                       {sound.tape.value_or(""), sound.scene.value_or(""), sound.take.value_or(""),

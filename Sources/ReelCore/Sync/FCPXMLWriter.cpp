@@ -95,7 +95,7 @@ std::string clipXML(const SyncGroup& group, double offset, const Format& format,
         R"(<asset-clip ref="{}" offset="{}" name="{}" duration="{}" format="r1" tcFormat="{}")",
         assets.idOf(video), FCP::time(offset, format.rate), escaped(video.name()), duration,
         format.timecodeFormat());
-    const SyncGroup::Match* best = group.best();
+    const auto best = group.best();
     if (!best) return fmt::format("                {}/>\n", clip);
     return fmt::format(
         R"(            {}>

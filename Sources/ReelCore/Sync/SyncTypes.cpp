@@ -4,9 +4,10 @@
 
 namespace ReelCore {
 
-const SyncGroup::Match* SyncGroup::best() const {
+std::optional<SyncGroup::Match> SyncGroup::best() const {
     const auto found = std::ranges::max_element(audio, {}, &Match::coverage);
-    return found == audio.end() ? nullptr : &*found;
+    if (found == audio.end()) return std::nullopt;
+    return *found;
 }
 
 FrameRate SyncResult::timelineRate() const {

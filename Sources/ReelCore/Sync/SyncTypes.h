@@ -64,9 +64,9 @@ struct SyncGroup {
 
     bool isSynced() const { return !audio.empty(); }
 
-    /// The match of the highest coverage, the first of those that share it; null where there is
-    /// none. It belongs to the group.
-    const Match* best() const;
+    /// The match of the highest coverage, the first of those that share it; absent where there
+    /// is none.
+    std::optional<Match> best() const;
 };
 
 struct SyncResult {

@@ -180,7 +180,7 @@ TEST(Match, TwoSoundsThatCoverAll_AreBothKeptInTheirOrderAndTheFirstIsBest) {
         matchOf({video(100, 160)}, {audio(95, 200, "second.wav"), audio(90, 200, "first.wav")});
 
     EXPECT_EQ(namesOf(result.groups.at(0)), (Names{"second.wav", "first.wav"}));
-    EXPECT_EQ(result.groups[0].best(), &result.groups[0].audio[0]);
+    EXPECT_EQ(result.groups[0].best(), result.groups[0].audio[0]);
 }
 
 TEST(Match, ManySounds_ComeByCoverageAndThenInTheirOrder) {

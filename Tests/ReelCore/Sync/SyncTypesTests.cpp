@@ -48,14 +48,14 @@ TEST(SyncTypes, EndSeconds_OfClips_IsTheStartAndTheDuration) {
 TEST(SyncTypes, Best_NoMatches_IsNoneAndNotSynced) {
     const SyncGroup group = groupOf({});
 
-    EXPECT_EQ(group.best(), nullptr);
+    EXPECT_EQ(group.best(), std::nullopt);
     EXPECT_FALSE(group.isSynced());
 }
 
 TEST(SyncTypes, Best_HighestCoverageNotInFront_IsFound) {
     const SyncGroup group = groupOf({matchOf("a", 0.2), matchOf("b", 0.9), matchOf("c", 0.5)});
 
-    ASSERT_NE(group.best(), nullptr);
+    ASSERT_TRUE(group.best().has_value());
     EXPECT_EQ(group.best()->clip.url, "b");
     EXPECT_TRUE(group.isSynced());
 }
@@ -64,14 +64,14 @@ TEST(SyncTypes, Best_EqualCoverage_IsTheFirst) {
     const SyncGroup group =
         groupOf({matchOf("a", 0.5), matchOf("b", 1.0), matchOf("c", 1.0), matchOf("d", 1.0)});
 
-    ASSERT_NE(group.best(), nullptr);
+    ASSERT_TRUE(group.best().has_value());
     EXPECT_EQ(group.best()->clip.url, "b");
 }
 
 TEST(SyncTypes, Best_CoverageOfZero_StillCounts) {
     const SyncGroup group = groupOf({matchOf("a", 0.0), matchOf("b", 0.0)});
 
-    ASSERT_NE(group.best(), nullptr);
+    ASSERT_TRUE(group.best().has_value());
     EXPECT_EQ(group.best()->clip.url, "a");
 }
 
