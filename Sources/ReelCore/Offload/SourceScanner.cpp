@@ -16,11 +16,6 @@ namespace ReelCore {
 
 namespace {
 
-bool isIgnored(std::string_view name) {
-    return std::ranges::find(SourceScanner::ignoredNames, name) !=
-           SourceScanner::ignoredNames.end();
-}
-
 /// Throws OffloadError::SourceNotFound unless a folder that can be opened stands at `root`.
 HeldFolder hold(const URL& root) {
     try {
@@ -67,6 +62,10 @@ std::int64_t SourceScanner::ScanResult::totalBytes() const {
     std::int64_t total = 0;
     for (const MediaFile& file : files) total = checkedAdd(total, file.size);
     return total;
+}
+
+bool SourceScanner::isIgnored(std::string_view name) {
+    return std::ranges::find(ignoredNames, name) != ignoredNames.end();
 }
 
 SourceScanner::ScanResult SourceScanner::scan(const URL& root) {

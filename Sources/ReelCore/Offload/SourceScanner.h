@@ -22,6 +22,8 @@ struct SourceScanner {
                                                                   "System Volume Information",
                                                                   ".DocumentRevisions-V100"};
 
+    static bool isIgnored(std::string_view name);
+
     struct ScanResult {
         /// The folder that was scanned, as it was given.
         URL root;

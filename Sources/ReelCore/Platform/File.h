@@ -20,6 +20,9 @@ public:
     /// followed (ELOOP). The file's access time is left alone where the system allows it.
     static File openForReading(const URL& path, FileLinks links = FileLinks::refuse);
 
+    /// Opens an existing regular file to be changed in place. Links are not followed.
+    static File openForUpdating(const URL& path);
+
     /// Creates an empty file to be written, in place of whatever has that name. Where that can't be
     /// removed, a regular file is emptied instead, but only if it has no second name, under which
     /// its content would be lost as well; anything else, and always a folder, stays and is refused.
@@ -49,6 +52,13 @@ public:
 
     /// Writes all of `bytes` at the current position.
     void write(std::span<const std::byte> bytes);
+
+    /// Writes all of `bytes` at a position. The current position stays.
+    void writeAt(std::int64_t offset, std::span<const std::byte> bytes);
+
+    /// Copies `length` bytes of another file from `offset` on to the current position, in blocks of
+    /// 8 MiB. Throws also where the other file is shorter.
+    void append(const File& source, std::int64_t offset, std::int64_t length);
 
     /// Keeps room on the device for what will be written up to `length`; the size stays. Does
     /// nothing where the file system can't.

@@ -68,6 +68,12 @@ std::optional<FileIdentity> FileSystem::identity(const URL& path) {
     return FileIdentity{status.st_dev, status.st_ino};
 }
 
+std::optional<std::int64_t> FileSystem::sizeOf(const URL& path) {
+    struct stat status {};
+    if (::stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
+    return status.st_size;
+}
+
 void FileSystem::setModificationDate(const URL& path, Date date) {
     const auto seconds = std::chrono::floor<std::chrono::seconds>(date);
     const timespec access{0, UTIME_OMIT};

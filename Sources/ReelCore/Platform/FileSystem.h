@@ -47,6 +47,9 @@ struct FileSystem {
     /// Tells one folder or file from another, whatever their paths; for what is missing, nothing.
     static std::optional<FileIdentity> identity(const URL& path);
 
+    /// The size in bytes of the regular file that a path leads to; absent for what is none.
+    static std::optional<std::int64_t> sizeOf(const URL& path);
+
     /// Sets the modification date to the nanosecond, and leaves the access date.
     static void setModificationDate(const URL& path, Date date);
 

@@ -1,8 +1,10 @@
 #include "ReelCore/Platform/File.h"
 #include "ReelCore/Platform/SystemError.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <utility>
+#include <vector>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -45,6 +47,14 @@ struct stat requireRegularFile(const File& file, const URL& path) {
 File File::openForReading(const URL& path, FileLinks links) {
     const int descriptor =
         openWithoutAccessTime(path, links == FileLinks::follow ? followingFlags : safeFlags);
+    if (descriptor < 0) throwSystemError(path);
+    File file(descriptor);
+    requireRegularFile(file, path);
+    return file;
+}
+
+File File::openForUpdating(const URL& path) {
+    const int descriptor = openRetrying(path, O_RDWR | safeFlags);
     if (descriptor < 0) throwSystemError(path);
     File file(descriptor);
     requireRegularFile(file, path);
@@ -120,6 +130,30 @@ void File::write(std::span<const std::byte> bytes) {
         }
         if (count == 0) throw SystemError(EIO);
         bytes = bytes.subspan(static_cast<std::size_t>(count));
+    }
+}
+
+void File::writeAt(std::int64_t offset, std::span<const std::byte> bytes) {
+    while (!bytes.empty()) {
+        const ssize_t count = ::pwrite(descriptor_, bytes.data(), bytes.size(), offset);
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) throwSystemError();
+        if (count == 0) throw SystemError(EIO);
+        bytes = bytes.subspan(static_cast<std::size_t>(count));
+        offset += count;
+    }
+}
+
+void File::append(const File& source, std::int64_t offset, std::int64_t length) {
+    constexpr std::int64_t blockSize = 0x800000;
+    std::vector<std::byte> block(static_cast<std::size_t>(std::min(blockSize, length)));
+    while (length > 0) {
+        const auto wanted = static_cast<std::size_t>(std::min(blockSize, length));
+        const auto piece = std::span(block).first(wanted);
+        if (source.readAt(offset, piece) < wanted) throw SystemError(EIO);
+        write(piece);
+        offset += std::ssize(piece);
+        length -= std::ssize(piece);
     }
 }
 

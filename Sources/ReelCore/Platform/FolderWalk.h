@@ -37,4 +37,11 @@ bool walkFolder(const URL& root, const std::function<bool(std::string_view name)
 /// SystemErrors about folders, as above.
 bool walkEntries(const URL& root, const std::function<void(const URL&)>& visit);
 
+/// The same for a root that may be failing, of which all that can be read counts: where a listing
+/// breaks off or a folder can't be read, the walk goes on with the rest and never throws. Anything,
+/// with all below it, whose name `isIgnored` tells is passed over too.
+bool walkReadableEntries(const URL& root,
+                         const std::function<bool(std::string_view name)>& isIgnored,
+                         const std::function<void(const URL&)>& visit);
+
 }  // namespace ReelCore

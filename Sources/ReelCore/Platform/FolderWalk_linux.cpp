@@ -28,16 +28,20 @@ std::optional<Date> dateOf(const timespec& time) {
     return Date(std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec));
 }
 
-/// What a walk does with an entry whose attributes can't be read.
-enum class Unreadable { fails, isPassedOver };
+/// What makes a walk fail, and is passed over otherwise.
+enum class Strictness {
+    nothing,
+    folders,  ///< A listing that breaks off; no means left to read a folder.
+    entries,  ///< Beside these, an entry whose attributes can't be read.
+};
 
 class Walk {
 public:
     using Visit = std::function<void(std::string path, const struct stat& status)>;
 
     Walk(const URL& root, const std::function<bool(std::string_view)>& isIgnored,
-         Unreadable unreadable, const Visit& visit)
-        : root_(root), isIgnored_(isIgnored), unreadable_(unreadable), visit_(visit) {}
+         Strictness strictness, const Visit& visit)
+        : root_(root), isIgnored_(isIgnored), strictness_(strictness), visit_(visit) {}
 
     bool run() {
         if (!visitFolder("", FolderLinks::follow)) return false;
@@ -55,13 +59,13 @@ private:
         const URL place = path.empty() ? root_ : root_ / path;
         const OpenFolder folder = openFolder(place, links);
         if (!folder) {
-            throwIfOwnLimit(errno, place);
+            if (strictness_ >= Strictness::folders) throwIfOwnLimit(errno, place);
             return false;
         }
         // Half a listing is not an unreadable folder: files that are known to be there would go
         // missing among those that were listed.
         const int failure = list(folder.get(), path.empty() ? "" : path + "/");
-        if (failure != 0) throw SystemError(failure, place);
+        if (failure != 0 && strictness_ >= Strictness::folders) throw SystemError(failure, place);
         return true;
     }
 
@@ -82,7 +86,7 @@ private:
         struct stat status {};
         if (::fstatat(::dirfd(folder), name, &status, AT_SYMLINK_NOFOLLOW) != 0) {
             const int code = errno;
-            if (unreadable_ == Unreadable::isPassedOver) return;
+            if (strictness_ < Strictness::entries) return;
             throw SystemError(code, root_ / path);
         }
         if (S_ISDIR(status.st_mode)) pending_.push_back(path);
@@ -91,25 +95,14 @@ private:
 
     const URL& root_;
     const std::function<bool(std::string_view)>& isIgnored_;
-    const Unreadable unreadable_;
+    const Strictness strictness_;
     const Visit& visit_;
     std::vector<std::string> pending_;
 };
 
-}  // namespace
-
-bool walkFolder(const URL& root, const std::function<bool(std::string_view name)>& isIgnored,
-                const std::function<void(WalkedFile)>& visit) {
-    return Walk(root, isIgnored, Unreadable::fails,
-                [&](std::string path, const struct stat& status) {
-                    if (!S_ISREG(status.st_mode)) return;
-                    visit({std::move(path), status.st_size, dateOf(status.st_mtim)});
-                })
-        .run();
-}
-
-bool walkEntries(const URL& root, const std::function<void(const URL&)>& visit) {
-    const auto nothing = [](std::string_view) { return false; };
+/// Collects first, so that the visits come in the order of the paths.
+bool visitEntries(const URL& root, const std::function<bool(std::string_view)>& isIgnored,
+                  Strictness strictness, const std::function<void(const URL&)>& visit) {
     std::vector<URL> entries;
     const auto keep = [&](const std::string& path, const struct stat& status) {
         struct stat target = status;
@@ -119,10 +112,33 @@ bool walkEntries(const URL& root, const std::function<void(const URL&)>& visit) 
             entries.push_back(std::move(entry));
         }
     };
-    if (!Walk(root, nothing, Unreadable::isPassedOver, keep).run()) return false;
+    if (!Walk(root, isIgnored, strictness, keep).run()) return false;
     std::ranges::sort(entries, {}, &URL::native);
     std::ranges::for_each(entries, visit);
     return true;
+}
+
+}  // namespace
+
+bool walkFolder(const URL& root, const std::function<bool(std::string_view name)>& isIgnored,
+                const std::function<void(WalkedFile)>& visit) {
+    return Walk(root, isIgnored, Strictness::entries,
+                [&](std::string path, const struct stat& status) {
+                    if (!S_ISREG(status.st_mode)) return;
+                    visit({std::move(path), status.st_size, dateOf(status.st_mtim)});
+                })
+        .run();
+}
+
+bool walkEntries(const URL& root, const std::function<void(const URL&)>& visit) {
+    const auto nothing = [](std::string_view) { return false; };
+    return visitEntries(root, nothing, Strictness::folders, visit);
+}
+
+bool walkReadableEntries(const URL& root,
+                         const std::function<bool(std::string_view name)>& isIgnored,
+                         const std::function<void(const URL&)>& visit) {
+    return visitEntries(root, isIgnored, Strictness::nothing, visit);
 }
 
 }  // namespace ReelCore

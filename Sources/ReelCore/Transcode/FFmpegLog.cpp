@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <array>
-#include <functional>
 #include <string_view>
 #include <vector>
 
@@ -44,28 +43,31 @@ std::string endOf(const URL& path) {
     }
 }
 
-/// True if any line is of that kind; of a very long one the end counts. Reads the log piece by
-/// piece.
-bool anyLine(const File& file, const std::function<bool(std::string_view)>& isOfThatKind) {
+/// Reads the log piece by piece; of a very long line the end counts.
+bool fileTellsOfFailedDrive(const File& file) {
     constexpr std::size_t mostOfALine = 4096;
     std::string block(static_cast<std::size_t>(mostBytes), '\0');
     std::string lines;
     for (std::int64_t offset = 0;; offset += mostBytes) {
         const std::size_t count = file.readAt(offset, std::as_writable_bytes(std::span(block)));
         lines.append(block, 0, count);
-        if (std::ranges::any_of(piecesOf(lines, "\n"), isOfThatKind)) return true;
+        if (tellsOfFailedDrive(lines)) return true;
         if (count < block.size()) return false;
         lines.erase(
             0, std::max(lines.rfind('\n') + 1, lines.size() - std::min(lines.size(), mostOfALine)));
     }
 }
 
-bool isOfFailedDrive(std::string_view line) {
-    return std::ranges::any_of(sentencesOfFailedDrives,
-                               [&](std::string_view sentence) { return line.ends_with(sentence); });
-}
-
 }  // namespace
+
+bool tellsOfFailedDrive(std::string_view complaints) {
+    const auto isOfFailedDrive = [](std::string_view line) {
+        return std::ranges::any_of(sentencesOfFailedDrives, [&](std::string_view sentence) {
+            return line.ends_with(sentence);
+        });
+    };
+    return std::ranges::any_of(piecesOf(complaints, "\n"), isOfFailedDrive);
+}
 
 FFmpegLog::FFmpegLog() : path_("keldo-ffmpeg-", ".log"), file_(File::create(path_.url())) {
     file_.reserve(reservedBytes);
@@ -80,7 +82,7 @@ std::string FFmpegLog::tail() const {
 
 bool FFmpegLog::tellsOfFailedDrive() const {
     try {
-        return anyLine(File::openForReading(path_.url()), isOfFailedDrive);
+        return fileTellsOfFailedDrive(File::openForReading(path_.url()));
     } catch (const Error&) {
         return false;
     }

@@ -4,8 +4,13 @@
 #include "ReelCore/Platform/TemporaryPath.h"
 
 #include <string>
+#include <string_view>
 
 namespace ReelCore {
+
+/// True if a line of what ffmpeg wrote tells that a drive failed or ran full. ffmpeg then ends what
+/// it has and, unless that fails at once, calls it a success.
+bool tellsOfFailedDrive(std::string_view complaints);
 
 /// The file that one run of ffmpeg writes its complaints to: made empty in the temporary folder,
 /// with room for some complaints even if the drive runs full, and removed at the end.
@@ -20,8 +25,6 @@ public:
     /// read. Bytes that are not UTF-8, as in a name, become U+FFFD.
     std::string tail() const;
 
-    /// True if a drive failed or ran full. ffmpeg then ends what it has and, unless that fails at
-    /// once, calls it a success.
     bool tellsOfFailedDrive() const;
 
 private:

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "ReelCore/Recovery/CarveTypes.h"
+#include "ReelCore/Recovery/RecoveryTypes.h"
+
+#include <functional>
+#include <optional>
+#include <vector>
+
+namespace ReelCore {
+
+/// Brings media back from the raw image of a card whose file system is gone: finds each clip by its
+/// own bytes and cuts it out. The image is only ever read. No state; any thread.
+struct CardCarver {
+    /// Goes over the whole image once and returns what it finds in the order of the image. Memory
+    /// does not grow with it. `isCancelled` is asked, and `progress` called, on this thread, once
+    /// for each 32 MiB; a cancelled scan returns what was found so far. Throws RecoveryError:
+    /// NotFound, or IOFailed for an empty image; SystemError where the image can't be read on.
+    static std::vector<Finding> scan(
+        const URL& image, const std::function<bool()>& isCancelled = [] { return false; },
+        const std::function<void(const CarveProgress&)>& progress = [](const CarveProgress&) {});
+
+    /// Cuts a finding out to "carved_INDEX" in `outputDir`, which is made, in place of what has
+    /// that name; a clip that is not healthy is repaired as ClipDoctor does it, with a healthy
+    /// `reference` from the same camera, and the raw piece removed. Never fails: every failure is
+    /// an outcome that says so. What can't be read is left out.
+    static RepairOutcome extract(const Finding& finding, const URL& image, const URL& outputDir,
+                                 const std::optional<URL>& reference, std::int64_t index);
+};
+
+}  // namespace ReelCore

@@ -1,0 +1,57 @@
+#include "ReelCore/Recovery/MP4Scan.h"
+
+#include "ReelCore/Platform/File.h"
+#include "ReelCore/Platform/SystemError.h"
+#include "ReelCore/Recovery/BoxHeader.h"
+#include "ReelCore/Recovery/RecoveryError.h"
+
+#include <algorithm>
+#include <array>
+
+namespace ReelCore {
+
+namespace {
+
+File open(const URL& url) {
+    try {
+        return File::openForReading(url, FileLinks::follow);
+    } catch (const SystemError&) {
+        throw RecoveryError(RecoveryError::NotFound{url});
+    }
+}
+
+/// Absent where no box can stand.
+std::optional<TopLevelBox> boxAt(std::int64_t offset, const File& file, std::int64_t fileSize) {
+    std::array<std::byte, 16> bytes;
+    const auto header = BoxHeader::read(std::span(bytes).first(file.readAt(offset, bytes)));
+    if (!header || !header->type) return std::nullopt;
+    TopLevelBox box{*header->type, offset, header->headerSize, 0, false};
+    const auto size = static_cast<std::int64_t>(header->size);
+    box.extendsToEOF = size == 0 && header->headerSize == 8;
+    box.declaredPayload = box.extendsToEOF ? fileSize - offset - 8 : size - header->headerSize;
+    if (size < 0 || box.declaredPayload < 0) return std::nullopt;
+    return box;
+}
+
+}  // namespace
+
+const TopLevelBox* MP4Scan::TopLevel::first(std::string_view type) const {
+    const auto found = std::ranges::find(boxes, type, &TopLevelBox::type);
+    return found == boxes.end() ? nullptr : &*found;
+}
+
+MP4Scan::TopLevel MP4Scan::topLevel(const URL& url) {
+    const File file = open(url);
+    TopLevel result{{}, file.size()};
+    std::int64_t cursor = 0;
+    while (cursor <= result.fileSize - 8) {
+        const auto box = boxAt(cursor, file, result.fileSize);
+        if (!box) break;
+        result.boxes.push_back(*box);
+        if (box->extendsToEOF || box->declaredPayload > result.fileSize) break;
+        cursor = box->payloadOffset() + box->declaredPayload;
+    }
+    return result;
+}
+
+}  // namespace ReelCore

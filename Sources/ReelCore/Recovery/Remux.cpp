@@ -1,0 +1,43 @@
+#include "ReelCore/Recovery/Remux.h"
+
+#include "ReelCore/Platform/ChildProcess.h"
+#include "ReelCore/Platform/FileSystem.h"
+#include "ReelCore/Platform/Split.h"
+#include "ReelCore/Platform/Text.h"
+#include "ReelCore/Recovery/RecoveryError.h"
+#include "ReelCore/Transcode/FFmpegLocator.h"
+#include "ReelCore/Transcode/FFmpegLog.h"
+#include "ReelCore/Transcode/MediaQuery.h"
+#include "ReelCore/Transcribe/TranscribeError.h"
+
+#include <string>
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+namespace ReelCore {
+
+namespace {
+
+/// Nothing where the text is not UTF-8.
+std::string lastLines(const std::string& text) {
+    constexpr std::ptrdiff_t most = 4;
+    if (!Text::isWellFormed(text)) return {};
+    auto lines = piecesOf(text, "\n");
+    if (std::ssize(lines) > most) lines.erase(lines.begin(), lines.end() - most);
+    return fmt::format("{}", fmt::join(lines, "\n"));
+}
+
+}  // namespace
+
+void remux(const URL& source, const URL& output) {
+    const auto ffmpeg = FFmpegLocator().ffmpeg();
+    if (!ffmpeg) throw TranscribeError(TranscribeError::FFmpegNotFound{});
+    const auto [status, said] =
+        ChildProcess::readError(*ffmpeg, {"-y", "-err_detect", "ignore_err", "-i", toolPath(source),
+                                          "-c", "copy", "-ignore_unknown", toolPath(output)});
+    if (status == 0 && FileSystem::leadsSomewhere(output) && !tellsOfFailedDrive(said)) return;
+    throw RecoveryError(RecoveryError::IOFailed{"remux failed: " + lastLines(said)});
+}
+
+}  // namespace ReelCore
