@@ -25,12 +25,11 @@ std::optional<TopLevelBox> boxAt(std::int64_t offset, const File& file, std::int
     std::array<std::byte, 16> bytes;
     const auto header = BoxHeader::read(std::span(bytes).first(file.readAt(offset, bytes)));
     if (!header || !header->type) return std::nullopt;
-    TopLevelBox box{*header->type, offset, header->headerSize, 0, false};
     const auto size = static_cast<std::int64_t>(header->size);
-    box.extendsToEOF = size == 0 && header->headerSize == 8;
-    box.declaredPayload = box.extendsToEOF ? fileSize - offset - 8 : size - header->headerSize;
-    if (size < 0 || box.declaredPayload < 0) return std::nullopt;
-    return box;
+    const bool extendsToEOF = size == 0 && header->headerSize == 8;
+    if (extendsToEOF) return TopLevelBox{*header->type, offset, 8, fileSize - offset - 8, true};
+    if (size < header->headerSize) return std::nullopt;
+    return TopLevelBox{*header->type, offset, header->headerSize, size - header->headerSize, false};
 }
 
 }  // namespace
