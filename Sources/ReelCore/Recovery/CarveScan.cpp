@@ -6,7 +6,10 @@
 #include "ReelCore/Recovery/Signatures.h"
 
 #include <algorithm>
+#include <atomic>
+#include <future>
 #include <span>
+#include <utility>
 
 namespace ReelCore {
 
@@ -24,42 +27,55 @@ File openImage(const URL& image) {
     }
 }
 
-/// Finds the signatures of one chunk. Reads it in pieces that stay in the processor's cache, which
-/// is faster than to fetch them from memory again.
+/// Finds the signatures of one chunk. Two threads read it, piece by piece in turns: to look through
+/// bytes takes longer than to have them from the file cache or a fast drive. The pieces are small
+/// enough to stay in a processor's own cache.
 class ChunkSearch {
 public:
-    explicit ChunkSearch(const File& image) : image_(image), buffer_(overlap + pieceSize) {}
+    ChunkSearch(const File& image, std::int64_t position) : image_(image), position_(position) {}
 
-    /// Absent where the image has no bytes there; offsets are from `position` on.
-    std::optional<std::vector<Hit>> hitsAt(std::int64_t position) {
-        std::vector<Hit> hits;
-        std::size_t held = 0;
-        for (std::size_t done = 0; done < chunkSize; done += pieceSize) {
-            const auto piece = std::span(buffer_).subspan(held, pieceSize);
-            const std::size_t count =
-                image_.readAt(position + static_cast<std::int64_t>(done), piece);
-            if (count == 0 && done == 0) return std::nullopt;
-            const auto window = std::span(buffer_).first(held + count);
-            for (const Hit& hit : signatureHits(window)) {
-                hits.push_back({done - held + hit.offset, hit.kind});
-            }
-            if (count < pieceSize) break;
-            held = overlap;
-            std::ranges::copy(window.last(held), buffer_.begin());
-        }
-        std::ranges::stable_sort(hits, {}, &Hit::offset);
+    /// Absent where the image has no bytes there; offsets are from the chunk's first byte on.
+    std::optional<std::vector<Hit>> run() {
+        // Without means for a second thread, this one does it all.
+        auto other = std::async(std::launch::async | std::launch::deferred,
+                                [this] { return searchPieces(); });
+        std::vector<Hit> hits = searchPieces();
+        const std::vector<Hit> more = other.get();
+        if (!foundBytes_) return std::nullopt;
+        hits.insert(hits.end(), more.begin(), more.end());
+        std::ranges::sort(hits, {}, [](const Hit& hit) { return std::pair(hit.offset, hit.kind); });
+        // What lies on the border of two pieces is seen in both.
         hits.erase(std::unique(hits.begin(), hits.end()), hits.end());
         return hits;
     }
 
 private:
-    static constexpr std::size_t pieceSize = 0x40000;
-    /// No less than the longest signature with the size in front of it.
-    static constexpr std::size_t overlap = 32;
-    static_assert(chunkSize % pieceSize == 0);
+    static constexpr std::int64_t pieceSize = 0x40000;
+    /// What a piece shares with the next: no less than the longest signature with what it needs
+    /// around it.
+    static constexpr std::int64_t overlap = 32;
+
+    std::vector<Hit> searchPieces() {
+        std::vector<std::byte> buffer(static_cast<std::size_t>(pieceSize + overlap));
+        std::vector<Hit> hits;
+        for (std::int64_t at = nextPiece(); at < chunkSize; at = nextPiece()) {
+            const auto wanted = std::min(pieceSize + overlap, chunkSize - at);
+            const auto into = std::span(buffer).first(static_cast<std::size_t>(wanted));
+            const auto piece = into.first(image_.readAt(position_ + at, into));
+            if (!piece.empty()) foundBytes_ = true;
+            for (const Hit& hit : signatureHits(piece)) {
+                hits.push_back({static_cast<std::size_t>(at) + hit.offset, hit.kind});
+            }
+        }
+        return hits;
+    }
+
+    std::int64_t nextPiece() { return next_.fetch_add(pieceSize); }
 
     const File& image_;
-    std::vector<std::byte> buffer_;
+    const std::int64_t position_;
+    std::atomic<std::int64_t> next_ = 0;
+    std::atomic<bool> foundBytes_ = false;
 };
 
 std::optional<Finding> walk(FindingKind kind, const File& image, std::int64_t start,
@@ -90,12 +106,11 @@ std::vector<Finding> CardCarver::scan(const URL& image, const std::function<bool
     const File file = openImage(image);
     const std::int64_t total = file.size();
     if (total == 0) throw RecoveryError(RecoveryError::IOFailed{"image is empty"});
-    ChunkSearch search(file);
     std::vector<Finding> findings;
     std::int64_t position = 0;
     std::int64_t skipUntil = 0;
     while (position < total && !isCancelled()) {
-        const auto hits = search.hitsAt(position);
+        const auto hits = ChunkSearch(file, position).run();
         if (!hits) break;
         for (const Hit& hit : *hits) {
             const std::int64_t start = position + static_cast<std::int64_t>(hit.offset);
