@@ -1,17 +1,13 @@
 // What a read costs, whatever the file's size: counted calls, bytes and memory, not times.
 
 #include "BWFFixture.h"
-#include "ReelCore/Platform/SystemError.h"
+#include "Support/CountedReads.h"
 #include "Support/Forked.h"
+#include "Support/SparseFile.h"
 
-#include <algorithm>
-#include <array>
 #include <map>
-#include <utility>
 
-#include <fcntl.h>
 #include <sys/resource.h>
-#include <unistd.h>
 
 using namespace ReelCore;
 using namespace TestSupport;
@@ -21,51 +17,15 @@ namespace {
 constexpr std::int64_t mebibyte = 1 << 20U;
 constexpr std::int64_t gibibyte = 1 << 30U;
 
-/// What this thread has read so far.
-struct Reads {
-    std::int64_t calls = 0;
-    std::int64_t bytes = 0;
-};
-
-/// The kernel's own count, and the length of the text that tells it.
-std::pair<Reads, std::int64_t> countedReads() {
-    const int descriptor = ::open("/proc/thread-self/io", O_RDONLY | O_CLOEXEC);
-    if (descriptor < 0) throwSystemError("/proc/thread-self/io");
-    std::array<char, 512> buffer{};
-    const ssize_t length = ::read(descriptor, buffer.data(), buffer.size());
-    ::close(descriptor);
-    const std::string text(buffer.data(), static_cast<std::size_t>(std::max<ssize_t>(length, 0)));
-    const auto number = [&](const std::string& name) {
-        return std::stoll(text.substr(text.find(name + ": ") + name.size() + 2));
-    };
-    return {{number("syscr"), number("rchar")}, length};
-}
-
 struct CountedClip {
     AudioClip clip;
     Reads reads;
 };
 
 CountedClip countedRead(const URL& recording) {
-    const auto [before, length] = countedReads();
-    AudioClip clip = BWFReader::read(recording);
-    const auto [after, ignored] = countedReads();
-    return {std::move(clip), {after.calls - before.calls - 1, after.bytes - before.bytes - length}};
-}
-
-/// A file with these pieces at these places, holes between them, and a hole behind up to `size`.
-void writeSparse(const URL& path, const std::map<std::int64_t, std::string>& pieces,
-                 std::int64_t size) {
-    const int descriptor = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-    if (descriptor < 0) throwSystemError(path);
-    bool isWritten = true;
-    for (const auto& [offset, bytes] : pieces) {
-        const ssize_t count = ::pwrite(descriptor, bytes.data(), bytes.size(), offset);
-        isWritten = isWritten && count == std::ssize(bytes);
-    }
-    isWritten = ::ftruncate(descriptor, size) == 0 && isWritten;
-    ::close(descriptor);
-    if (!isWritten) throwSystemError(path);
+    CountedClip counted;
+    counted.reads = readsOf([&] { counted.clip = BWFReader::read(recording); });
+    return counted;
 }
 
 /// The memory in KiB by which a read of the recording raises this process's peak. In a process of
