@@ -47,26 +47,32 @@ std::shared_ptr<MP4Box> parseBox(const std::string& type, std::span<const std::b
     return std::make_shared<MP4Box>(type, MP4Box::Bytes(), std::move(children));
 }
 
+constexpr std::uint64_t plainHeaderSize = 8;
+
+/// What the size field of a box counts. A type of no characters takes no bytes, but is counted.
+std::uint64_t countedSize(const MP4Box& box) {
+    if (!box.isContainer()) return plainHeaderSize + box.payload.size();
+    std::uint64_t size = plainHeaderSize;
+    for (const auto& child : box.children) size += countedSize(*child) - 4 + child->type.size();
+    return size;
+}
+
 void append(MP4Box::Bytes& bytes, std::string_view text) {
     const auto more = std::as_bytes(std::span(text));
     bytes.insert(bytes.end(), more.begin(), more.end());
 }
 
 void append(MP4Box::Bytes& bytes, const MP4Box& box) {
-    const std::size_t begin = bytes.size();
-    bytes.resize(begin + 4);
     if (!boxType(box.type)) fatal("a box whose type is not ASCII");
+    const std::uint64_t size = countedSize(box);
+    for (unsigned shift = 32; shift > 0; shift -= 8) {
+        bytes.push_back(static_cast<std::byte>(size >> (shift - 8) & 0xFFU));
+    }
     append(bytes, box.type);
     if (box.isContainer()) {
         for (const auto& child : box.children) append(bytes, *child);
     } else {
         bytes.insert(bytes.end(), box.payload.begin(), box.payload.end());
-    }
-    // A type of no characters takes no bytes; the size counts them all the same.
-    const std::size_t size = bytes.size() - begin + 4 - box.type.size();
-    if (size > std::numeric_limits<std::uint32_t>::max()) fatal("a box above 4 GiB");
-    for (std::size_t i = 0; i < 4; ++i) {
-        bytes[begin + i] = static_cast<std::byte>(size >> (24 - 8 * i) & 0xFFU);
     }
 }
 
@@ -84,7 +90,10 @@ std::shared_ptr<MP4Box> MP4Box::parse(const std::string& type, std::span<const s
 }
 
 MP4Box::Bytes MP4Box::serialize() const {
+    const std::uint64_t size = countedSize(*this);
+    if (size > std::numeric_limits<std::uint32_t>::max()) fatal("a box above 4 GiB");
     Bytes bytes;
+    bytes.reserve(static_cast<std::size_t>(size));
     append(bytes, *this);
     return bytes;
 }

@@ -47,7 +47,7 @@ MP4Scan::TopLevel MP4Scan::topLevel(const URL& url) {
         const auto box = boxAt(cursor, file, result.fileSize);
         if (!box) break;
         result.boxes.push_back(*box);
-        if (box->extendsToEOF || box->declaredPayload > result.fileSize) break;
+        if (box->declaredPayload > result.fileSize - box->payloadOffset()) break;
         cursor = box->payloadOffset() + box->declaredPayload;
     }
     return result;

@@ -1,6 +1,9 @@
 #pragma once
 
 #include "ReelCore/Platform/URL.h"
+#include "ReelCore/Recovery/WAVLayout.h"
+
+#include <cstdint>
 
 namespace ReelCore {
 
@@ -13,10 +16,21 @@ struct WAVRepairer {
         bool operator==(const Fixed&) const = default;
     };
 
-    /// A file at `output` is replaced. A last sample that is cut off is left out of the sound;
-    /// sizes above 32 bits are written as the largest. Throws what WAVLayout::read throws,
-    /// RecoveryError::IOFailed where `output` is the source, and SystemError; what was written
-    /// until then stays.
+    /// What a header is to say of a file of `fileSize` bytes.
+    struct Sizes {
+        std::uint32_t riff = 0;
+        std::uint32_t data = 0;
+        Fixed fixed;
+
+        bool operator==(const Sizes&) const = default;
+    };
+
+    /// A last sample that is cut off is left out of the sound. Sizes above 32 bits become the
+    /// largest, which leaves the seconds as they are.
+    static Sizes sizesOf(const WAVLayout& layout, std::int64_t fileSize);
+
+    /// A file at `output` is replaced. Throws what WAVLayout::read throws, RecoveryError::IOFailed
+    /// where `output` is the source, and SystemError; what was written until then stays.
     static Fixed repair(const URL& source, const URL& output);
 };
 
