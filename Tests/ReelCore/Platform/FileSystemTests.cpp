@@ -89,6 +89,28 @@ TEST_F(FileSystemTest, IsExecutable_RegularFilesWithTheRight_AndLinksToThem) {
     EXPECT_FALSE(FileSystem::isExecutable(""));
 }
 
+TEST_F(FileSystemTest, SizeOf_RegularFiles_AndLinksToThem) {
+    writeFile(at("file"), "12345");
+    writeFile(at("large"), "");
+    std::filesystem::create_symlink("file", at("link"));
+    std::filesystem::resize_file(at("large"), 5'000'000'000);
+
+    EXPECT_EQ(FileSystem::sizeOf(at("file")), 5);
+    EXPECT_EQ(FileSystem::sizeOf(at("link")), 5);
+    EXPECT_EQ(FileSystem::sizeOf(at("large")), 5'000'000'000);
+}
+
+TEST_F(FileSystemTest, SizeOf_WhatIsNoFile_IsAbsent) {
+    std::filesystem::create_directory(at("folder"));
+    std::filesystem::create_symlink("gone", at("dangling"));
+    std::filesystem::create_symlink("folder", at("linkToFolder"));
+
+    for (const std::string name : {"folder", "dangling", "linkToFolder", "gone", "file/below"}) {
+        EXPECT_EQ(FileSystem::sizeOf(at(name)), std::nullopt) << name;
+    }
+    EXPECT_EQ(FileSystem::sizeOf("/dev/null"), std::nullopt);
+}
+
 TEST_F(FileSystemTest, Names_Folder_HoldsHiddenOnesButNotTheFolderItself) {
     writeTree(at(""), {{".hidden", ""}, {"a\nb", ""}, {"\xff", ""}, {"DCIM/below", ""}});
 
