@@ -109,11 +109,10 @@ public:
                 index_.referencedEnd = position;
                 continue;
             }
-            const auto cutOff = proResFrameSize(media_.head(position));
-            if (cutOff && *cutOff >= smallestProResFrame) break;
-            const std::int64_t next = nextFrame(position);
-            addAudio(position, next);
-            position = next;
+            if (cutFrameAt(position)) break;
+            const std::int64_t end = gapEnd(position);
+            addAudio(position, end);
+            position = end;
         }
         return std::move(index_);
     }
@@ -129,17 +128,25 @@ private:
         return size;
     }
 
-    /// Where the next whole frame begins behind a position; the end where none does.
-    std::int64_t nextFrame(std::int64_t position) {
+    /// True where a frame begins that the media does not hold whole; asked where none does whole.
+    bool cutFrameAt(std::int64_t position) {
+        return proResFrameSize(media_.head(position)).value_or(0) >= smallestProResFrame;
+    }
+
+    /// Where the next whole frame begins behind a position. Where none does, what was cut off ends
+    /// the gap, so that its bytes are not taken for sound, and else the media.
+    std::int64_t gapEnd(std::int64_t position) {
         constexpr std::int64_t tagOffset = 4;
+        std::optional<std::int64_t> cut;
         for (std::int64_t from = position; from <= media_.size() - headSize;) {
             const auto tag = media_.tagFrom(from + tagOffset);
             if (!tag) break;
             const std::int64_t candidate = *tag - tagOffset;
             if (frameAt(candidate)) return candidate;
+            if (!cut && cutFrameAt(candidate)) cut = candidate;
             from = candidate + 1;
         }
-        return media_.size();
+        return cut.value_or(media_.size());
     }
 
     void addAudio(std::int64_t begin, std::int64_t end) {

@@ -33,8 +33,9 @@ struct MdatIndex {
 };
 
 /// Finds the ProRes frames (SMPTE RDD 36) in media by their own tag and takes what lies between
-/// them for sound of `bytesPerAudioFrame` bytes a sample; of 0, there is none. Ends at a frame that
-/// the media does not hold whole.
+/// them for sound of `bytesPerAudioFrame` bytes a sample; of 0, there is none. A frame that runs
+/// over the end of the media ends the index: one that follows a frame, and one that follows sound
+/// unless a whole frame stands behind it, which tells that sound only looked like one.
 MdatIndex indexMdat(std::span<const std::byte> mdat, std::int64_t bytesPerAudioFrame);
 
 /// The same for `length` bytes of a file from `offset` on, of which only the frames' heads and what
