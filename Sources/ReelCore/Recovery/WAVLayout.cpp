@@ -6,12 +6,15 @@
 
 #include <algorithm>
 #include <array>
+#include <vector>
 
 namespace ReelCore {
 
 namespace {
 
 using BWFError = BWFReader::BWFError;
+
+constexpr std::int64_t headerSize = 8;
 
 /// The declared size of a RIFF file.
 std::uint32_t riffSizeOf(const File& file) {
@@ -33,6 +36,20 @@ void readFormat(WAVLayout& layout, const File& file, std::int64_t offset, std::i
     layout.blockAlign = cursor.skip(4) ? cursor.littleEndian<std::uint16_t>().value_or(0) : 0;
 }
 
+/// Where, on from `offset`, a header stands that is not all zeros. Blocks that a recorder never
+/// wrote would else be walked as millions of empty chunks.
+std::int64_t behindEmptyChunks(const File& file, std::int64_t offset) {
+    std::vector<std::byte> buffer(0x10000);
+    for (;;) {
+        offset += (file.nextStored(offset) - offset) / headerSize * headerSize;
+        const auto block = std::span(buffer).first(file.readAt(offset, buffer));
+        const auto isSet = [](std::byte byte) { return byte != std::byte{}; };
+        const std::int64_t zeros = std::ranges::find_if(block, isSet) - block.begin();
+        offset += zeros / headerSize * headerSize;
+        if (zeros < std::ssize(block) || zeros < headerSize) return offset;
+    }
+}
+
 }  // namespace
 
 WAVLayout WAVLayout::read(const URL& url) {
@@ -40,7 +57,6 @@ WAVLayout WAVLayout::read(const URL& url) {
     WAVLayout layout;
     layout.riffSize = riffSizeOf(file);
     const std::int64_t fileSize = file.size();
-    constexpr std::int64_t headerSize = 8;
     std::int64_t cursor = 12;
     while (cursor + headerSize <= fileSize) {
         std::array<std::byte, headerSize> bytes;
@@ -56,6 +72,7 @@ WAVLayout WAVLayout::read(const URL& url) {
             return layout;
         }
         cursor += headerSize + *size + *size % 2;
+        if (bytes == std::array<std::byte, headerSize>{}) cursor = behindEmptyChunks(file, cursor);
     }
     throw BWFError(BWFError::Unreadable{"no data chunk"});
 }

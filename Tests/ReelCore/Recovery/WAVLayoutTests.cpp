@@ -127,8 +127,38 @@ TEST_F(WAVLayoutTest, Chunk_OfOddSize_IsFollowedAtTheNextEvenDistance) {
 }
 
 TEST_F(WAVLayoutTest, EmptyChunks_AreStepsOf8Bytes) {
-    EXPECT_EQ(layoutOf(riffFile(std::string(800, '\0') + riffChunk("data", "s"))).dataOffset,
-              12 + 800 + 8);
+    for (const std::size_t zeros : {8U, 800U, 65'536U, 65'544U, 200'000U}) {
+        const std::string chunks = std::string(zeros, '\0') + riffChunk("data", "s");
+
+        EXPECT_EQ(layoutOf(riffFile(chunks)).dataOffset, 12 + zeros + 8);
+    }
+}
+
+TEST_F(WAVLayoutTest, EmptyChunks_NextToSoundAtNoMultipleOf8_LeadAstray) {
+    const std::string sound = riffChunk("data", "sound!");
+
+    EXPECT_EQ(failureOf(riffFile(std::string(804, '\0') + sound)), noSound);
+    EXPECT_EQ(failureOf(riffFile(std::string(801, '\0') + sound)), noSound);
+}
+
+TEST_F(WAVLayoutTest, EmptyChunks_UpToTheEnd_AreNoSound) {
+    for (const std::size_t zeros : {7U, 8U, 12U, 65'536U, 65'540U}) {
+        EXPECT_EQ(failureOf(riffFile(std::string(zeros, '\0'))), noSound) << zeros;
+    }
+}
+
+TEST_F(WAVLayoutTest, Cost_ZerosInPlaceOfChunks_AreReadOnceAndHolesNotAtAll) {
+    constexpr std::int64_t gibibyte = 1 << 30U;
+    const std::string front = "RIFF" + littleEndian(0, 4) + "WAVE" + std::string(4'000'000, '\0');
+    writeSparse(at("T001.WAV"), {{0, front}, {12 + 40 * gibibyte, riffHeader("data", 4) + "1234"}},
+                41 * gibibyte);
+    WAVLayout layout;
+
+    const Reads cost = readsOf([&] { layout = WAVLayout::read(at("T001.WAV")); });
+
+    EXPECT_EQ(layout.dataOffset, 12 + 40 * gibibyte + 8);
+    EXPECT_LE(cost.bytes, std::ssize(front) + 200'000);
+    EXPECT_LE(cost.calls, 80);
 }
 
 TEST_F(WAVLayoutTest, Format_Of16BytesOrMore_GivesRateAndBlockAlign) {
