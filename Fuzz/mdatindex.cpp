@@ -19,7 +19,7 @@ public:
         while (position_ < media_.size()) {
             if (const auto size = frameAt(position_)) {
                 takeFrame(*size);
-            } else if (isTagged(position_) && sizeAt(position_) >= 20) {
+            } else if (isCutFrame(position_)) {
                 break;
             } else {
                 takeGap();
@@ -47,6 +47,20 @@ private:
         return sizeAt(at);
     }
 
+    bool isCutFrame(std::size_t at) const {
+        return isTagged(at) && sizeAt(at) >= 20 && !frameAt(at);
+    }
+
+    std::size_t gapEnd() const {
+        for (std::size_t at = position_ + 1; at < media_.size(); ++at) {
+            if (frameAt(at)) return at;
+        }
+        for (std::size_t at = position_ + 1; at < media_.size(); ++at) {
+            if (isCutFrame(at)) return at;
+        }
+        return media_.size();
+    }
+
     void takeFrame(std::uint64_t size) {
         index_.videoSamples.push_back(
             {static_cast<std::int64_t>(position_), static_cast<std::int64_t>(size)});
@@ -55,8 +69,7 @@ private:
     }
 
     void takeGap() {
-        std::size_t next = position_ + 1;
-        while (next < media_.size() && !frameAt(next)) ++next;
+        const std::size_t next = gapEnd();
         const auto gap = static_cast<std::int64_t>(next - position_);
         const auto begin = static_cast<std::int64_t>(position_);
         position_ = next;

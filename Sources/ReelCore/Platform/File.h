@@ -15,8 +15,8 @@ enum class FileLinks { follow, refuse };
 /// system refuses, and all are interrupted-call safe.
 class File {
 public:
-    /// Opens an existing regular file to be read from its start. Nothing else is ever opened: a
-    /// pipe or a device under that name is refused (EINVAL), and so is a link unless it is to be
+    /// Opens an existing regular file to be read from its start. Nothing else is ever read: a pipe
+    /// or a device under that name is refused (EINVAL), and so is a link unless it is to be
     /// followed (ELOOP). The file's access time is left alone where the system allows it.
     static File openForReading(const URL& path, FileLinks links = FileLinks::refuse);
 

@@ -37,9 +37,11 @@ bool walkFolder(const URL& root, const std::function<bool(std::string_view name)
 /// SystemErrors about folders, as above.
 bool walkEntries(const URL& root, const std::function<void(const URL&)>& visit);
 
-/// The same for a root that may be failing, of which all that can be read counts: where a listing
-/// breaks off or a folder can't be read, the walk goes on with the rest and never throws. Anything,
-/// with all below it, whose name `isIgnored` tells is passed over too.
+/// Visits the path of everything below a root that may be failing, of which all that can be listed
+/// counts: pipes and devices are told of as well, and entries whose attributes can't be read. Where
+/// a listing breaks off or a folder can't be read, the walk goes on with the rest; it throws only
+/// what `visit` throws. Links are not followed. Anything, with all below it, whose name `isIgnored`
+/// tells is passed over. In the order of the paths; false if `root` can't be opened.
 bool walkReadableEntries(const URL& root,
                          const std::function<bool(std::string_view name)>& isIgnored,
                          const std::function<void(const URL&)>& visit);

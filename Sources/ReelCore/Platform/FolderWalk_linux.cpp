@@ -86,8 +86,8 @@ private:
         struct stat status {};
         if (::fstatat(::dirfd(folder), name, &status, AT_SYMLINK_NOFOLLOW) != 0) {
             const int code = errno;
-            if (strictness_ < Strictness::entries) return;
-            throw SystemError(code, root_ / path);
+            if (strictness_ == Strictness::entries) throw SystemError(code, root_ / path);
+            status = {};
         }
         if (S_ISDIR(status.st_mode)) pending_.push_back(path);
         visit_(std::move(path), status);
@@ -102,20 +102,22 @@ private:
 
 /// Collects first, so that the visits come in the order of the paths.
 bool visitEntries(const URL& root, const std::function<bool(std::string_view)>& isIgnored,
-                  Strictness strictness, const std::function<void(const URL&)>& visit) {
+                  Strictness strictness,
+                  const std::function<bool(const URL&, const struct stat&)>& isWanted,
+                  const std::function<void(const URL&)>& visit) {
     std::vector<URL> entries;
     const auto keep = [&](const std::string& path, const struct stat& status) {
-        struct stat target = status;
         URL entry = root / path;
-        const bool leadsNowhere = S_ISLNK(status.st_mode) && ::stat(entry.c_str(), &target) != 0;
-        if (leadsNowhere || S_ISREG(target.st_mode) || S_ISDIR(target.st_mode)) {
-            entries.push_back(std::move(entry));
-        }
+        if (isWanted(entry, status)) entries.push_back(std::move(entry));
     };
     if (!Walk(root, isIgnored, strictness, keep).run()) return false;
     std::ranges::sort(entries, {}, &URL::native);
     std::ranges::for_each(entries, visit);
     return true;
+}
+
+bool isFileOrFolder(mode_t mode) {
+    return S_ISREG(mode) || S_ISDIR(mode);
 }
 
 }  // namespace
@@ -132,13 +134,19 @@ bool walkFolder(const URL& root, const std::function<bool(std::string_view name)
 
 bool walkEntries(const URL& root, const std::function<void(const URL&)>& visit) {
     const auto nothing = [](std::string_view) { return false; };
-    return visitEntries(root, nothing, Strictness::folders, visit);
+    const auto keepsNobodyWaiting = [](const URL& entry, const struct stat& status) {
+        if (!S_ISLNK(status.st_mode)) return isFileOrFolder(status.st_mode);
+        struct stat target {};
+        return ::stat(entry.c_str(), &target) != 0 || isFileOrFolder(target.st_mode);
+    };
+    return visitEntries(root, nothing, Strictness::folders, keepsNobodyWaiting, visit);
 }
 
 bool walkReadableEntries(const URL& root,
                          const std::function<bool(std::string_view name)>& isIgnored,
                          const std::function<void(const URL&)>& visit) {
-    return visitEntries(root, isIgnored, Strictness::nothing, visit);
+    const auto everything = [](const URL&, const struct stat&) { return true; };
+    return visitEntries(root, isIgnored, Strictness::nothing, everything, visit);
 }
 
 }  // namespace ReelCore

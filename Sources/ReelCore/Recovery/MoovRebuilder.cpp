@@ -45,7 +45,7 @@ Extent mediaOf(const MP4Scan::TopLevel& damaged) {
 /// A box's whole payload, or as much as the file holds. No index is larger than the limit, and a
 /// damaged size must not fill the memory.
 std::shared_ptr<MP4Box> readMoov(const URL& reference, const MP4Scan::TopLevel& layout) {
-    constexpr std::int64_t largestMoov = std::int64_t{1} << 30U;
+    constexpr std::int64_t largestMoov = std::int64_t{256} << 20U;
     const TopLevelBox* moov = layout.first("moov");
     if (!moov) throw RecoveryError(RecoveryError::ReferenceUnusable{"reference has no moov"});
     const std::int64_t available = layout.fileSize - moov->payloadOffset();
