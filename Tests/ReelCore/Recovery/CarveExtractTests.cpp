@@ -1,0 +1,376 @@
+#include "CarveImage.h"
+#include "ReelCore/Recovery/RecoveryError.h"
+#include "Support/Boxes.h"
+#include "Support/FaultyFileSystem.h"
+#include "Support/KLV.h"
+#include "Support/LoopMount.h"
+#include "Support/RIFF.h"
+#include "Support/Snapshot.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace ReelCore;
+using namespace TestSupport;
+
+constexpr std::int64_t block = 0x800000;
+
+const std::string healthyMovie = fileTypeBox() + box("mdat", noise(5000)) + box("moov", "index");
+
+std::string unclosedWave(std::size_t sound) {
+    return "RIFF" + littleEndian(0, 4) + "WAVE" + riffChunk("fmt ", formatPayload({})) +
+           riffHeader("data", 0) + std::string(sound, 's');
+}
+
+RepairOutcome failure(const CarveImage& image, const std::string& detail) {
+    return {image.path(), std::nullopt, false, "carve", detail};
+}
+
+class CarveExtract : public testing::Test {
+protected:
+    URL output() const { return folder_.path() / "carved"; }
+    URL output(const std::string& name) const { return output() / name; }
+
+    RepairOutcome extract(const CarveImage& image, const Finding& finding, std::int64_t index = 1,
+                          const std::optional<URL>& reference = std::nullopt) const {
+        return CardCarver::extract(finding, image.path(), output(), reference, index);
+    }
+
+    URL folder() const { return folder_.path(); }
+
+private:
+    TemporaryFolder folder_;
+};
+
+TEST_F(CarveExtract, HealthyMovie_ComesBackByteForByte) {
+    const CarveImage image(garbage(1000) + healthyMovie + garbage(1000));
+    const Finding finding{FindingKind::movie, 1000, std::ssize(healthyMovie), true};
+
+    EXPECT_EQ(extract(image, finding),
+              (RepairOutcome{image.path(), output("carved_001.mov"), true, "carve",
+                             "QuickTime/MP4 @ 0.0 MB into image (0.0 MB) — intact"}));
+    EXPECT_EQ(readTree(output()), (FolderTree{{"carved_001.mov", healthyMovie}}));
+}
+
+TEST_F(CarveExtract, HealthyClipsOfEveryKind_HaveTheirExtensions) {
+    const std::string mxf = mxfClip(noise(3000));
+    const std::string wave = broadcastWAV({.seconds = 0.1});
+    const CarveImage image(healthyMovie + mxf + wave);
+
+    for (const Finding& finding : image.scan()) {
+        const RepairOutcome outcome = extract(image, finding, finding.kind == FindingKind::mxf);
+        EXPECT_TRUE(outcome.succeeded) << outcome.detail;
+        EXPECT_EQ(outcome.detail, finding.label() + " — intact");
+    }
+
+    EXPECT_EQ(readTree(output()), (FolderTree{{"carved_000.mov", healthyMovie},
+                                              {"carved_001.mxf", mxf},
+                                              {"carved_000.wav", wave}}));
+}
+
+TEST_F(CarveExtract, Name_HasAtLeastThreeDigits) {
+    const CarveImage image(healthyMovie);
+    const Finding finding = image.scan().at(0);
+
+    for (const std::int64_t index : {0, 7, 42, 999, 1000, 123'456}) extract(image, finding, index);
+
+    std::vector<std::string> names;
+    for (const auto& [name, content] : readTree(output())) names.push_back(name);
+    EXPECT_EQ(names,
+              (std::vector<std::string>{"carved_000.mov", "carved_007.mov", "carved_042.mov",
+                                        "carved_1000.mov", "carved_123456.mov", "carved_999.mov"}));
+}
+
+TEST_F(CarveExtract, SecondTimeWithTheSameIndex_ReplacesTheFile) {
+    const CarveImage image(healthyMovie);
+    writeTree(output(), {{"carved_001.mov", noise(90'000)}, {"carved_002.mov", "another"}});
+
+    extract(image, image.scan().at(0));
+
+    EXPECT_EQ(readTree(output()),
+              (FolderTree{{"carved_001.mov", healthyMovie}, {"carved_002.mov", "another"}}));
+}
+
+TEST_F(CarveExtract, LinkUnderTheOutputsName_IsReplacedAndNotFollowed) {
+    const CarveImage image(healthyMovie);
+    writeTree(folder(), {{"precious.mov", "day's work"}, {"carved/x", ""}});
+    std::filesystem::create_symlink(folder() / "precious.mov", output("carved_001.mov"));
+
+    EXPECT_TRUE(extract(image, image.scan().at(0)).succeeded);
+
+    EXPECT_EQ(readFile(folder() / "precious.mov"), "day's work");
+    EXPECT_FALSE(std::filesystem::is_symlink(output("carved_001.mov")));
+}
+
+TEST_F(CarveExtract, FolderUnderTheOutputsName_IsSaidAndStays) {
+    const CarveImage image(healthyMovie);
+    writeTree(output("carved_001.mov"), {{"inside", "kept"}});
+
+    const RepairOutcome outcome = extract(image, image.scan().at(0));
+
+    EXPECT_EQ(outcome, failure(image, outcome.detail));
+    EXPECT_NE(outcome.detail.find("Is a directory"), std::string::npos) << outcome.detail;
+    EXPECT_EQ(readTree(output("carved_001.mov")), (FolderTree{{"inside", "kept"}}));
+}
+
+TEST_F(CarveExtract, OutputFolder_IsMadeWithItsParents) {
+    const CarveImage image(healthyMovie);
+
+    const RepairOutcome outcome =
+        CardCarver::extract(image.scan().at(0), image.path(), folder() / "a/b/c", {}, 1);
+
+    EXPECT_EQ(outcome.output, folder() / "a/b/c/carved_001.mov");
+    EXPECT_EQ(readFile(folder() / "a/b/c/carved_001.mov"), healthyMovie);
+}
+
+TEST_F(CarveExtract, UnclosedWave_IsRepairedAndTheRawFileRemoved) {
+    const std::string wave = unclosedWave(14'400);
+    const CarveImage image(wave + std::string(4096, '\0'));
+    const Finding finding{FindingKind::wave, 0, std::ssize(wave), false};
+
+    EXPECT_EQ(
+        extract(image, finding),
+        (RepairOutcome{image.path(), output("carved_001_repaired.wav"), true,
+                       "carve + WAV size fix", finding.label() + " — 0.1s of audio recovered"}));
+    FolderTree written = readTree(output());
+    ASSERT_EQ(written.size(), 1U);
+    const std::string repaired = written.at("carved_001_repaired.wav");
+    EXPECT_EQ(repaired.substr(4, 4), littleEndian(wave.size() - 8, 4));
+    EXPECT_EQ(repaired.substr(40), littleEndian(14'400, 4) + std::string(14'400, 's'));
+}
+
+TEST_F(CarveExtract, SecondRepairWithTheSameIndex_TakesANewName) {
+    const std::string wave = unclosedWave(14'400);
+    const CarveImage image(wave);
+    const Finding finding{FindingKind::wave, 0, std::ssize(wave), false};
+
+    const RepairOutcome first = extract(image, finding);
+    const RepairOutcome second = extract(image, finding);
+
+    EXPECT_TRUE(first.succeeded && second.succeeded);
+    EXPECT_NE(first.output, second.output);
+    EXPECT_EQ(readTree(output()).size(), 2U);
+    EXPECT_EQ(readFile(*first.output), readFile(*second.output));
+}
+
+TEST_F(CarveExtract, MovieWithoutAnIndexAndNoReference_StaysAsCutOutAndSaysWhatItNeeds) {
+    const std::string movie = fileTypeBox() + box("mdat", noise(5000));
+    const CarveImage image(movie);
+    const Finding finding{FindingKind::movie, 0, std::ssize(movie), false};
+
+    EXPECT_EQ(extract(image, finding),
+              (RepairOutcome{image.path(), output("carved_001.mov"), false, "carve + moov rebuild",
+                             "QuickTime/MP4 @ 0.0 MB into image (0.0 MB) — incomplete — A healthy "
+                             "reference clip from the same camera is required: pick a healthy clip "
+                             "from the same camera"}));
+    EXPECT_EQ(readTree(output()), (FolderTree{{"carved_001.mov", movie}}));
+}
+
+TEST_F(CarveExtract, MissingReference_IsSaidAndTheRawFileStays) {
+    const std::string movie = fileTypeBox() + box("mdat", noise(5000));
+    const CarveImage image(movie);
+    const Finding finding{FindingKind::movie, 0, std::ssize(movie), false};
+    const URL missing = folder() / "reference.mov";
+
+    EXPECT_EQ(extract(image, finding, 3, missing),
+              (RepairOutcome{image.path(), output("carved_003.mov"), false, "carve + repair",
+                             finding.label() + " — Not found: " + missing.native()}));
+    EXPECT_EQ(readFile(output("carved_003.mov")), movie);
+}
+
+TEST_F(CarveExtract, HealthyClip_NeedsNoReference) {
+    const CarveImage image(healthyMovie);
+
+    EXPECT_EQ(extract(image, image.scan().at(0), 1, folder() / "missing.mov").detail,
+              "QuickTime/MP4 @ 0.0 MB into image (0.0 MB) — intact");
+}
+
+TEST_F(CarveExtract, TruncatedMXF_IsSaidAndTheRawFileStays) {
+    const std::string mxf = triplet(partitionKey(2), garbage(88)) +
+                            triplet(essenceKey(), noise(400)) + triplet(essenceKey(), noise(400));
+    const CarveImage image(mxf);
+
+    const RepairOutcome outcome = extract(image, image.scan().at(0));
+
+    EXPECT_FALSE(outcome.succeeded);
+    EXPECT_TRUE(outcome.method.starts_with("carve + ")) << outcome.method;
+    EXPECT_EQ(outcome.output, output("carved_001.mxf"));
+    EXPECT_EQ(readFile(output("carved_001.mxf")), mxf);
+}
+
+TEST_F(CarveExtract, NothingThatCouldBeRepaired_StaysAsCutOut) {
+    const CarveImage image("RIFF" + littleEndian(50, 4) + "WAVE" + garbage(200));
+    const Finding finding = image.scan().at(0);
+
+    EXPECT_EQ(extract(image, finding),
+              (RepairOutcome{image.path(), output("carved_001.wav"), false, "carve + —",
+                             finding.label() + " — nothing to repair"}));
+    EXPECT_EQ(readFile(output("carved_001.wav")).size(), 58U);
+}
+
+TEST_F(CarveExtract, OrphanRun_HasAMediaHeaderInFront) {
+    const std::string run = proResFrame(1000) + proResFrame(900) + proResFrame(800);
+    const CarveImage image(run);
+
+    const RepairOutcome outcome = extract(image, image.scan().at(0));
+
+    EXPECT_EQ(readFile(output("carved_001.mov")),
+              bigEndian(1, 4) + "mdat" + bigEndian(1900 + 16, 8) + run.substr(0, 1900));
+    EXPECT_EQ(outcome.method, "carve + moov rebuild");
+    EXPECT_TRUE(outcome.detail.ends_with("pick a healthy clip from the same camera"))
+        << outcome.detail;
+}
+
+TEST_F(CarveExtract, FindingOfLengthZero_GivesAnEmptyFile) {
+    const CarveImage image(healthyMovie);
+    for (const FindingKind kind : {FindingKind::movie, FindingKind::mxf, FindingKind::wave}) {
+        const Finding empty{kind, 0, 0, false};
+        const URL carved = output("carved_001." + std::string(outputExtension(kind)));
+
+        EXPECT_EQ(extract(image, empty), (RepairOutcome{image.path(), carved, false, "carve + —",
+                                                        empty.label() + " — nothing to repair"}));
+        EXPECT_EQ(readFile(carved), "");
+    }
+}
+
+TEST_F(CarveExtract, OrphanRunOfLengthZero_IsTheMediaHeaderAlone) {
+    const CarveImage image(healthyMovie);
+
+    const RepairOutcome outcome = extract(image, {FindingKind::orphanProRes, 0, 0, false});
+
+    EXPECT_FALSE(outcome.succeeded);
+    EXPECT_EQ(readFile(output("carved_001.mov")), bigEndian(1, 4) + "mdat" + bigEndian(16, 8));
+}
+
+TEST_F(CarveExtract, LengthOfSeveralBlocks_IsCopiedWhole) {
+    const std::string movie =
+        fileTypeBox() + box("moov", "index") + box("mdat", noise(2 * block + 12'345));
+    const CarveImage image(garbage(7) + movie);
+
+    EXPECT_TRUE(extract(image, {FindingKind::movie, 7, std::ssize(movie), true}).succeeded);
+
+    EXPECT_TRUE(readFile(output("carved_001.mov")) == movie);
+}
+
+TEST_F(CarveExtract, FindingBeyondTheImage_IsAnEmptyFile) {
+    const CarveImage image(healthyMovie);
+    const Finding beyond{FindingKind::movie, image.size() + 100, 20'000'000, true};
+
+    const RepairOutcome outcome = extract(image, beyond);
+
+    EXPECT_FALSE(outcome.succeeded);
+    EXPECT_EQ(readFile(output("carved_001.mov")), "");
+}
+
+TEST_F(CarveExtract, FindingThatReachesBeyondTheImage_IsCutOutUpToItsEnd) {
+    const CarveImage image(healthyMovie);
+
+    extract(image, {FindingKind::movie, 100, 2 * block, false});
+
+    EXPECT_EQ(readFile(output("carved_001.mov")), healthyMovie.substr(100));
+}
+
+TEST_F(CarveExtract, MissingImage_IsSaid) {
+    const TemporaryFolder empty;
+    const URL missing = empty.path() / "card.img";
+
+    EXPECT_EQ(
+        CardCarver::extract({FindingKind::movie, 0, 10, true}, missing, output(), {}, 1),
+        (RepairOutcome{missing, std::nullopt, false, "carve", "Not found: " + missing.native()}));
+    EXPECT_EQ(readTree(output()), FolderTree());
+}
+
+TEST_F(CarveExtract, OutputFolderThatCannotBeMade_IsSaid) {
+    const CarveImage image(healthyMovie);
+    writeFile(output(), "a file");
+
+    const RepairOutcome outcome = extract(image, image.scan().at(0));
+
+    EXPECT_EQ(outcome, failure(image, outcome.detail));
+    EXPECT_NE(outcome.detail.find(output().native()), std::string::npos) << outcome.detail;
+    EXPECT_EQ(readFile(output()), "a file");
+}
+
+TEST_F(CarveExtract, FullDrive_IsSaidInTheSystemsWords) {
+    if (!LoopMount::isAvailable()) GTEST_SKIP() << "needs root and loop devices";
+    const LoopMount drive("ext4", 8);
+    const CarveImage image(fileTypeBox() + box("moov") + box("mdat", noise(20'000'000)));
+
+    const RepairOutcome outcome =
+        CardCarver::extract(image.scan().at(0), image.path(), drive.path() / "carved", {}, 1);
+
+    EXPECT_EQ(outcome, failure(image, outcome.detail));
+    EXPECT_NE(outcome.detail.find("No space left on device"), std::string::npos) << outcome.detail;
+}
+
+TEST_F(CarveExtract, ReadOnlyDrive_IsSaidInTheSystemsWords) {
+    if (!LoopMount::isAvailable()) GTEST_SKIP() << "needs root and loop devices";
+    LoopMount drive("ext4", 8);
+    drive.makeReadOnly();
+    const CarveImage image(healthyMovie);
+
+    const RepairOutcome outcome =
+        CardCarver::extract(image.scan().at(0), image.path(), drive.path(), {}, 1);
+
+    EXPECT_EQ(outcome, failure(image, outcome.detail));
+    EXPECT_NE(outcome.detail.find("Read-only file system"), std::string::npos) << outcome.detail;
+}
+
+TEST_F(CarveExtract, BlockThatCannotBeRead_IsLeftOutAndWhatWasReadIsRight) {
+    if (!FaultyFileSystem::isAvailable()) GTEST_SKIP() << "needs FUSE";
+    const std::string movie = fileTypeBox() + box("mdat", noise(3 * block)) + box("moov");
+    const CarveImage image(movie);
+    const TemporaryFolder mountPoint;
+    const FaultyFileSystem drive(image.folder(), mountPoint.path(),
+                                 {.failReadAt = 2 * block + 4096});
+
+    const RepairOutcome outcome =
+        CardCarver::extract({FindingKind::movie, 0, std::ssize(movie), true},
+                            drive.path() / "card.img", output(), {}, 1);
+
+    EXPECT_FALSE(outcome.succeeded);
+    EXPECT_EQ(outcome.method, "carve + moov rebuild");
+    EXPECT_EQ(outcome.output, output("carved_001.mov"));
+    EXPECT_TRUE(readFile(output("carved_001.mov")) == movie.substr(0, 2 * block));
+}
+
+TEST_F(CarveExtract, ImageUnderTheOutputsName_IsRefusedAndStays) {
+    const CarveImage image(healthyMovie);
+    const Finding finding = image.scan().at(0);
+    std::filesystem::create_directories(output());
+    std::filesystem::create_hard_link(image.path(), output("carved_001.mov"));
+
+    EXPECT_EQ(extract(image, finding),
+              failure(image, "I/O failed: card.img would be replaced by what is made from it"));
+    EXPECT_EQ(readFile(image.path()), healthyMovie);
+    EXPECT_EQ(readTree(output()), (FolderTree{{"carved_001.mov", healthyMovie}}));
+}
+
+TEST_F(CarveExtract, ReferenceUnderTheOutputsName_IsRefusedAndStays) {
+    const CarveImage image(fileTypeBox() + box("mdat", noise(500)));
+    writeTree(output(), {{"carved_001.mov", "a healthy clip"}});
+
+    EXPECT_EQ(
+        extract(image, image.scan().at(0), 1, output("carved_001.mov")),
+        failure(image, "I/O failed: carved_001.mov would be replaced by what is made from it"));
+    EXPECT_EQ(readTree(output()), (FolderTree{{"carved_001.mov", "a healthy clip"}}));
+}
+
+TEST_F(CarveExtract, Image_IsLeftWithoutATraceByAllOfIt) {
+    const CarveImage image(healthyMovie + unclosedWave(5000) + std::string(4096, '\0') +
+                           fileTypeBox() + box("mdat", noise(500)));
+    writeFile(image.folder() / "reference.mov", healthyMovie);
+    ageAccessDates(image.folder());
+    const Snapshot before = snapshotOf(image.folder());
+
+    const auto findings = image.scan();
+    ASSERT_EQ(findings.size(), 3U);
+    for (std::size_t i = 0; i < findings.size(); ++i) {
+        extract(image, findings[i], static_cast<std::int64_t>(i), image.folder() / "reference.mov");
+    }
+
+    EXPECT_EQ(snapshotOf(image.folder()), before);
+}
+
+}  // namespace
