@@ -2,6 +2,7 @@
 
 #include "ReelCore/Models/UniquePath.h"
 #include "ReelCore/Offload/SourceScanner.h"
+#include "ReelCore/Platform/File.h"
 #include "ReelCore/Platform/FileSystem.h"
 #include "ReelCore/Platform/FolderWalk.h"
 #include "ReelCore/Platform/Text.h"
@@ -33,8 +34,10 @@ URL outputFor(const URL& source, const URL& folder, std::string_view ending) {
     return uniqueOutputURL(folder / (source.stem().native() + std::string(ending)));
 }
 
+/// A drive may refuse late what it took at first: a clip is repaired when all of it has arrived.
 RepairOutcome success(const URL& source, const URL& output, std::string method,
                       std::string detail) {
+    File::openForUpdating(output).flush();
     return {source, output, true, std::move(method), std::move(detail)};
 }
 
@@ -62,13 +65,11 @@ struct Repair {
     /// The clip still has its own index to go by.
     RepairOutcome operator()(const ClipDiagnosis::Truncated&) const {
         const URL output = outputFor(source, folder, "_repaired.mov");
-        try {
-            const auto stats = MoovRebuilder::rebuild(source, source, output);
-            return success(source, output, "index rebuild", stats.summary());
-        } catch (const Error&) {
-            remux(source, output);
-            return success(source, output, "remux", "container rebuilt from intact index");
+        if (const auto stats = rebuiltByItself(output)) {
+            return success(source, output, "index rebuild", stats->summary());
         }
+        remux(source, output);
+        return success(source, output, "remux", "container rebuilt from intact index");
     }
 
     RepairOutcome operator()(const ClipDiagnosis::StaleWAVSizes&) const {
@@ -82,6 +83,15 @@ struct Repair {
     RepairOutcome operator()(const ClipDiagnosis::Healthy&) const { return nothing(); }
 
 private:
+    /// Nothing where the clip can't be rebuilt, for whatever reason.
+    std::optional<MoovRebuilder::Stats> rebuiltByItself(const URL& output) const {
+        try {
+            return MoovRebuilder::rebuild(source, source, output);
+        } catch (const std::exception&) {
+            return std::nullopt;
+        }
+    }
+
     RepairOutcome nothing() const { return failure(source, "—", "nothing to repair"); }
 };
 

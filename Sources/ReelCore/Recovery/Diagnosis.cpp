@@ -1,4 +1,3 @@
-#include "ReelCore/Platform/Error.h"
 #include "ReelCore/Platform/File.h"
 #include "ReelCore/Platform/FileSystem.h"
 #include "ReelCore/Recovery/ClipDoctor.h"
@@ -7,6 +6,8 @@
 #include "ReelCore/Recovery/WAVLayout.h"
 
 #include <algorithm>
+#include <array>
+#include <exception>
 #include <limits>
 #include <span>
 #include <string>
@@ -47,7 +48,7 @@ ClipDiagnosis judge(const MP4Scan::TopLevel& movie) {
 ClipDiagnosis diagnoseMovie(const URL& url) {
     try {
         return judge(MP4Scan::topLevel(url));
-    } catch (const Error&) {
+    } catch (const std::exception&) {
         return unreadable("no QuickTime/MP4 structure");
     }
 }
@@ -60,7 +61,7 @@ ClipDiagnosis diagnoseWave(const URL& url, std::int64_t fileSize) {
             return {ClipDiagnosis::StaleWAVSizes{layout.declaredData, actual}};
         }
         return {ClipDiagnosis::Healthy{}};
-    } catch (const Error&) {
+    } catch (const std::exception&) {
         return unreadable("not a RIFF/WAVE");
     }
 }
@@ -70,7 +71,7 @@ bool beginsWithHeaderPartition(const File& file) {
     try {
         return file.readAt(0, bytes) == bytes.size() &&
                MXFScan::isPartitionKey(bytes, 0, MXFScan::PartitionKind::header);
-    } catch (const Error&) {
+    } catch (const std::exception&) {
         return false;
     }
 }
@@ -83,7 +84,7 @@ ClipDiagnosis diagnoseMXF(const URL& url, std::int64_t fileSize) {
         if (!walk) return unreadable("MXF structure unwalkable");
         if (walk->sawFooter && walk->length >= fileSize) return {ClipDiagnosis::Healthy{}};
         return {ClipDiagnosis::Truncated{fileSize, walk->length}};
-    } catch (const Error&) {
+    } catch (const std::exception&) {
         return unreadable("cannot open");
     }
 }

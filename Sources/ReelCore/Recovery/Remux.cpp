@@ -4,6 +4,7 @@
 #include "ReelCore/Platform/FileSystem.h"
 #include "ReelCore/Platform/Split.h"
 #include "ReelCore/Platform/Text.h"
+#include "ReelCore/Recovery/MP4Scan.h"
 #include "ReelCore/Recovery/RecoveryError.h"
 #include "ReelCore/Transcode/FFmpegLocator.h"
 #include "ReelCore/Transcode/FFmpegLog.h"
@@ -28,6 +29,18 @@ std::string lastLines(const std::string& text) {
     return fmt::format("{}", fmt::join(lines, "\n"));
 }
 
+/// ffmpeg calls it a success if it could read the index and not one frame behind it.
+bool holdsNoMedia(const URL& movie) {
+    const MP4Scan::TopLevel layout = MP4Scan::topLevel(movie);
+    const TopLevelBox* media = layout.first("mdat");
+    return media && !media->extendsToEOF && media->declaredPayload == 0;
+}
+
+bool isDone(int status, const URL& output, const std::string& said) {
+    return status == 0 && FileSystem::leadsSomewhere(output) && !tellsOfFailedDrive(said) &&
+           !holdsNoMedia(output);
+}
+
 }  // namespace
 
 void remux(const URL& source, const URL& output) {
@@ -36,7 +49,7 @@ void remux(const URL& source, const URL& output) {
     const auto [status, said] =
         ChildProcess::readError(*ffmpeg, {"-y", "-err_detect", "ignore_err", "-i", toolPath(source),
                                           "-c", "copy", "-ignore_unknown", toolPath(output)});
-    if (status == 0 && FileSystem::leadsSomewhere(output) && !tellsOfFailedDrive(said)) return;
+    if (isDone(status, output, said)) return;
     throw RecoveryError(RecoveryError::IOFailed{"remux failed: " + lastLines(said)});
 }
 

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <filesystem>
+#include <stdexcept>
 
 #include <fmt/format.h>
 #include <sys/stat.h>
@@ -143,6 +144,11 @@ public:
         note(path, kind, std::ssize(kind.content));
     }
 
+    void addPipe(const std::string& path) {
+        if (::mkfifo((card_.path / path).c_str(), 0600) != 0) throw std::runtime_error("no pipe");
+        note(path, hopeless("", unreadable("empty file")), 0);
+    }
+
 private:
     void note(const std::string& path, const Kind& kind, std::int64_t size) {
         const std::string stem = URL(path).stem().native();
@@ -170,8 +176,6 @@ void addNoise(const URL& card, const Kinds& kinds) {
                      {"A/mov", clip},
                      {"A/.mov", clip},
                      {"A/C.mov.", clip}});
-    if (::mkfifo((card / "A/pipe.mov").c_str(), 0600) != 0) throw std::runtime_error("no pipe");
-    std::filesystem::create_symlink("pipe.mov", card / "A/link to the pipe.mov");
 }
 
 /// In the order of their first characters.
@@ -210,6 +214,8 @@ void fill(MixedCard& card, const Kinds& kinds) {
     make.add("A/C0001.mov", kinds.neverClosed());
     make.add("A/C0010.mov", kinds.movie());
     make.add("A/C009.mov", kinds.movie());
+    make.addLink("A/link to the pipe.mov", "pipe.mov", hopeless("", unreadable("empty file")));
+    make.addPipe("A/pipe.mov");
     make.add("A0.mp4", kinds.cutH264());
     addAwkwardNames(make, kinds);
     make.add("B/C0001.mov", kinds.neverClosed());
