@@ -13,6 +13,7 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 using namespace ReelCore;
 using namespace TestSupport;
@@ -34,6 +35,16 @@ protected:
 
 private:
     TemporaryFolder folder_;
+};
+
+/// The name of a file on a file system that knows no largest file.
+struct FileInMemory {
+    const URL path = "/dev/shm/reelcore-test-" + std::to_string(::getpid());
+
+    ~FileInMemory() {
+        std::error_code ignored;
+        std::filesystem::remove(path, ignored);
+    }
 };
 
 std::size_t openDescriptors() {
@@ -157,24 +168,19 @@ TEST_F(MP4ScanTest, WideSize_TheLargest_IsToldAndEndsTheWalk) {
 }
 
 // Where two sizes, each within the file, reach beyond the largest offset together.
-TEST_F(MP4ScanTest, WideSize_InTheLargestFile_IsToldAndEndsTheWalk) {
+TEST(MP4ScanLargestFile, WideSizes_ThatReachBeyondTheLargestOffset_EndTheWalk) {
     constexpr std::int64_t largest = std::numeric_limits<std::int64_t>::max();
     constexpr std::int64_t half = largest / 2 + 1;
-    const TemporaryFolder here;
-    const URL clip = std::filesystem::exists("/dev/shm") ? URL("/dev/shm") / here.path().filename()
-                                                         : at("clip.mov");
+    const FileInMemory clip;
     try {
-        writeSparse(clip, {{0, wideBoxHeader("mdat", half)}, {half, wideBoxHeader("mdat", half)}},
+        writeSparse(clip.path,
+                    {{0, wideBoxHeader("mdat", half)}, {half, wideBoxHeader("mdat", half)}},
                     largest);
     } catch (const SystemError&) {
-        std::filesystem::remove(clip);
         GTEST_SKIP() << "needs a file system for files of 2^63 bytes at /dev/shm";
     }
 
-    const Boxes found = MP4Scan::topLevel(clip).boxes;
-    std::filesystem::remove(clip);
-
-    EXPECT_EQ(found,
+    EXPECT_EQ(MP4Scan::topLevel(clip.path).boxes,
               (Boxes{{"mdat", 0, 16, half - 16, false}, {"mdat", half, 16, half - 16, false}}));
 }
 

@@ -39,7 +39,7 @@ protected:
         return MXFScan::walk(File::openForReading(url), at, limit.value_or(std::ssize(bytes)));
     }
 
-    /// What a walk makes of three triplets, of `length` bytes, in front of `behind`.
+    /// What a walk makes of three triplets in front of `behind`.
     std::optional<MXFScan::Walk> walkWithThreeInFront(std::string_view behind) const {
         return walk(three + std::string(behind));
     }
