@@ -110,7 +110,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     requireModel(media, bytesPerAudioFrame);
     // Gaps wider than what is read at once.
-    const std::string silence(size == 0 ? 0 : data[size - 1] * 97U, '\0');
+    const std::string silence(size == 0 || data[0] % 8 != 0 ? 0 : data[size - 1] * 97U, '\0');
     requireModel(media + silence + text + silence, bytesPerAudioFrame);
     return 0;
 }

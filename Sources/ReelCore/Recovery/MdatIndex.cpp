@@ -48,7 +48,7 @@ private:
 class FileMedia {
 public:
     FileMedia(const File& file, std::int64_t offset, std::int64_t length)
-        : file_(file), offset_(offset), length_(length), buffer_(largestPiece) {}
+        : file_(file), offset_(offset), length_(length) {}
 
     std::int64_t size() const { return length_; }
 
@@ -77,8 +77,9 @@ private:
     std::span<const std::byte> bytesFrom(std::int64_t at, std::int64_t wanted, std::int64_t piece) {
         const std::int64_t rest = std::max<std::int64_t>(length_ - at, 0);
         if (at < begin_ || at + std::min(wanted, rest) > begin_ + count_) {
-            const auto into =
-                std::span(buffer_).first(static_cast<std::size_t>(std::min(piece, rest)));
+            const auto size = static_cast<std::size_t>(std::min(piece, rest));
+            if (buffer_.size() < size) buffer_.resize(size);
+            const auto into = std::span(buffer_).first(size);
             begin_ = at;
             count_ = static_cast<std::int64_t>(file_.readAt(offset_ + at, into));
         }
