@@ -40,10 +40,12 @@ Types typesOf(const MP4Box::Children& children) {
 }
 
 /// Containers one inside the other, with a leaf inside the innermost.
-std::string nested(int levels) {
-    std::string bytes = box("free", "1234");
-    for (int i = 0; i < levels; ++i) bytes = box("trak", bytes);
-    return bytes;
+std::string nested(std::uint32_t levels) {
+    const std::string innermost = box("free", "1234");
+    const auto size = static_cast<std::uint32_t>(innermost.size());
+    std::string bytes;
+    for (std::uint32_t i = levels; i > 0; --i) bytes += boxHeader("trak", 8 * i + size);
+    return bytes + innermost;
 }
 
 }  // namespace
@@ -159,7 +161,7 @@ TEST(MP4BoxParse, Nesting_UpTo32Levels_ComesBackWhole) {
 }
 
 TEST(MP4BoxParse, Nesting_Deeper_IsDroppedBelowThe32ndLevel) {
-    for (const int levels : {32, 1000, 100'000}) {
+    for (const std::uint32_t levels : {32U, 1000U, 100'000U}) {
         const auto tree = parsed("moov", nested(levels));
 
         int depth = 0;
