@@ -1,5 +1,4 @@
-#include "ReelCore/Recovery/MdatIndex.h"
-
+#include "ReelCore/Recovery/MoovRebuilder.h"
 #include "Require.h"
 #include "ScratchFile.h"
 
@@ -88,11 +87,11 @@ private:
 void requireModel(const std::string& media, std::int64_t bytesPerAudioFrame) {
     static const URL path = scratchFile("mdatindex");
     const MdatIndex expected = Model(media, bytesPerAudioFrame).index();
-    REQUIRE(indexMdat(bytesOf(media), bytesPerAudioFrame) == expected);
+    REQUIRE(MoovRebuilder::indexMdat(bytesOf(media), bytesPerAudioFrame) == expected);
     write(path, "before" + media);
     const File file = File::openForReading(path);
     const auto length = static_cast<std::int64_t>(media.size());
-    REQUIRE(indexMdat(file, 6, length, bytesPerAudioFrame) == expected);
+    REQUIRE(MoovRebuilder::indexMdat(file, 6, length, bytesPerAudioFrame) == expected);
     std::filesystem::remove(path);
 }
 

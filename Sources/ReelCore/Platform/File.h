@@ -11,7 +11,7 @@ namespace ReelCore {
 enum class FileLinks { follow, refuse };
 
 /// An open regular file: a descriptor that is closed on every way out, a failure to close being
-/// ignored. Movable; one thread at a time. Every operation throws SystemError where the operating
+/// ignored. Movable; one thread at a time, but for `readAt`. Every operation throws SystemError where the operating
 /// system refuses, and all are interrupted-call safe.
 class File {
 public:

@@ -12,9 +12,14 @@ namespace ReelCore {
 /// Brings media back from the raw image of a card whose file system is gone: finds each clip by its
 /// own bytes and cuts it out. The image is only ever read. No state; any thread.
 struct CardCarver {
-    /// Goes over the whole image once and returns what it finds in the order of the image. Memory
-    /// does not grow with it. `isCancelled` is asked, and `progress` called, on this thread, once
-    /// for each 32 MiB; a cancelled scan returns what was found so far. Throws RecoveryError:
+    using Finding = ReelCore::Finding;
+    using FindingKind = ReelCore::FindingKind;
+    using CarveProgress = ReelCore::CarveProgress;
+
+    /// Goes over the whole image and returns what it finds in the order of the image. Memory grows
+    /// with the findings alone. `isCancelled` is asked, and `progress` called, on this thread, once
+    /// for each 32 MiB and not while a finding is followed; a cancelled scan returns what was found
+    /// so far. A second thread helps to search. Throws RecoveryError:
     /// NotFound, or IOFailed for an empty image; SystemError where the image can't be read on.
     static std::vector<Finding> scan(
         const URL& image, const std::function<bool()>& isCancelled = [] { return false; },
@@ -23,7 +28,8 @@ struct CardCarver {
     /// Cuts a finding out to "carved_INDEX" in `outputDir`, which is made, in place of what has
     /// that name; a clip that is not healthy is repaired as ClipDoctor does it, with a healthy
     /// `reference` from the same camera, and the raw piece removed. Never fails: every failure is
-    /// an outcome that says so. What can't be read is left out.
+    /// an outcome that says so. A block of 8 MiB that can't be read whole is left out. Numbers
+    /// in the index of a clip that can't be reckoned with are fatal faults.
     static RepairOutcome extract(const Finding& finding, const URL& image, const URL& outputDir,
                                  const std::optional<URL>& reference, std::int64_t index);
 };

@@ -27,13 +27,14 @@ File openImage(const URL& image) {
     }
 }
 
-/// Copies what can be read; what can't is left out, so that the rest moves up.
+/// Copies block by block. One that can't be read whole is left out, so that the rest moves up.
 void copy(const File& image, const Finding& finding, File& target) {
     constexpr std::int64_t blockSize = 0x800000;
+    const std::int64_t length = std::min(finding.length, image.size() - finding.offset);
     std::vector<std::byte> buffer(
-        static_cast<std::size_t>(std::clamp<std::int64_t>(finding.length, 0, blockSize)));
-    for (std::int64_t done = 0; done < finding.length; done += blockSize) {
-        const auto size = static_cast<std::size_t>(std::min(blockSize, finding.length - done));
+        static_cast<std::size_t>(std::clamp<std::int64_t>(length, 0, blockSize)));
+    for (std::int64_t done = 0; done < length; done += blockSize) {
+        const auto size = static_cast<std::size_t>(std::min(blockSize, length - done));
         target.write(readPiece(image, finding.offset + done, std::span(buffer).first(size)));
     }
 }
@@ -43,6 +44,8 @@ void cutOut(const Finding& finding, const URL& image, const URL& carved) {
     File target = File::create(carved);
     if (finding.kind == FindingKind::orphanProRes) target.write(mdatHeader(finding.length));
     copy(source, finding, target);
+    // A drive may refuse late what it took at first.
+    target.flush();
 }
 
 RepairOutcome repairCarved(const Finding& finding, const URL& image, const URL& carved,
@@ -72,6 +75,8 @@ RepairOutcome CardCarver::extract(const Finding& finding, const URL& image, cons
         requireOtherFile(carved, {image, reference.value_or(image)});
         cutOut(finding, image, carved);
         return repairCarved(finding, image, carved, reference);
+    } catch (const Error& error) {
+        return {image, std::nullopt, false, "carve", error.description()};
     } catch (const std::exception& error) {
         return {image, std::nullopt, false, "carve", error.what()};
     }

@@ -41,10 +41,11 @@ public:
             const auto box = boxAt(image_, position_);
             if (!box || !isKnown(*box)) break;
             if (box->type == "ftyp" && position_ != start_) break;
+            const bool isImpossible = box->size >> 63U != 0;
             const bool toTheEnd = box->size == 0 && box->headerSize == 8;
             const auto rest = static_cast<std::uint64_t>(total_ - position_);
             const std::uint64_t size = toTheEnd ? rest : box->size;
-            if (size < 8) break;
+            if (size < 8 || isImpossible) break;
             sawMoov_ = sawMoov_ || box->type == "moov";
             sawMdat_ = sawMdat_ || box->type == "mdat";
             if (size > rest) return Finding{FindingKind::movie, start_, total_ - start_, false};

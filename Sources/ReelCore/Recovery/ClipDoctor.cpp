@@ -116,6 +116,8 @@ RepairOutcome ClipDoctor::repair(const ClipReport& report, const std::optional<U
     try {
         FileSystem::createFolders(outputDir);
         return std::visit(Repair{report.url, reference, outputDir}, report.diagnosis.value);
+    } catch (const Error& error) {
+        return failure(report.url, "repair", error.description());
     } catch (const std::exception& error) {
         return failure(report.url, "repair", error.what());
     }

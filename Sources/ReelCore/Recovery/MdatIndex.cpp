@@ -1,5 +1,7 @@
 #include "ReelCore/Recovery/MdatIndex.h"
 
+#include "ReelCore/Platform/File.h"
+#include "ReelCore/Recovery/MoovRebuilder.h"
 #include "ReelCore/Recovery/ProResFrame.h"
 
 #include <algorithm>
@@ -166,12 +168,13 @@ private:
 
 }  // namespace
 
-MdatIndex indexMdat(std::span<const std::byte> mdat, std::int64_t bytesPerAudioFrame) {
+MdatIndex MoovRebuilder::indexMdat(std::span<const std::byte> mdat,
+                                   std::int64_t bytesPerAudioFrame) {
     return Indexer(MemoryMedia(mdat), bytesPerAudioFrame).run();
 }
 
-MdatIndex indexMdat(const File& file, std::int64_t offset, std::int64_t length,
-                    std::int64_t bytesPerAudioFrame) {
+MdatIndex MoovRebuilder::indexMdat(const File& file, std::int64_t offset, std::int64_t length,
+                                   std::int64_t bytesPerAudioFrame) {
     return Indexer(FileMedia(file, offset, length), bytesPerAudioFrame).run();
 }
 

@@ -109,7 +109,7 @@ MoovRebuilder::Stats MoovRebuilder::rebuild(const URL& damaged, const URL& refer
     const auto moov = readMoov(reference, referenceLayout);
     const KeptTracks tracks = tracksOf(*moov);
 
-    const File source = File::openForReading(damaged, FileLinks::follow);
+    File source = File::openForReading(damaged, FileLinks::follow);
     const MdatIndex index = indexMdat(source, media.offset, media.length,
                                       tracks.audio ? tracks.audio->bytesPerFrame : 0);
     if (index.videoSamples.empty()) throw RecoveryError(RecoveryError::NoRecoverableFrames{});
@@ -123,6 +123,7 @@ MoovRebuilder::Stats MoovRebuilder::rebuild(const URL& damaged, const URL& refer
 
     File target = File::create(output);
     target.write(beginning);
+    source.expectSequentialRead();
     target.append(source, media.offset, index.referencedEnd);
     target.write(moov->serialize());
     return stats;

@@ -1,9 +1,13 @@
 #pragma once
 
+#include "ReelCore/Platform/File.h"
 #include "ReelCore/Platform/URL.h"
+#include "ReelCore/Recovery/MdatIndex.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -13,6 +17,8 @@ namespace ReelCore {
 /// their own tag and derives the index from that of a healthy clip of the same camera. Covers
 /// ProRes with or without PCM sound and refuses all else. Any thread; can't be cancelled.
 struct MoovRebuilder {
+    using MdatIndex = ReelCore::MdatIndex;
+
     /// Formats of sample descriptions.
     static constexpr std::array<std::string_view, 6> proResTypes{"apch", "apcn", "apcs",
                                                                  "apco", "ap4h", "ap4x"};
@@ -36,6 +42,18 @@ struct MoovRebuilder {
     /// or the reference does not serve, or `output` is one of them; SystemError where a file can't
     /// be read or written; what was written until then stays.
     static Stats rebuild(const URL& damaged, const URL& reference, const URL& output);
+
+    /// Finds the ProRes frames (SMPTE RDD 36) in media by their own tag and takes what lies between
+    /// them for sound of `bytesPerAudioFrame` bytes a sample; of 0, there is none. A frame that
+    /// runs over the end of the media ends the index: one that follows a frame, and one that
+    /// follows sound unless a whole frame stands behind it, which tells that sound only looked like
+    /// one.
+    static MdatIndex indexMdat(std::span<const std::byte> mdat, std::int64_t bytesPerAudioFrame);
+
+    /// The same for `length` bytes of a file from `offset` on, of which only the beginnings of
+    /// frames and what lies between them are read. Throws SystemError where they can't be.
+    static MdatIndex indexMdat(const File& file, std::int64_t offset, std::int64_t length,
+                               std::int64_t bytesPerAudioFrame);
 };
 
 }  // namespace ReelCore

@@ -7,7 +7,7 @@
 namespace ReelCore {
 
 /// Throws RecoveryError::IOFailed where `output` is one of the files that it is to be made from,
-/// under whatever name: outputs are written in place of what is there.
+/// also under another name or through a link: outputs are written in place of what is there.
 void requireOtherFile(const URL& output, std::initializer_list<URL> inputs);
 
 }  // namespace ReelCore

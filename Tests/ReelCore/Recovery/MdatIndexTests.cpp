@@ -1,6 +1,5 @@
-#include "ReelCore/Recovery/MdatIndex.h"
-
 #include "ReelCore/Platform/SystemError.h"
+#include "ReelCore/Recovery/MoovRebuilder.h"
 #include "Support/Boxes.h"
 #include "Support/FaultyFileSystem.h"
 #include "Support/FolderTree.h"
@@ -37,9 +36,10 @@ MdatIndex indexOf(const std::string& media, std::int64_t bytesPerAudioFrame) {
     const std::string before = proResFrame(25);
     TestSupport::writeFile(path, before + media + proResFrame(30));
 
-    const MdatIndex inMemory = indexMdat(std::as_bytes(std::span(media)), bytesPerAudioFrame);
-    const MdatIndex inFile = indexMdat(File::openForReading(path), std::ssize(before),
-                                       std::ssize(media), bytesPerAudioFrame);
+    const MdatIndex inMemory =
+        MoovRebuilder::indexMdat(std::as_bytes(std::span(media)), bytesPerAudioFrame);
+    const MdatIndex inFile = MoovRebuilder::indexMdat(
+        File::openForReading(path), std::ssize(before), std::ssize(media), bytesPerAudioFrame);
 
     EXPECT_EQ(inFile.videoSamples, inMemory.videoSamples);
     EXPECT_EQ(inFile.audioChunks, inMemory.audioChunks);
@@ -186,7 +186,7 @@ TEST(MdatIndex, FrameAtTheBorderOfPieces_IsFound) {
             const std::string media = sound(gap) + proResFrame(40);
 
             const auto at = static_cast<std::int64_t>(gap);
-            ASSERT_EQ(indexMdat(std::as_bytes(std::span(media)), 1),
+            ASSERT_EQ(MoovRebuilder::indexMdat(std::as_bytes(std::span(media)), 1),
                       (MdatIndex{{{at, 40}}, {{0, at}}, at + 40}))
                 << gap;
             ASSERT_EQ(indexOf(media, 1).videoSamples.size(), 1U) << gap;
@@ -209,7 +209,7 @@ TEST(MdatIndex, LengthBeyondTheFile_EndsWithWhatIsThere) {
     const URL path = folder.path() / "A001.MOV";
     TestSupport::writeFile(path, proResFrame(100) + proResFrame(50));
 
-    const MdatIndex index = indexMdat(File::openForReading(path), 0, 100'000, 0);
+    const MdatIndex index = MoovRebuilder::indexMdat(File::openForReading(path), 0, 100'000, 0);
 
     EXPECT_EQ(index, (MdatIndex{{{0, 100}, {100, 50}}, {}, 150}));
 }
@@ -224,7 +224,8 @@ TEST(MdatIndex, HeadThatCannotBeRead_IsPassedOn) {
                                 {.failReadAt = second});
     const File file = File::openForReading(card.path() / "A001.MOV");
 
-    EXPECT_THROW(static_cast<void>(indexMdat(file, 0, 3'000'000, stereo)), SystemError);
+    EXPECT_THROW(static_cast<void>(MoovRebuilder::indexMdat(file, 0, 3'000'000, stereo)),
+                 SystemError);
 }
 
 TEST(MdatIndex, SoundThatCannotBeRead_IsPassedOn) {
@@ -237,7 +238,8 @@ TEST(MdatIndex, SoundThatCannotBeRead_IsPassedOn) {
                                 {.failReadAt = unreadable});
     const File file = File::openForReading(card.path() / "A001.MOV");
 
-    EXPECT_THROW(static_cast<void>(indexMdat(file, 0, 6'000'200, stereo)), SystemError);
+    EXPECT_THROW(static_cast<void>(MoovRebuilder::indexMdat(file, 0, 6'000'200, stereo)),
+                 SystemError);
 }
 
 }  // namespace ReelCore
