@@ -54,7 +54,7 @@ std::string samplesOf(const URL& clip) {
     const TemporaryFolder folder;
     const URL samples = folder.path() / "samples";
     outputOf("ffmpeg", {"-nostdin", "-v", "quiet", "-i", "file:" + clip.native(), "-map", "0:a:0",
-                        "-c:a", "pcm_s16le", "-f", "s16le", samples.native()});
+                        "-t", "10", "-c:a", "pcm_s16le", "-f", "s16le", samples.native()});
     return readFile(samples);
 }
 

@@ -13,11 +13,10 @@ namespace TestSupport {
 /// Where the pictures of a clip stand in it (ffprobe).
 std::vector<Stretch> picturesOf(const ReelCore::URL& clip);
 
-/// A checksum of each decoded picture (ffmpeg). What it says while decoding is not looked at.
+/// A checksum of each decoded picture (ffmpeg).
 std::vector<std::string> pictureSums(const ReelCore::URL& clip);
 
-/// The decoded sound of a clip's first audio stream as it would stand in a WAV file of 16 bits
-/// (ffmpeg).
+/// The first 10 s of a clip's first audio stream, decoded to 16 bits (ffmpeg).
 std::string samplesOf(const ReelCore::URL& clip);
 
 /// sha256sum
