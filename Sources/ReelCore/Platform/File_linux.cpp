@@ -146,6 +146,16 @@ void File::writeAt(std::int64_t offset, std::span<const std::byte> bytes) {
 
 void File::append(const File& source, std::int64_t offset, std::int64_t length) {
     constexpr std::int64_t blockSize = 0x800000;
+    // Where the kernel can't copy between the two files it copies nothing more: reads and writes go
+    // on from there, and say why if they can't either.
+    while (length > 0) {
+        const auto wanted = static_cast<std::size_t>(std::min(blockSize, length));
+        const ssize_t count =
+            ::copy_file_range(source.descriptor_, &offset, descriptor_, nullptr, wanted, 0);
+        if (count < 0 && errno == EINTR) continue;
+        if (count <= 0) break;
+        length -= count;
+    }
     std::vector<std::byte> block(static_cast<std::size_t>(std::min(blockSize, length)));
     while (length > 0) {
         const auto wanted = static_cast<std::size_t>(std::min(blockSize, length));
