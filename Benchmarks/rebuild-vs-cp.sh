@@ -40,10 +40,16 @@ copied() {
 
 # Who comes second has a fuller drive to write to, so they take turns.
 for round in $(seq "$rounds"); do
+    if ((round % 2)); then
+        drop_caches
+        a=$(rebuilt)
+    fi
     drop_caches
-    ((round % 2)) && a=$(rebuilt) || b=$(copied)
-    drop_caches
-    ((round % 2)) && b=$(copied) || a=$(rebuilt)
+    b=$(copied)
+    if ((round % 2 == 0)); then
+        drop_caches
+        a=$(rebuilt)
+    fi
     divide "$a" "$b" >>"$work/ratios"
     echo "round $round: rebuilt in $a s, copied in $b s" >&2
 done
