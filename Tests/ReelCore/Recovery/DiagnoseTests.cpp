@@ -1,5 +1,4 @@
 #include "DoctorFixture.h"
-#include "Support/FaultyFileSystem.h"
 
 #include <limits>
 
@@ -266,31 +265,6 @@ TEST_F(Diagnose, MXF_OfFewerThanThreeTriplets_IsUnwalkable) {
     EXPECT_EQ(diagnosisOf("a.mxf", partitionKey(2)), expected);
     EXPECT_EQ(diagnosisOf("a.mxf", triplet(partitionKey(2), "p") + triplet(essenceKey(), "1")),
               expected);
-}
-
-TEST_F(Diagnose, ClipsThatCannotBeRead_FailTheirChecks) {
-    if (!FaultyFileSystem::isAvailable()) GTEST_SKIP() << "needs FUSE and the right to mount";
-    writeTree(folder() / "card",
-              {{"a.mov", wholeMovie()}, {"a.wav", broadcastWAV({})}, {"a.mxf", mxfClip("x")}});
-    const FaultyFileSystem card(folder() / "card", folder() / "mounted", {.failReadAt = 0});
-
-    EXPECT_EQ(ClipDoctor::diagnose(card.path() / "a.mov"),
-              unreadable("no QuickTime/MP4 structure"));
-    EXPECT_EQ(ClipDoctor::diagnose(card.path() / "a.wav"), unreadable("not a RIFF/WAVE"));
-    EXPECT_EQ(ClipDoctor::diagnose(card.path() / "a.mxf"), unreadable("no MXF header partition"));
-}
-
-TEST_F(Diagnose, ClipsThatCannotBeOpened_FailTheirChecks) {
-    if (!FaultyFileSystem::isAvailable()) GTEST_SKIP() << "needs FUSE and the right to mount";
-    writeTree(folder() / "card",
-              {{"a.mov", wholeMovie()}, {"a.wav", broadcastWAV({})}, {"a.mxf", mxfClip("x")}});
-    const FaultyFileSystem card(folder() / "card", folder() / "mounted",
-                                {.failOpenForReading = true});
-
-    EXPECT_EQ(ClipDoctor::diagnose(card.path() / "a.mov"),
-              unreadable("no QuickTime/MP4 structure"));
-    EXPECT_EQ(ClipDoctor::diagnose(card.path() / "a.wav"), unreadable("not a RIFF/WAVE"));
-    EXPECT_EQ(ClipDoctor::diagnose(card.path() / "a.mxf"), unreadable("cannot open"));
 }
 
 TEST_F(Diagnose, RealClips_AreHealthyUntilTheyAreCut) {
