@@ -1,7 +1,7 @@
 #include "ReelCore/Recovery/Remux.h"
 
-#include "ReelCore/Platform/ChildProcess.h"
 #include "ReelCore/Platform/FileSystem.h"
+#include "ReelCore/Platform/RunningChild.h"
 #include "ReelCore/Platform/Split.h"
 #include "ReelCore/Platform/Text.h"
 #include "ReelCore/Recovery/MP4Scan.h"
@@ -36,8 +36,8 @@ bool holdsNoMedia(const URL& movie) {
     return media && !media->extendsToEOF && media->declaredPayload == 0;
 }
 
-bool isDone(int status, const URL& output, const std::string& said) {
-    return status == 0 && FileSystem::leadsSomewhere(output) && !tellsOfFailedDrive(said) &&
+bool isDone(int status, const URL& output, const FFmpegLog& log) {
+    return status == 0 && FileSystem::leadsSomewhere(output) && !log.tellsOfFailedDrive() &&
            !holdsNoMedia(output);
 }
 
@@ -46,11 +46,13 @@ bool isDone(int status, const URL& output, const std::string& said) {
 void remux(const URL& source, const URL& output) {
     const auto ffmpeg = FFmpegLocator().ffmpeg();
     if (!ffmpeg) throw TranscribeError(TranscribeError::FFmpegNotFound{});
-    const auto [status, said] =
-        ChildProcess::readError(*ffmpeg, {"-y", "-err_detect", "ignore_err", "-i", toolPath(source),
-                                          "-c", "copy", "-ignore_unknown", toolPath(output)});
-    if (isDone(status, output, said)) return;
-    throw RecoveryError(RecoveryError::IOFailed{"remux failed: " + lastLines(said)});
+    const FFmpegLog log;
+    RunningChild child(*ffmpeg,
+                       {"-y", "-err_detect", "ignore_err", "-i", toolPath(source), "-c", "copy",
+                        "-ignore_unknown", toolPath(output)},
+                       {.output = ChildStream::nowhere(), .error = ChildStream::file(log.file())});
+    if (isDone(child.wait(), output, log)) return;
+    throw RecoveryError(RecoveryError::IOFailed{"remux failed: " + lastLines(log.lastText())});
 }
 
 }  // namespace ReelCore

@@ -30,17 +30,13 @@ constexpr std::array<std::string_view, 10> sentencesOfFailedDrives{
     ": Stale file handle",         ": Connection timed out",
 };
 
-/// Empty where the file can't be read.
-std::string endOf(const URL& path) {
-    try {
-        const File file = File::openForReading(path);
-        const std::int64_t begin = std::max<std::int64_t>(file.size() - mostBytes, 0);
-        std::string text(static_cast<std::size_t>(mostBytes), '\0');
-        text.resize(file.readAt(begin, std::as_writable_bytes(std::span(text))));
-        return text;
-    } catch (const Error&) {
-        return {};
-    }
+bool tellsOfFailedDrive(std::string_view lines) {
+    const auto isOfFailedDrive = [](std::string_view line) {
+        return std::ranges::any_of(sentencesOfFailedDrives, [&](std::string_view sentence) {
+            return line.ends_with(sentence);
+        });
+    };
+    return std::ranges::any_of(piecesOf(lines, "\n"), isOfFailedDrive);
 }
 
 /// Reads the log piece by piece; of a very long line the end counts.
@@ -60,21 +56,25 @@ bool fileTellsOfFailedDrive(const File& file) {
 
 }  // namespace
 
-bool tellsOfFailedDrive(std::string_view complaints) {
-    const auto isOfFailedDrive = [](std::string_view line) {
-        return std::ranges::any_of(sentencesOfFailedDrives, [&](std::string_view sentence) {
-            return line.ends_with(sentence);
-        });
-    };
-    return std::ranges::any_of(piecesOf(complaints, "\n"), isOfFailedDrive);
-}
-
 FFmpegLog::FFmpegLog() : path_("keldo-ffmpeg-", ".log"), file_(File::create(path_.url())) {
     file_.reserve(reservedBytes);
 }
 
+std::string FFmpegLog::lastText() const {
+    try {
+        const File file = File::openForReading(path_.url());
+        const std::int64_t begin = std::max<std::int64_t>(file.size() - mostBytes, 0);
+        std::string text(static_cast<std::size_t>(mostBytes), '\0');
+        text.resize(file.readAt(begin, std::as_writable_bytes(std::span(text))));
+        if (begin > 0) text.erase(0, text.find('\n') + 1);
+        return text;
+    } catch (const Error&) {
+        return {};
+    }
+}
+
 std::string FFmpegLog::tail() const {
-    const std::string text = endOf(path_.url());
+    const std::string text = lastText();
     std::vector<std::string_view> lines = piecesOf(text, "\n");
     if (lines.size() > mostLines) lines.erase(lines.begin(), lines.end() - mostLines);
     return Text::wellFormed(fmt::format("{}", fmt::join(lines, "\n")));

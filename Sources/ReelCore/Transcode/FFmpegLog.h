@@ -4,13 +4,8 @@
 #include "ReelCore/Platform/TemporaryPath.h"
 
 #include <string>
-#include <string_view>
 
 namespace ReelCore {
-
-/// True if a line of what ffmpeg wrote tells that a drive failed or ran full. ffmpeg then ends what
-/// it has and, unless that fails at once, calls it a success.
-bool tellsOfFailedDrive(std::string_view complaints);
 
 /// The file that one run of ffmpeg writes its complaints to: made empty in the temporary folder,
 /// with room for some complaints even if the drive runs full, and removed at the end.
@@ -21,10 +16,15 @@ public:
 
     const File& file() const { return file_; }
 
+    /// Whole lines, the last 256 KiB of them; nothing where the file can't be read.
+    std::string lastText() const;
+
     /// The last 8 lines that are not empty, of the last 256 KiB; nothing where the file can't be
     /// read. Bytes that are not UTF-8, as in a name, become U+FFFD.
     std::string tail() const;
 
+    /// True if a drive failed or ran full. ffmpeg then ends what it has and, unless that fails at
+    /// once, calls it a success.
     bool tellsOfFailedDrive() const;
 
 private:
