@@ -78,20 +78,37 @@ private:
     std::atomic<bool> foundBytes_ = false;
 };
 
-std::optional<Finding> walk(FindingKind kind, const File& image, std::int64_t start,
-                            std::int64_t total) {
-    switch (kind) {
-        case FindingKind::movie:
-            return walkMovie(image, start, total);
-        case FindingKind::mxf:
-            return walkMXF(image, start, total);
-        case FindingKind::orphanProRes:
-            return walkProResRun(image, start, total);
-        case FindingKind::wave:
-            return walkWave(image, start, total);
+/// Follows what begins at the hits of one scan.
+class Walks {
+public:
+    Walks(const File& image, std::int64_t total)
+        : image_(image),
+          total_(total),
+          movie_(image, total),
+          run_(image, total),
+          wave_(image, total) {}
+
+    std::optional<Finding> from(FindingKind kind, std::int64_t start) {
+        switch (kind) {
+            case FindingKind::movie:
+                return movie_.walk(start);
+            case FindingKind::mxf:
+                return walkMXF(image_, start, total_);
+            case FindingKind::orphanProRes:
+                return run_.walk(start);
+            case FindingKind::wave:
+                return wave_.walk(start);
+        }
+        return std::nullopt;
     }
-    return std::nullopt;
-}
+
+private:
+    const File& image_;
+    std::int64_t total_;
+    MovieWalker movie_;
+    ProResWalker run_;
+    WaveWalker wave_;
+};
 
 }  // namespace
 
@@ -106,6 +123,7 @@ std::vector<Finding> CardCarver::scan(const URL& image, const std::function<bool
     const File file = openImage(image);
     const std::int64_t total = file.size();
     if (total == 0) throw RecoveryError(RecoveryError::IOFailed{"image is empty"});
+    Walks walks(file, total);
     std::vector<Finding> findings;
     std::int64_t position = 0;
     std::int64_t skipUntil = 0;
@@ -115,7 +133,7 @@ std::vector<Finding> CardCarver::scan(const URL& image, const std::function<bool
         for (const Hit& hit : *hits) {
             const std::int64_t start = position + static_cast<std::int64_t>(hit.offset);
             if (start < skipUntil) continue;
-            const auto finding = walk(hit.kind, file, start, total);
+            const auto finding = walks.from(hit.kind, start);
             if (!finding) continue;
             findings.push_back(*finding);
             skipUntil = finding->offset + finding->length;

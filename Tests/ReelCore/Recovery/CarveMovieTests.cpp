@@ -15,7 +15,7 @@ using Found = std::optional<Finding>;
 /// Walks from a place of an image that has these bytes and nothing else.
 Found walkFrom(std::int64_t start, std::string_view bytes) {
     const CarveImage image(bytes);
-    return walkMovie(image.open(), start, image.size());
+    return MovieWalker(image.open(), image.size()).walk(start);
 }
 
 Found walk(std::string_view bytes) {
@@ -233,7 +233,7 @@ TEST(WalkMovie, PartThatCannotBeRead_EndsTheClip) {
     const FaultyFileSystem drive(image.folder(), mountPoint.path(), {.failReadAt = 0x80000});
     const File file = File::openForReading(drive.path() / "card.img");
 
-    EXPECT_EQ(walkMovie(file, 0, image.size()), incomplete(static_cast<std::size_t>(end)));
+    EXPECT_EQ(MovieWalker(file, image.size()).walk(0), incomplete(static_cast<std::size_t>(end)));
 }
 
 }  // namespace

@@ -15,7 +15,7 @@ using Found = std::optional<Finding>;
 constexpr std::int64_t widestGap = 0x800000;
 
 Found walk(const CarveImage& image, std::int64_t start = 0) {
-    return walkProResRun(image.open(), start, image.size());
+    return ProResWalker(image.open(), image.size()).walk(start);
 }
 
 Found walk(std::string_view bytes, std::int64_t start = 0) {
@@ -134,7 +134,7 @@ TEST(WalkProResRun, PartThatCannotBeRead_EndsTheRun) {
     const FaultyFileSystem drive(image.folder(), mountPoint.path(), {.failReadAt = 524'288});
     const File file = File::openForReading(drive.path() / "card.img");
 
-    EXPECT_EQ(walkProResRun(file, 0, image.size()), run(524'000));
+    EXPECT_EQ(ProResWalker(file, image.size()).walk(0), run(524'000));
 }
 
 TEST(CarveProRes, FramesWithoutAContainer_AreFoundButForTheLast) {

@@ -17,7 +17,7 @@ using Found = std::optional<Finding>;
 constexpr std::int64_t mebibyte = 0x100000;
 
 Found walkFrom(std::int64_t start, const CarveImage& image) {
-    return walkWave(image.open(), start, image.size());
+    return WaveWalker(image.open(), image.size()).walk(start);
 }
 
 Found walk(std::string_view bytes) {
@@ -262,7 +262,7 @@ TEST(WalkWave, NeverClosed_PartThatCannotBeRead_EndsWithTheImage) {
     const FaultyFileSystem drive(image.folder(), mountPoint.path(), {.failReadAt = 65'536});
     const File file = File::openForReading(drive.path() / "card.img");
 
-    EXPECT_EQ(walkWave(file, 0, image.size()), incomplete(300'000));
+    EXPECT_EQ(WaveWalker(file, image.size()).walk(0), incomplete(300'000));
 }
 
 TEST(CarveWave, EveryFileOfTwoBackToBack_IsFound) {
