@@ -39,6 +39,15 @@ bool tellsOfFailedDrive(std::string_view lines) {
     return std::ranges::any_of(piecesOf(lines, "\n"), isOfFailedDrive);
 }
 
+/// Without the end of a character that a cut went through.
+std::string fromACharactersBeginning(const std::string& text) {
+    constexpr std::size_t mostContinuationBytes = 3;
+    const auto continues = [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) == 0x80U; };
+    const std::string_view beginning = std::string_view(text).substr(0, mostContinuationBytes);
+    return text.substr(static_cast<std::size_t>(std::ranges::find_if_not(beginning, continues) -
+                                                beginning.begin()));
+}
+
 /// Reads the log piece by piece; of a very long line the end counts.
 bool fileTellsOfFailedDrive(const File& file) {
     constexpr std::size_t mostOfALine = 4096;
@@ -66,8 +75,7 @@ std::string FFmpegLog::lastText() const {
         const std::int64_t begin = std::max<std::int64_t>(file.size() - mostBytes, 0);
         std::string text(static_cast<std::size_t>(mostBytes), '\0');
         text.resize(file.readAt(begin, std::as_writable_bytes(std::span(text))));
-        if (begin > 0) text.erase(0, text.find('\n') + 1);
-        return text;
+        return begin > 0 ? fromACharactersBeginning(text) : text;
     } catch (const Error&) {
         return {};
     }

@@ -16,7 +16,7 @@ public:
 
     const File& file() const { return file_; }
 
-    /// Whole lines, the last 256 KiB of them; nothing where the file can't be read.
+    /// The last 256 KiB; nothing where the file can't be read.
     std::string lastText() const;
 
     /// The last 8 lines that are not empty, of the last 256 KiB; nothing where the file can't be
