@@ -8,7 +8,7 @@
 namespace ReelCore {
 
 /// Places in an image that were seen, a bit for each byte of the regions around them. Takes no more
-/// than 256 MiB: what comes when they are full is not remembered.
+/// than 16 MiB: what comes when they are full is not remembered.
 class PlaceSet {
 public:
     bool contains(std::int64_t place) const {
@@ -29,7 +29,7 @@ public:
 
 private:
     static constexpr std::int64_t regionSize = 0x10000;
-    static constexpr std::size_t mostRegions = 0x8000;
+    static constexpr std::size_t mostRegions = 0x800;
 
     static std::size_t bitOf(std::int64_t place) {
         return static_cast<std::size_t>(place % regionSize);
