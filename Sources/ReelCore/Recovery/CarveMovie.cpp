@@ -50,10 +50,11 @@ std::optional<Finding> MovieWalker::walk(std::int64_t start) {
         const auto box = boxAt(pages_, position);
         if (!box || !isKnown(*box)) break;
         if (box->type == "ftyp" && position != start) break;
+        const bool isImpossible = box->size >> 63U != 0;
         const bool toTheEnd = box->size == 0 && box->headerSize == 8;
         const auto rest = static_cast<std::uint64_t>(total_ - position);
         const std::uint64_t size = toTheEnd ? rest : box->size;
-        if (size < 8) break;
+        if (size < 8 || isImpossible) break;
         sawMoov = sawMoov || box->type == "moov";
         sawMdat = sawMdat || box->type == "mdat";
         if (size > rest) return upTo(total_, false);

@@ -58,7 +58,8 @@ std::optional<std::int64_t> ProResWalker::nextFrame(std::int64_t from) {
     std::int64_t at = frameless_.endAround(from);
     for (std::size_t size = smallestPiece; at <= end - headSize;
          size = std::min(4 * size, largestPiece)) {
-        const auto wanted = std::min(size, static_cast<std::size_t>(end - at));
+        // Also what lies behind the gap, or the next one would be read byte by byte.
+        const auto wanted = std::min(size, static_cast<std::size_t>(total_ - at));
         const auto piece = readPiece(image_, at, std::span(buffer_).first(wanted));
         if (std::ssize(piece) < headSize) break;
         const std::string_view text(reinterpret_cast<const char*>(piece.data()), piece.size());
@@ -67,7 +68,7 @@ std::optional<std::int64_t> ProResWalker::nextFrame(std::int64_t from) {
             const std::int64_t frame = at + static_cast<std::int64_t>(tag) - 4;
             if (!isFrameSize(proResFrameSize(piece.subspan(tag - 4)), frame)) continue;
             if (frame - from >= worthRemembering) frameless_.add(from, frame);
-            return frame;
+            return frame <= end - headSize ? std::optional(frame) : std::nullopt;
         }
         // A frame may begin at the end of one piece and have its tag in the next.
         at += std::ssize(piece) - headSize + 1;

@@ -99,7 +99,7 @@ std::optional<std::int64_t> WaveWalker::blankRun(std::int64_t from, std::int64_t
 /// Where other media next begins at or behind a place, by a signature that lies whole before the
 /// end. Read by pieces that grow: most often it is near or nowhere.
 std::optional<std::int64_t> WaveWalker::signature(std::int64_t from, std::int64_t end) {
-    constexpr std::size_t smallestPiece = 512;
+    constexpr std::size_t smallestPiece = 128;
     constexpr std::size_t largestPiece = 0x40000;
     constexpr std::int64_t longestSignature = 16;
     buffer_.resize(largestPiece);

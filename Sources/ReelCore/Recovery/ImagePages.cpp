@@ -6,6 +6,15 @@
 
 namespace ReelCore {
 
+namespace {
+
+/// Spreads the pages evenly: places that are a round number of bytes apart get slots of their own.
+std::size_t slotOf(std::uint64_t page) {
+    return static_cast<std::size_t>(page * 0x9E3779B97F4A7C15U >> 56U);
+}
+
+}  // namespace
+
 ImagePages::ImagePages(const File& image) : image_(image), bytes_(pageCount * pageSize) {}
 
 std::span<const std::byte> ImagePages::read(std::int64_t offset, std::span<std::byte> into) {
@@ -16,7 +25,7 @@ std::span<const std::byte> ImagePages::read(std::int64_t offset, std::span<std::
 }
 
 std::span<const std::byte> ImagePages::page(std::int64_t offset) {
-    const std::size_t slot = static_cast<std::size_t>(offset / pageSize) % pageCount;
+    const std::size_t slot = slotOf(static_cast<std::uint64_t>(offset / pageSize));
     const auto room = std::span(bytes_).subspan(slot * pageSize, pageSize);
     Page& held = pages_[slot];
     if (held.offset != offset) held = {offset, readPiece(image_, offset, room).size()};
