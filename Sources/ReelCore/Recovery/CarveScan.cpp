@@ -27,6 +27,12 @@ File openImage(const URL& image) {
     }
 }
 
+/// True if nothing is stored from a position to the end of its chunk or of the image. What is not
+/// stored reads as zeros, in which no media begins.
+bool isHole(const File& image, std::int64_t position, std::int64_t total) {
+    return image.nextStored(position) >= std::min(position + chunkSize, total);
+}
+
 /// Finds the signatures of one chunk. Two threads read it, piece by piece in turns: to look through
 /// bytes takes longer than to have them from the file cache or a fast drive. The pieces are small
 /// enough to stay in a processor's own cache.
@@ -128,7 +134,8 @@ std::vector<Finding> CardCarver::scan(const URL& image, const std::function<bool
     std::int64_t position = 0;
     std::int64_t skipUntil = 0;
     while (position < total && !isCancelled()) {
-        const auto hits = ChunkSearch(file, position).run();
+        const auto hits =
+            isHole(file, position, total) ? std::vector<Hit>() : ChunkSearch(file, position).run();
         if (!hits) break;
         for (const Hit& hit : *hits) {
             const std::int64_t start = position + static_cast<std::int64_t>(hit.offset);
