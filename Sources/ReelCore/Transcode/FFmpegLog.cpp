@@ -22,12 +22,18 @@ constexpr std::size_t mostLines = 8;
 constexpr std::int64_t reservedBytes = 65'536;
 
 /// ffmpeg's lines end in the system's sentence, always in English.
-constexpr std::array<std::string_view, 10> sentencesOfFailedDrives{
-    ": Input/output error",        ": No space left on device",
-    ": Disk quota exceeded",       ": File too large",
-    ": Read-only file system",     ": No such device",
-    ": No such device or address", ": Transport endpoint is not connected",
-    ": Stale file handle",         ": Connection timed out",
+constexpr std::array<std::string_view, 11> sentencesOfFailedDrives{
+    ": Input/output error",
+    ": No space left on device",
+    ": Disk quota exceeded",
+    ": File too large",
+    ": Read-only file system",
+    ": No such device",
+    ": No such device or address",
+    ": Transport endpoint is not connected",
+    ": Stale file handle",
+    ": Connection timed out",
+    ": Software caused connection abort",
 };
 
 bool tellsOfFailedDrive(std::string_view lines) {

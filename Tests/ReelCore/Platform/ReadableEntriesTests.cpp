@@ -59,14 +59,15 @@ TEST_F(ReadableEntriesTest, Walk_IgnoredNames_AreLeftOutWithAllBelowAtAnyDepth) 
     EXPECT_EQ(readableOf(at("")), (Paths{"c", "x", "y"}));
 }
 
-TEST_F(ReadableEntriesTest, Walk_LinksAreToldOf_AndPipesPassedOver) {
+TEST_F(ReadableEntriesTest, Walk_LinksAndPipes_AreToldOfAndNotFollowed) {
     writeFile(at("real/clip"), "");
     std::filesystem::create_directory_symlink("real", at("to folder"));
     std::filesystem::create_symlink("gone", at("nowhere"));
     ASSERT_EQ(::mkfifo(at("pipe").c_str(), 0666), 0);
     std::filesystem::create_symlink("pipe", at("to pipe"));
 
-    EXPECT_EQ(readableOf(at("")), (Paths{"nowhere", "real", "real/clip", "to folder"}));
+    EXPECT_EQ(readableOf(at("")),
+              (Paths{"nowhere", "pipe", "real", "real/clip", "to folder", "to pipe"}));
 }
 
 TEST_F(ReadableEntriesTest, Walk_RootMissingOrAFile_IsRefused) {
@@ -104,12 +105,12 @@ TEST_F(ReadableEntriesTest, Walk_FolderThatTheDriveRefuses_IsToldOfAndNotWhatIsI
     EXPECT_EQ(readableOf(card.path() / "bad"), std::nullopt);
 }
 
-TEST_F(ReadableEntriesTest, Walk_AttributesThatCannotBeRead_ArePassedOver) {
+TEST_F(ReadableEntriesTest, Walk_EntryWhoseAttributesCannotBeRead_IsToldOf) {
     if (!FaultyFileSystem::isAvailable()) GTEST_SKIP() << "needs FUSE";
     writeTree(at("back"), {{"a", ""}, {"DCIM/bad", ""}, {"DCIM/good", ""}});
     const FaultyFileSystem card(at("back"), at("card"), {.failAttributesOf = "bad"});
 
-    EXPECT_EQ(readableOf(card.path()), (Paths{"DCIM", "DCIM/good", "a"}));
+    EXPECT_EQ(readableOf(card.path()), (Paths{"DCIM", "DCIM/bad", "DCIM/good", "a"}));
 }
 
 TEST_F(ReadableEntriesTest, Walk_DriveVanishes_EndsWithWhatWasRead) {

@@ -162,7 +162,9 @@ TEST_F(TranscoderDrive, CardThatGoesWhileItIsRead_Fails) {
         {card.path() / "A001.mov", folder() / "out", TranscodePreset::h264Review, {}, {}});
 
     EXPECT_EQ(failure.status, 0) << "ffmpeg alone calls it a success";
-    EXPECT_TRUE(failure.lastLine.ends_with(": Transport endpoint is not connected"))
+    // The first of a read that begins later, the second of one that was under way.
+    EXPECT_TRUE(failure.lastLine.ends_with(": Transport endpoint is not connected") ||
+                failure.lastLine.ends_with(": Software caused connection abort"))
         << failure.lastLine;
 }
 
