@@ -1,10 +1,12 @@
 #include "ReelCore/Recovery/Signatures.h"
 
 #include "ReelCore/Platform/ByteCursor.h"
+#include "ReelCore/Platform/BytePairs.h"
 #include "ReelCore/Recovery/MXFScan.h"
 #include "ReelCore/Recovery/ProResFrame.h"
 
 #include <algorithm>
+#include <array>
 #include <optional>
 #include <string_view>
 
@@ -62,34 +64,20 @@ std::optional<Hit> hitAt(Bytes bytes, std::size_t match) {
     return mxfAt(bytes, match);
 }
 
-constexpr std::size_t blockSize = 64;
-
-/// True if any of the first 64 places holds the first two bytes of a signature; of 65 bytes.
-/// Without a branch, so that the compiler can make it one of a few wide instructions.
-bool mayHoldSignature(const std::byte* bytes) {
-    const auto* at = reinterpret_cast<const unsigned char*>(bytes);
-    unsigned char found = 0;
-    for (std::size_t i = 0; i < blockSize; ++i) {
-        const unsigned char first = at[i];
-        const unsigned char second = at[i + 1];
-        const auto is = [&](unsigned char a, unsigned char b) {
-            return static_cast<unsigned char>((first == a) & (second == b));
-        };
-        found = static_cast<unsigned char>(
-            found | is('f', 't') | is('i', 'c') | is('R', 'I') |
-            is(MXFScan::partitionPrefix[0], MXFScan::partitionPrefix[1]));
-    }
-    return found != 0;
-}
+/// What signatures begin with.
+constexpr std::array<BytePair, 4> beginnings{
+    {{'f', 't'},
+     {'i', 'c'},
+     {'R', 'I'},
+     {MXFScan::partitionPrefix[0], MXFScan::partitionPrefix[1]}}};
 
 }  // namespace
 
 std::vector<Hit> signatureHits(Bytes bytes) {
     std::vector<Hit> hits;
-    for (std::size_t block = 0; block < bytes.size(); block += blockSize) {
-        const bool isWhole = bytes.size() - block > blockSize;
-        if (isWhole && !mayHoldSignature(bytes.data() + block)) continue;
-        const std::size_t end = std::min(block + blockSize, bytes.size());
+    for (std::size_t block = 0; block < bytes.size(); block += bytePairBlock) {
+        block = findBytePair(bytes, block, beginnings);
+        const std::size_t end = std::min(block + bytePairBlock, bytes.size());
         for (std::size_t match = block; match < end; ++match) {
             if (const auto hit = hitAt(bytes, match)) hits.push_back(*hit);
         }
