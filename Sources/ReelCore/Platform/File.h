@@ -11,8 +11,8 @@ namespace ReelCore {
 enum class FileLinks { follow, refuse };
 
 /// An open regular file: a descriptor that is closed on every way out, a failure to close being
-/// ignored. Movable; one thread at a time, but for `readAt`. Every operation throws SystemError where the operating
-/// system refuses, and all are interrupted-call safe.
+/// ignored. Movable; one thread at a time, but for `readAt`. Every operation throws SystemError
+/// where the operating system refuses, and all are interrupted-call safe.
 class File {
 public:
     /// Opens an existing regular file to be read from its start. Nothing else is ever read: a pipe
