@@ -1,13 +1,13 @@
+#include "ReelCore/Platform/Error.h"
 #include "ReelCore/Platform/File.h"
 #include "ReelCore/Platform/FileSystem.h"
-#include "ReelCore/Platform/SystemError.h"
 #include "ReelCore/Recovery/BigEndian.h"
 #include "ReelCore/Recovery/CardCarver.h"
 #include "ReelCore/Recovery/ClipDoctor.h"
 #include "ReelCore/Recovery/ImagePiece.h"
 #include "ReelCore/Recovery/MdatHeader.h"
+#include "ReelCore/Recovery/OpenSource.h"
 #include "ReelCore/Recovery/OutputGuard.h"
-#include "ReelCore/Recovery/RecoveryError.h"
 
 #include <algorithm>
 #include <exception>
@@ -18,14 +18,6 @@
 namespace ReelCore {
 
 namespace {
-
-File openImage(const URL& image) {
-    try {
-        return File::openForReading(image, FileLinks::follow);
-    } catch (const SystemError&) {
-        throw RecoveryError(RecoveryError::NotFound{image});
-    }
-}
 
 /// Copies block by block. One that can't be read whole is left out, so that the rest moves up.
 void copy(const File& image, const Finding& finding, File& target) {
@@ -40,7 +32,7 @@ void copy(const File& image, const Finding& finding, File& target) {
 }
 
 void cutOut(const Finding& finding, const URL& image, const URL& carved) {
-    const File source = openImage(image);
+    const File source = openSource(image);
     File target = File::create(carved);
     if (finding.kind == FindingKind::orphanProRes) target.write(mdatHeader(finding.length));
     copy(source, finding, target);

@@ -1,7 +1,7 @@
-#include "ReelCore/Platform/SystemError.h"
 #include "ReelCore/Recovery/CardCarver.h"
 #include "ReelCore/Recovery/CarveWalks.h"
 #include "ReelCore/Recovery/MXFScan.h"
+#include "ReelCore/Recovery/OpenSource.h"
 #include "ReelCore/Recovery/RecoveryError.h"
 #include "ReelCore/Recovery/Signatures.h"
 
@@ -18,14 +18,6 @@ namespace {
 constexpr std::int64_t chunkSize = 0x2000000;
 /// A signature that straddles two chunks is seen whole in the second.
 constexpr std::int64_t step = chunkSize - 0x10000;
-
-File openImage(const URL& image) {
-    try {
-        return File::openForReading(image, FileLinks::follow);
-    } catch (const SystemError&) {
-        throw RecoveryError(RecoveryError::NotFound{image});
-    }
-}
 
 /// True if nothing is stored from a position to the end of its chunk or of the image. What is not
 /// stored reads as zeros, in which no media begins.
@@ -126,7 +118,7 @@ std::optional<Finding> walkMXF(const File& image, std::int64_t start, std::int64
 
 std::vector<Finding> CardCarver::scan(const URL& image, const std::function<bool()>& isCancelled,
                                       const std::function<void(const CarveProgress&)>& progress) {
-    const File file = openImage(image);
+    const File file = openSource(image);
     const std::int64_t total = file.size();
     if (total == 0) throw RecoveryError(RecoveryError::IOFailed{"image is empty"});
     Walks walks(file, total);

@@ -1,9 +1,8 @@
 #include "ReelCore/Recovery/MP4Scan.h"
 
 #include "ReelCore/Platform/File.h"
-#include "ReelCore/Platform/SystemError.h"
 #include "ReelCore/Recovery/BoxHeader.h"
-#include "ReelCore/Recovery/RecoveryError.h"
+#include "ReelCore/Recovery/OpenSource.h"
 
 #include <algorithm>
 #include <array>
@@ -11,14 +10,6 @@
 namespace ReelCore {
 
 namespace {
-
-File open(const URL& url) {
-    try {
-        return File::openForReading(url, FileLinks::follow);
-    } catch (const SystemError&) {
-        throw RecoveryError(RecoveryError::NotFound{url});
-    }
-}
 
 /// Absent where no box can stand.
 std::optional<TopLevelBox> boxAt(std::int64_t offset, const File& file, std::int64_t fileSize) {
@@ -40,7 +31,7 @@ const TopLevelBox* MP4Scan::TopLevel::first(std::string_view type) const {
 }
 
 MP4Scan::TopLevel MP4Scan::topLevel(const URL& url) {
-    const File file = open(url);
+    const File file = openSource(url);
     TopLevel result{{}, file.size()};
     std::int64_t cursor = 0;
     while (cursor <= result.fileSize - 8) {

@@ -1,8 +1,6 @@
-#include "CarveImage.h"
-#include "Support/Boxes.h"
+#include "CarveExtractFixture.h"
 #include "Support/FaultyFileSystem.h"
 #include "Support/LoopMount.h"
-#include "Support/RIFF.h"
 #include "Support/Snapshot.h"
 
 #include <gtest/gtest.h>
@@ -12,34 +10,7 @@ namespace {
 using namespace ReelCore;
 using namespace TestSupport;
 
-constexpr std::int64_t block = 0x800000;
-
-const std::string healthyMovie = fileTypeBox() + box("mdat", noise(5000)) + box("moov", "index");
-
-std::string unclosedWave(std::size_t sound) {
-    return "RIFF" + littleEndian(0, 4) + "WAVE" + riffChunk("fmt ", formatPayload({})) +
-           riffHeader("data", 0) + std::string(sound, 's');
-}
-
-RepairOutcome failure(const CarveImage& image, const std::string& detail) {
-    return {image.path(), std::nullopt, false, "carve", detail};
-}
-
-class CarveExtractFailure : public testing::Test {
-protected:
-    URL output() const { return folder_.path() / "carved"; }
-    URL output(const std::string& name) const { return output() / name; }
-
-    RepairOutcome extract(const CarveImage& image, const Finding& finding, std::int64_t index = 1,
-                          const std::optional<URL>& reference = std::nullopt) const {
-        return CardCarver::extract(finding, image.path(), output(), reference, index);
-    }
-
-    URL folder() const { return folder_.path(); }
-
-private:
-    TemporaryFolder folder_;
-};
+using CarveExtractFailure = CarveExtractFixture;
 
 TEST_F(CarveExtractFailure, FindingBeyondTheImage_IsAnEmptyFile) {
     const CarveImage image(healthyMovie);
@@ -54,7 +25,7 @@ TEST_F(CarveExtractFailure, FindingBeyondTheImage_IsAnEmptyFile) {
 TEST_F(CarveExtractFailure, FindingThatReachesBeyondTheImage_IsCutOutUpToItsEnd) {
     const CarveImage image(healthyMovie);
 
-    extract(image, {FindingKind::movie, 100, 2 * block, false});
+    extract(image, {FindingKind::movie, 100, 2 * carveBlock, false});
 
     EXPECT_EQ(readFile(output("carved_001.mov")), healthyMovie.substr(100));
 }
@@ -75,7 +46,7 @@ TEST_F(CarveExtractFailure, OutputFolderThatCannotBeMade_IsSaid) {
 
     const RepairOutcome outcome = extract(image, image.scan().at(0));
 
-    EXPECT_EQ(outcome, failure(image, outcome.detail));
+    EXPECT_EQ(outcome, carveFailure(image, outcome.detail));
     EXPECT_NE(outcome.detail.find(output().native()), std::string::npos) << outcome.detail;
     EXPECT_EQ(readFile(output()), "a file");
 }
@@ -88,7 +59,7 @@ TEST_F(CarveExtractFailure, FullDrive_IsSaidInTheSystemsWords) {
     const RepairOutcome outcome =
         CardCarver::extract(image.scan().at(0), image.path(), drive.path() / "carved", {}, 1);
 
-    EXPECT_EQ(outcome, failure(image, outcome.detail));
+    EXPECT_EQ(outcome, carveFailure(image, outcome.detail));
     EXPECT_NE(outcome.detail.find("No space left on device"), std::string::npos) << outcome.detail;
 }
 
@@ -101,7 +72,7 @@ TEST_F(CarveExtractFailure, ReadOnlyDrive_IsSaidInTheSystemsWords) {
     const RepairOutcome outcome =
         CardCarver::extract(image.scan().at(0), image.path(), drive.path(), {}, 1);
 
-    EXPECT_EQ(outcome, failure(image, outcome.detail));
+    EXPECT_EQ(outcome, carveFailure(image, outcome.detail));
     EXPECT_NE(outcome.detail.find("Read-only file system"), std::string::npos) << outcome.detail;
 }
 
@@ -116,17 +87,17 @@ TEST_F(CarveExtractFailure, DriveThatRefusesLate_IsNoSuccess) {
     const RepairOutcome outcome =
         CardCarver::extract(image.scan().at(0), image.path(), drive.path(), {}, 1);
 
-    EXPECT_EQ(outcome, failure(image, outcome.detail));
+    EXPECT_EQ(outcome, carveFailure(image, outcome.detail));
     EXPECT_NE(outcome.detail.find("Input/output error"), std::string::npos) << outcome.detail;
 }
 
 TEST_F(CarveExtractFailure, BlockThatCannotBeRead_IsLeftOutAndWhatWasReadIsRight) {
     if (!FaultyFileSystem::isAvailable()) GTEST_SKIP() << "needs FUSE";
-    const std::string movie = fileTypeBox() + box("mdat", noise(3 * block)) + box("moov");
+    const std::string movie = fileTypeBox() + box("mdat", noise(3 * carveBlock)) + box("moov");
     const CarveImage image(movie);
     const TemporaryFolder mountPoint;
     const FaultyFileSystem drive(image.folder(), mountPoint.path(),
-                                 {.failReadAt = 2 * block + 4096});
+                                 {.failReadAt = 2 * carveBlock + 4096});
 
     const RepairOutcome outcome =
         CardCarver::extract({FindingKind::movie, 0, std::ssize(movie), true},
@@ -135,7 +106,7 @@ TEST_F(CarveExtractFailure, BlockThatCannotBeRead_IsLeftOutAndWhatWasReadIsRight
     EXPECT_FALSE(outcome.succeeded);
     EXPECT_EQ(outcome.method, "carve + moov rebuild");
     EXPECT_EQ(outcome.output, output("carved_001.mov"));
-    EXPECT_TRUE(readFile(output("carved_001.mov")) == movie.substr(0, 2 * block));
+    EXPECT_TRUE(readFile(output("carved_001.mov")) == movie.substr(0, 2 * carveBlock));
 }
 
 TEST_F(CarveExtractFailure, ImageUnderTheOutputsName_IsRefusedAndStays) {
@@ -144,8 +115,9 @@ TEST_F(CarveExtractFailure, ImageUnderTheOutputsName_IsRefusedAndStays) {
     std::filesystem::create_directories(output());
     std::filesystem::create_hard_link(image.path(), output("carved_001.mov"));
 
-    EXPECT_EQ(extract(image, finding),
-              failure(image, "I/O failed: card.img would be replaced by what is made from it"));
+    EXPECT_EQ(
+        extract(image, finding),
+        carveFailure(image, "I/O failed: card.img would be replaced by what is made from it"));
     EXPECT_EQ(readFile(image.path()), healthyMovie);
     EXPECT_EQ(readTree(output()), (FolderTree{{"carved_001.mov", healthyMovie}}));
 }
@@ -154,9 +126,9 @@ TEST_F(CarveExtractFailure, ReferenceUnderTheOutputsName_IsRefusedAndStays) {
     const CarveImage image(fileTypeBox() + box("mdat", noise(500)));
     writeTree(output(), {{"carved_001.mov", "a healthy clip"}});
 
-    EXPECT_EQ(
-        extract(image, image.scan().at(0), 1, output("carved_001.mov")),
-        failure(image, "I/O failed: carved_001.mov would be replaced by what is made from it"));
+    EXPECT_EQ(extract(image, image.scan().at(0), 1, output("carved_001.mov")),
+              carveFailure(image,
+                           "I/O failed: carved_001.mov would be replaced by what is made from it"));
     EXPECT_EQ(readTree(output()), (FolderTree{{"carved_001.mov", "a healthy clip"}}));
 }
 

@@ -1,7 +1,5 @@
-#include "CarveImage.h"
-#include "Support/Boxes.h"
+#include "CarveExtractFixture.h"
 #include "Support/KLV.h"
-#include "Support/RIFF.h"
 
 #include <gtest/gtest.h>
 
@@ -10,34 +8,7 @@ namespace {
 using namespace ReelCore;
 using namespace TestSupport;
 
-constexpr std::int64_t block = 0x800000;
-
-const std::string healthyMovie = fileTypeBox() + box("mdat", noise(5000)) + box("moov", "index");
-
-std::string unclosedWave(std::size_t sound) {
-    return "RIFF" + littleEndian(0, 4) + "WAVE" + riffChunk("fmt ", formatPayload({})) +
-           riffHeader("data", 0) + std::string(sound, 's');
-}
-
-RepairOutcome failure(const CarveImage& image, const std::string& detail) {
-    return {image.path(), std::nullopt, false, "carve", detail};
-}
-
-class CarveExtract : public testing::Test {
-protected:
-    URL output() const { return folder_.path() / "carved"; }
-    URL output(const std::string& name) const { return output() / name; }
-
-    RepairOutcome extract(const CarveImage& image, const Finding& finding, std::int64_t index = 1,
-                          const std::optional<URL>& reference = std::nullopt) const {
-        return CardCarver::extract(finding, image.path(), output(), reference, index);
-    }
-
-    URL folder() const { return folder_.path(); }
-
-private:
-    TemporaryFolder folder_;
-};
+using CarveExtract = CarveExtractFixture;
 
 TEST_F(CarveExtract, HealthyMovie_ComesBackByteForByte) {
     const CarveImage image(garbage(1000) + healthyMovie + garbage(1000));
@@ -105,7 +76,7 @@ TEST_F(CarveExtract, FolderUnderTheOutputsName_IsSaidAndStays) {
 
     const RepairOutcome outcome = extract(image, image.scan().at(0));
 
-    EXPECT_EQ(outcome, failure(image, outcome.detail));
+    EXPECT_EQ(outcome, carveFailure(image, outcome.detail));
     EXPECT_NE(outcome.detail.find("Is a directory"), std::string::npos) << outcome.detail;
     EXPECT_EQ(readTree(output("carved_001.mov")), (FolderTree{{"inside", "kept"}}));
 }
@@ -241,7 +212,7 @@ TEST_F(CarveExtract, OrphanRunOfLengthZero_IsTheMediaHeaderAlone) {
 
 TEST_F(CarveExtract, LengthOfSeveralBlocks_IsCopiedWhole) {
     const std::string movie =
-        fileTypeBox() + box("moov", "index") + box("mdat", noise(2 * block + 12'345));
+        fileTypeBox() + box("moov", "index") + box("mdat", noise(2 * carveBlock + 12'345));
     const CarveImage image(garbage(7) + movie);
 
     EXPECT_TRUE(extract(image, {FindingKind::movie, 7, std::ssize(movie), true}).succeeded);

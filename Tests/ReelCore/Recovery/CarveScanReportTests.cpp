@@ -1,7 +1,6 @@
-#include "CarveImage.h"
+#include "CarveScanFixture.h"
 #include "ReelCore/Platform/SystemError.h"
 #include "ReelCore/Recovery/RecoveryError.h"
-#include "Support/Boxes.h"
 #include "Support/FaultyFileSystem.h"
 #include "Support/RIFF.h"
 #include "Support/Snapshot.h"
@@ -13,20 +12,6 @@ namespace {
 
 using namespace ReelCore;
 using namespace TestSupport;
-
-using Findings = std::vector<Finding>;
-
-constexpr std::int64_t mebibyte = 0x100000;
-constexpr std::int64_t chunk = 0x2000000;
-constexpr std::int64_t step = 0x1FF0000;
-
-std::string movie(std::size_t media = 50) {
-    return fileTypeBox() + box("mdat", garbage(media)) + box("moov", "index");
-}
-
-Finding found(FindingKind kind, std::int64_t offset, std::size_t length, bool complete = true) {
-    return {kind, offset, static_cast<std::int64_t>(length), complete};
-}
 
 std::vector<CarveProgress> progressOf(const CarveImage& image) {
     std::vector<CarveProgress> all;
@@ -48,10 +33,10 @@ std::string failureOf(const URL& image) {
 TEST(CarveScan, Progress_IsToldOnceForEachStepAndEndsAtTheTotal) {
     CarveImage image;
     image.put(100, movie());
-    image.put(chunk + 100, movie());
-    image.put(chunk + 5000, movie());
-    image.resize(2 * chunk);
-    const std::int64_t total = 2 * chunk;
+    image.put(carveChunk + 100, movie());
+    image.put(carveChunk + 5000, movie());
+    image.resize(2 * carveChunk);
+    const std::int64_t total = 2 * carveChunk;
 
     EXPECT_EQ(progressOf(image),
               (std::vector<CarveProgress>{
@@ -74,22 +59,23 @@ TEST(CarveScan, Progress_StepsOverAFoundClip) {
 
 TEST(CarveScan, Progress_OfAnImageThatEndsWithAStepHasNoMore) {
     CarveImage image;
-    image.resize(step);
+    image.resize(carveStep);
 
-    EXPECT_EQ(progressOf(image), (std::vector<CarveProgress>{{step, step, 0}}));
+    EXPECT_EQ(progressOf(image), (std::vector<CarveProgress>{{carveStep, carveStep, 0}}));
 }
 
 TEST(CarveScan, Progress_OfAnImageOfOneChunkGoesOnWithTheOverlap) {
     CarveImage image;
-    image.resize(chunk);
+    image.resize(carveChunk);
 
-    EXPECT_EQ(progressOf(image), (std::vector<CarveProgress>{{step, chunk, 0}, {chunk, chunk, 0}}));
+    EXPECT_EQ(progressOf(image), (std::vector<CarveProgress>{{carveStep, carveChunk, 0},
+                                                             {carveChunk, carveChunk, 0}}));
 }
 
 TEST(CarveScan, Cancelled_KeepsWhatWasFound) {
     CarveImage image(movie());
-    image.put(chunk, movie());
-    image.resize(3 * chunk);
+    image.put(carveChunk, movie());
+    image.resize(3 * carveChunk);
     int polls = 0;
     std::vector<CarveProgress> progress;
 
@@ -98,7 +84,7 @@ TEST(CarveScan, Cancelled_KeepsWhatWasFound) {
         [&](const CarveProgress& one) { progress.push_back(one); });
 
     EXPECT_EQ(findings, (Findings{found(FindingKind::movie, 0, movie().size())}));
-    EXPECT_EQ(progress, (std::vector<CarveProgress>{{step, 3 * chunk, 1}}));
+    EXPECT_EQ(progress, (std::vector<CarveProgress>{{carveStep, 3 * carveChunk, 1}}));
     EXPECT_EQ(polls, 2);
 }
 
@@ -113,7 +99,7 @@ TEST(CarveScan, CancelledAtOnce_ReadsAndTellsNothing) {
 
 TEST(CarveScan, Cancel_IsPolledOnceForEachChunk) {
     CarveImage image;
-    image.resize(chunk + step);
+    image.resize(carveChunk + carveStep);
     int polls = 0;
 
     CardCarver::scan(image.path(), [&] { return ++polls == 0; });
@@ -171,10 +157,10 @@ TEST(CarveScan, Image_IsLeftWithoutATrace) {
 TEST(CarveScan, PartThatCannotBeRead_FailsWithTheSystemsError) {
     if (!FaultyFileSystem::isAvailable()) GTEST_SKIP() << "needs FUSE";
     CarveImage image(movie());
-    image.resize(chunk + 4 * mebibyte);
+    image.resize(carveChunk + 4 * mebibyte);
     const TemporaryFolder mountPoint;
     const FaultyFileSystem drive(image.folder(), mountPoint.path(),
-                                 {.failReadAt = chunk + 2 * mebibyte});
+                                 {.failReadAt = carveChunk + 2 * mebibyte});
     std::vector<CarveProgress> progress;
 
     try {
@@ -192,13 +178,13 @@ TEST(CarveScan, PartThatCannotBeRead_FailsWithTheSystemsError) {
 TEST(CarveScan, PartThatCannotBeReadWithinAFoundClip_IsSteppedOver) {
     if (!FaultyFileSystem::isAvailable()) GTEST_SKIP() << "needs FUSE";
     CarveImage image(fileTypeBox() + box("moov") + boxHeader("mdat", 0));
-    image.resize(3 * chunk);
+    image.resize(3 * carveChunk);
     const TemporaryFolder mountPoint;
     const FaultyFileSystem drive(image.folder(), mountPoint.path(),
-                                 {.failReadAt = chunk + mebibyte});
+                                 {.failReadAt = carveChunk + mebibyte});
 
     EXPECT_EQ(CardCarver::scan(drive.path() / "card.img"),
-              (Findings{{FindingKind::movie, 0, 3 * chunk, true}}));
+              (Findings{{FindingKind::movie, 0, 3 * carveChunk, true}}));
 }
 
 }  // namespace

@@ -1,5 +1,4 @@
-#include "CarveImage.h"
-#include "Support/Boxes.h"
+#include "CarveScanFixture.h"
 #include "Support/KLV.h"
 #include "Support/RIFF.h"
 
@@ -9,20 +8,6 @@ namespace {
 
 using namespace ReelCore;
 using namespace TestSupport;
-
-using Findings = std::vector<Finding>;
-
-constexpr std::int64_t mebibyte = 0x100000;
-constexpr std::int64_t chunk = 0x2000000;
-constexpr std::int64_t step = 0x1FF0000;
-
-std::string movie(std::size_t media = 50) {
-    return fileTypeBox() + box("mdat", garbage(media)) + box("moov", "index");
-}
-
-Finding found(FindingKind kind, std::int64_t offset, std::size_t length, bool complete = true) {
-    return {kind, offset, static_cast<std::int64_t>(length), complete};
-}
 
 TEST(CarveScan, ClipsOfEveryKind_ComeInTheOrderOfTheImage) {
     const std::string wave = broadcastWAV({.seconds = 0.05});
@@ -102,44 +87,46 @@ TEST_P(CarveBorder, ClipsAroundTheBordersOfChunks_AreEachFoundOnce) {
     const std::string wave = broadcastWAV({.seconds = 0.01});
     const std::int64_t before = GetParam();
     CarveImage image;
-    image.put(step - before, movie());
-    image.put(chunk - before, mxf);
-    image.put(2 * step - before, wave);
-    image.put(step + chunk - before, movie());
-    image.put(step + chunk + 4096, "x");
+    image.put(carveStep - before, movie());
+    image.put(carveChunk - before, mxf);
+    image.put(2 * carveStep - before, wave);
+    image.put(carveStep + carveChunk - before, movie());
+    image.put(carveStep + carveChunk + 4096, "x");
 
-    EXPECT_EQ(image.scan(),
-              (Findings{found(FindingKind::movie, step - before, movie().size()),
-                        found(FindingKind::mxf, chunk - before, mxf.size()),
-                        found(FindingKind::wave, 2 * step - before, wave.size()),
-                        found(FindingKind::movie, step + chunk - before, movie().size())}));
+    EXPECT_EQ(
+        image.scan(),
+        (Findings{found(FindingKind::movie, carveStep - before, movie().size()),
+                  found(FindingKind::mxf, carveChunk - before, mxf.size()),
+                  found(FindingKind::wave, 2 * carveStep - before, wave.size()),
+                  found(FindingKind::movie, carveStep + carveChunk - before, movie().size())}));
 }
 
 INSTANTIATE_TEST_SUITE_P(BytesBefore, CarveBorder, testing::Values(0, 3, 4, 9, 15));
 
 TEST(CarveScan, HitTwiceInTheOverlap_IsFoundOnce) {
     CarveImage image;
-    image.put(step + 0x8000, movie());
-    image.put(step + 0x9000, movie(70));
-    image.resize(chunk + mebibyte);
+    image.put(carveStep + 0x8000, movie());
+    image.put(carveStep + 0x9000, movie(70));
+    image.resize(carveChunk + mebibyte);
 
-    EXPECT_EQ(image.scan(), (Findings{found(FindingKind::movie, step + 0x8000, movie().size()),
-                                      found(FindingKind::movie, step + 0x9000, movie(70).size())}));
+    EXPECT_EQ(image.scan(),
+              (Findings{found(FindingKind::movie, carveStep + 0x8000, movie().size()),
+                        found(FindingKind::movie, carveStep + 0x9000, movie(70).size())}));
 }
 
 TEST(CarveScan, HitTwiceInTheOverlapWithoutAClip_IsNone) {
     CarveImage image;
-    image.put(step + 0x8000, fileTypeBox() + garbage(20));
-    image.resize(chunk + mebibyte);
+    image.put(carveStep + 0x8000, fileTypeBox() + garbage(20));
+    image.resize(carveChunk + mebibyte);
 
     EXPECT_EQ(image.scan(), Findings());
 }
 
 TEST(CarveScan, ClipLargerThanAChunk_IsSteppedOver) {
-    CarveImage image(fileTypeBox() + boxHeader("mdat", 3 * chunk));
-    const std::int64_t end = std::ssize(fileTypeBox()) + 3 * chunk;
+    CarveImage image(fileTypeBox() + boxHeader("mdat", 3 * carveChunk));
+    const std::int64_t end = std::ssize(fileTypeBox()) + 3 * carveChunk;
     image.put(end, box("moov", "index") + movie());
-    image.put(chunk, movie());
+    image.put(carveChunk, movie());
 
     const std::int64_t length = end + std::ssize(box("moov", "index"));
     EXPECT_EQ(image.scan(), (Findings{{FindingKind::movie, 0, length, true},
