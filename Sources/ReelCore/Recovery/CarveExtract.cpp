@@ -1,7 +1,6 @@
 #include "ReelCore/Platform/Error.h"
 #include "ReelCore/Platform/File.h"
 #include "ReelCore/Platform/FileSystem.h"
-#include "ReelCore/Recovery/BigEndian.h"
 #include "ReelCore/Recovery/CardCarver.h"
 #include "ReelCore/Recovery/ClipDoctor.h"
 #include "ReelCore/Recovery/ImagePiece.h"

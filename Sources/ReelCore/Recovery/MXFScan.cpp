@@ -1,6 +1,5 @@
 #include "ReelCore/Recovery/MXFScan.h"
 
-#include "ReelCore/Platform/ByteCursor.h"
 #include "ReelCore/Recovery/ImagePiece.h"
 
 #include <algorithm>

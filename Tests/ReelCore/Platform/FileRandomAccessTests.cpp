@@ -1,3 +1,4 @@
+#include "FileCalls.h"
 #include "ReelCore/Platform/File.h"
 #include "ReelCore/Platform/SystemError.h"
 #include "Support/FolderTree.h"
@@ -32,12 +33,6 @@ private:
 std::string readAt(const File& file, std::int64_t offset, std::size_t upTo) {
     std::string text(upTo, '\0');
     text.resize(file.readAt(offset, std::as_writable_bytes(std::span(text))));
-    return text;
-}
-
-std::string readOn(File& file, std::size_t upTo) {
-    std::string text(upTo, '\0');
-    text.resize(file.read(std::as_writable_bytes(std::span(text))));
     return text;
 }
 

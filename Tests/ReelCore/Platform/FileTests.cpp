@@ -1,5 +1,6 @@
 #include "ReelCore/Platform/File.h"
 
+#include "FileCalls.h"
 #include "ReelCore/Platform/SystemError.h"
 #include "Support/FolderTree.h"
 #include "Support/Forked.h"
@@ -24,26 +25,6 @@ using namespace TestSupport;
 namespace {
 
 constexpr uid_t somebodyElse = 12345;
-
-std::span<const std::byte> bytesOf(std::string_view text) {
-    return std::as_bytes(std::span(text));
-}
-
-std::string readOn(File& file, std::size_t upTo) {
-    std::string text(upTo, '\0');
-    text.resize(file.read(std::as_writable_bytes(std::span(text))));
-    return text;
-}
-
-/// The code of the SystemError, 0 if there was none.
-int codeOf(const std::function<void()>& action) {
-    try {
-        action();
-        return 0;
-    } catch (const SystemError& error) {
-        return error.code();
-    }
-}
 
 void makeSocket(const URL& path) {
     const int descriptor = ::socket(AF_UNIX, SOCK_STREAM, 0);

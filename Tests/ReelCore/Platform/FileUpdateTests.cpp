@@ -1,5 +1,6 @@
 // Files that are changed in place, and bytes that go from one file to another.
 
+#include "FileCalls.h"
 #include "ReelCore/Platform/File.h"
 #include "ReelCore/Platform/SystemError.h"
 #include "Support/FaultyFileSystem.h"
@@ -23,26 +24,6 @@ using namespace TestSupport;
 namespace {
 
 constexpr std::int64_t blockSize = 8 << 20;
-
-std::span<const std::byte> bytesOf(std::string_view text) {
-    return std::as_bytes(std::span(text));
-}
-
-std::string readOn(File& file, std::size_t upTo) {
-    std::string text(upTo, '\0');
-    text.resize(file.read(std::as_writable_bytes(std::span(text))));
-    return text;
-}
-
-/// The code of the SystemError, 0 if there was none.
-int codeOf(const std::function<void()>& action) {
-    try {
-        action();
-        return 0;
-    } catch (const SystemError& error) {
-        return error.code();
-    }
-}
 
 class FileUpdateTest : public testing::Test {
 protected:

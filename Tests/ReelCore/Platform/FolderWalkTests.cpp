@@ -1,5 +1,6 @@
 #include "ReelCore/Platform/FolderWalk.h"
 
+#include "FileCalls.h"
 #include "ReelCore/Platform/SystemError.h"
 #include "Support/FaultyFileSystem.h"
 #include "Support/FolderTree.h"
@@ -35,16 +36,6 @@ std::optional<Found> walk(const URL& root) {
         [&](const WalkedFile& file) { found[file.relativePath] = file.size; });
     if (!opened) return std::nullopt;
     return found;
-}
-
-/// The code of the SystemError, 0 if there was none.
-int codeOf(const std::function<void()>& action) {
-    try {
-        action();
-        return 0;
-    } catch (const SystemError& error) {
-        return error.code();
-    }
 }
 
 int codeOfWalk(const URL& root) {
