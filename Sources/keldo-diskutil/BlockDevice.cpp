@@ -59,8 +59,19 @@ bool DeviceTree::isReadOnly(const std::string& device) const {
     return firstLine(folder(device) / "ro") == "1";
 }
 
-Medium DeviceTree::medium(const std::string& device) const {
-    return {firstLine(folder(device) / "size"), firstLine(disk(device) / "diskseq")};
+std::set<std::string> DeviceTree::devicesOfSharedFileSystem(const std::string& device) const {
+    const URL all = root_ / "fs/btrfs";
+    if (!FileSystem::isFolder(all)) return {};
+    for (const std::string& one : FileSystem::names(all)) {
+        const URL links = all / one / "devices";
+        if (!FileSystem::isFolder(links)) continue;
+        std::set<std::string> devices;
+        for (const std::string& name : FileSystem::names(links)) {
+            devices.insert(firstLine(links / name / "dev"));
+        }
+        if (devices.contains(device)) return devices;
+    }
+    return {};
 }
 
 std::optional<std::string> deviceOfNode(const URL& node) {

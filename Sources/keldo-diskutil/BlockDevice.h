@@ -8,15 +8,6 @@
 
 namespace keldo_diskutil {
 
-/// What the kernel knows of the medium that is in a drive now. A drive keeps its numbers when one
-/// card is taken out and the next put in; this changes then.
-struct Medium {
-    std::string size;      ///< In the kernel's sectors.
-    std::string sequence;  ///< Counts the media of all drives; empty on kernels before 5.15.
-
-    bool operator==(const Medium&) const = default;
-};
-
 /// What the kernel's device tree tells of block devices. A device is named by its numbers,
 /// "major:minor", as the mount table does. For what is no block device every answer is empty.
 class DeviceTree {
@@ -31,10 +22,12 @@ public:
     /// in any case. A loop device is a disk of its own, wherever its file lies.
     std::set<std::string> wholeDisks(const std::string& device) const;
 
+    /// The devices that share one file system with this one, itself among them; empty where the
+    /// kernel knows of no such file system.
+    std::set<std::string> devicesOfSharedFileSystem(const std::string& device) const;
+
     /// True if the device takes no writes, such as a card with its lock switch set.
     bool isReadOnly(const std::string& device) const;
-
-    Medium medium(const std::string& device) const;
 
 private:
     ReelCore::URL folder(const std::string& device) const { return root_ / "dev/block" / device; }

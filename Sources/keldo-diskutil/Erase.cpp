@@ -1,6 +1,8 @@
 #include "keldo-diskutil/Erase.h"
 
+#include "ReelCore/Platform/CardHandover.h"
 #include "ReelCore/Platform/FileSystem.h"
+#include "ReelCore/Platform/SystemError.h"
 #include "ReelCore/Platform/Text.h"
 #include "keldo-diskutil/Label.h"
 #include "keldo-diskutil/UDisks.h"
@@ -16,6 +18,8 @@ namespace keldo_diskutil {
 
 namespace {
 
+using ReelCore::HeldCard;
+using ReelCore::Medium;
 using ReelCore::URL;
 
 struct Target {
@@ -53,12 +57,32 @@ Order parse(const std::vector<std::string>& arguments) {
 struct ServedVolume {
     const UDisks& disks;
     std::string object;
-    std::string device;  ///< "major:minor".
     URL node;
     URL mountPoint;
     std::string uuid;
     Medium medium;
 };
+
+/// The card that was looked at before this program was started. Where nobody has handed one over
+/// it is the one that stands there now.
+HeldCard hold(const URL& path) {
+    try {
+        if (auto handed = ReelCore::CardHandover::received()) return *std::move(handed);
+        return HeldCard(path);
+    } catch (const ReelCore::SystemError& error) {
+        throw Refusal(fmt::format("{}: {}.", path.native(), error.sentence()));
+    }
+}
+
+[[noreturn]] void refuseChangedCard() {
+    throw Refusal(
+        "the card was taken out or changed before its erase began. What is in the reader now was "
+        "left alone.");
+}
+
+void refuseUnlessAt(const URL& mountPoint, const HeldCard& card) {
+    if (!card.isAt(mountPoint)) refuseChangedCard();
+}
 
 UDisks connect() {
     try {
@@ -69,20 +93,22 @@ UDisks connect() {
     }
 }
 
-ServedVolume prepare(const UDisks& disks, const Volume& volume, const Target& target) {
+void refuseUnknownFileSystem(const Volume& volume, const UDisks& disks, const std::string& object) {
+    if (volume.fileSystem) return;
+    const std::string type = disks.fileSystemType(object);
+    if (!isOfACard(type)) throw unknownFileSystem(volume.mountPoint, type);
+}
+
+ServedVolume prepare(const UDisks& disks, const Volume& volume, const Target& target,
+                     const Medium& medium) {
     try {
         if (const auto tool = disks.missingTool(std::string(target.type))) {
             throw Refusal(fmt::format("{} is missing, which makes {}. Install the package {}.",
                                       *tool, target.name, target.package));
         }
         const std::string object = disks.blockObject(volume.node, volume.device);
-        return {disks,
-                object,
-                volume.device,
-                volume.node,
-                volume.mountPoint,
-                disks.uuid(object),
-                DeviceTree().medium(volume.device)};
+        refuseUnknownFileSystem(volume, disks, object);
+        return {disks, object, volume.node, volume.mountPoint, disks.uuid(object), medium};
     } catch (const UDisksError& error) {
         throw Refusal(fmt::format("UDisks2 can't erase {}: {}.", volume.mountPoint.native(),
                                   error.description()));
@@ -103,11 +129,7 @@ void unmount(const ServedVolume& volume) {
 }
 
 bool isMediumStillThere(const ServedVolume& volume) {
-    try {
-        return DeviceTree().medium(volume.device) == volume.medium;
-    } catch (const std::exception&) {
-        return false;
-    }
+    return Medium::of(volume.medium.device) == volume.medium;
 }
 
 /// An erase that failed may have taken the card's UUID away, but gives no other.
@@ -155,11 +177,7 @@ std::string format(const ServedVolume& volume, const Order& order) {
     const std::string type(order.target.type);
     std::string label = labelFor(order.newName, order.target.fileSystem);
     std::string plain = plainLabel(label);
-    if (!isCardStillThere(volume, false)) {
-        throw Refusal(
-            "the card was taken out or changed before its erase began. What is in the reader now "
-            "was left alone.");
-    }
+    if (!isCardStillThere(volume, false)) refuseChangedCard();
     try {
         volume.disks.format(volume.object, type, label);
         return label;
@@ -219,9 +237,13 @@ void tellVersion(const ServedVolume& volume, std::ostream& lines) {
 
 void erase(const std::vector<std::string>& arguments, std::ostream& lines) {
     const Order order = parse(arguments);
+    std::optional<HeldCard> card = hold(order.path);
     const Volume chosen = volumeToErase(order.path, Machine::current());
+    refuseUnlessAt(chosen.mountPoint, *card);
     const UDisks disks = connect();
-    const ServedVolume volume = prepare(disks, chosen, order.target);
+    const ServedVolume volume = prepare(disks, chosen, order.target, card->medium());
+    refuseUnlessAt(chosen.mountPoint, *card);
+    card.reset();
     unmount(volume);
     const std::string label = format(volume, order);
     lines << fmt::format("{} is erased as {}, named \"{}\".\n", chosen.node.native(),

@@ -162,6 +162,10 @@ URL UDisks::firstMountPoint(const std::string& object) const {
     return g_variant_get_bytestring(first.get());
 }
 
+std::string UDisks::fileSystemType(const std::string& object) const {
+    return text(property(object, blockInterface, "IdType", "s").get());
+}
+
 std::string UDisks::fileSystemVersion(const std::string& object) const {
     return text(property(object, blockInterface, "IdVersion", "s").get());
 }

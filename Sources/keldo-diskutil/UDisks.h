@@ -59,6 +59,9 @@ public:
     /// already, that place.
     ReelCore::URL mount(const std::string& object) const;
 
+    /// The file system on the device as the service sees it, such as "exfat"; may be empty.
+    std::string fileSystemType(const std::string& object) const;
+
     /// The version of the file system on the device as the service sees it, such as "FAT32".
     std::string fileSystemVersion(const std::string& object) const;
 

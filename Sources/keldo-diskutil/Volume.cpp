@@ -10,6 +10,7 @@
 #include <regex>
 #include <span>
 #include <sstream>
+#include <string_view>
 #include <system_error>
 
 #include <fmt/format.h>
@@ -25,6 +26,10 @@ constexpr std::array systemFolders{"/boot", "/efi",  "/etc", "/home", "/nix",
                                    "/opt",  "/root", "/srv", "/usr",  "/var"};
 constexpr std::array foldersForCards{"/media", "/mnt", "/run/media"};
 
+constexpr std::array<std::string_view, 13> fileSystemsOfCards{
+    "apfs",  "exfat", "ext2",  "ext3", "ext4", "hfs", "hfsplus",
+    "msdos", "ntfs",  "ntfs3", "udf",  "vfat", "xfs"};
+
 bool isBelowAny(const URL& path, std::span<const char* const> folders) {
     return std::ranges::any_of(
         folders, [&](const char* folder) { return ReelCore::hasPathPrefix(path, folder); });
@@ -34,6 +39,19 @@ bool isBelowAny(const URL& path, std::span<const char* const> folders) {
 std::string deviceOf(const Mount& mount) {
     if (!mount.device.starts_with("0:")) return mount.device;
     return deviceOfNode(mount.source).value_or(mount.device);
+}
+
+std::set<std::string> disksOf(const Mount& mount, const DeviceTree& tree) {
+    const std::string device = deviceOf(mount);
+    std::set<std::string> disks = tree.wholeDisks(device);
+    for (const std::string& other : tree.devicesOfSharedFileSystem(device)) {
+        disks.merge(tree.wholeDisks(other));
+    }
+    return disks;
+}
+
+bool isServedByAProgram(const std::string& fileSystem) {
+    return fileSystem == "fuseblk" || fileSystem.starts_with("fuseblk.");
 }
 
 /// /proc/swaps writes blanks, tabs, line feeds and backslashes as "\" and three octal digits.
@@ -59,7 +77,7 @@ std::set<std::string> swapDisks(const Machine& machine) {
         if (const auto device = deviceOfNode(swap)) {
             disks.merge(machine.devices.wholeDisks(*device));
         } else if (mount) {
-            disks.merge(machine.devices.wholeDisks(deviceOf(*mount)));
+            disks.merge(disksOf(*mount, machine.devices));
         }
     }
     return disks;
@@ -106,12 +124,17 @@ void refuseUnlessWholeAndAlone(const Mount& mount, const std::vector<Mount>& tab
 
 void refuseSystemDisk(const Mount& mount, const Machine& machine) {
     const auto system = systemDisks(machine, mount.mountPoint);
-    for (const std::string& disk : machine.devices.wholeDisks(deviceOf(mount))) {
+    for (const std::string& disk : disksOf(mount, machine.devices)) {
         if (!system.contains(disk)) continue;
         throw Refusal(fmt::format("{} is on the system disk {}, which this computer runs from.",
                                   mount.mountPoint.native(),
                                   machine.devices.node(disk).value_or(disk).native()));
     }
+}
+
+void refuseUnknownFileSystem(const Mount& mount) {
+    if (isServedByAProgram(mount.fileSystem) || isOfACard(mount.fileSystem)) return;
+    throw unknownFileSystem(mount.mountPoint, mount.fileSystem);
 }
 
 void refuseWriteProtected(const Mount& mount, const DeviceTree& devices) {
@@ -137,9 +160,11 @@ Volume checked(const URL& path, const Machine& machine) {
     if (deviceOfFile(place) != mount.device) {
         throw Refusal(fmt::format("another volume hides the one mounted at {}.", place.native()));
     }
+    refuseUnknownFileSystem(mount);
     refuseWriteProtected(mount, machine.devices);
     refuseUnlessWholeAndAlone(mount, machine.mounts);
-    return {place, mount.device, *node};
+    if (isServedByAProgram(mount.fileSystem)) return {place, mount.device, *node, std::nullopt};
+    return {place, mount.device, *node, mount.fileSystem};
 }
 
 }  // namespace
@@ -151,12 +176,24 @@ Machine Machine::current() {
     return {ReelCore::mountTable(), swaps.str(), DeviceTree()};
 }
 
+bool isOfACard(const std::string& fileSystem) {
+    return std::ranges::find(fileSystemsOfCards, fileSystem) != fileSystemsOfCards.end();
+}
+
+Refusal unknownFileSystem(const URL& mountPoint, const std::string& fileSystem) {
+    return Refusal(fmt::format(
+        "{} has {}, which cameras, recorders and shuttle drives do not use. If it is to go all the "
+        "same, erase it with a disk program.",
+        mountPoint.native(),
+        fileSystem.empty() ? "a file system without a name" : "the file system " + fileSystem));
+}
+
 std::set<std::string> systemDisks(const Machine& machine, const URL& card) {
     const auto disksAt = [&](const auto& isWanted) {
         std::set<std::string> disks;
         for (const Mount& mount : machine.mounts) {
             if (isWanted(mount.mountPoint)) {
-                disks.merge(machine.devices.wholeDisks(deviceOf(mount)));
+                disks.merge(disksOf(mount, machine.devices));
             }
         }
         return disks;

@@ -5,6 +5,7 @@
 #include "ReelCore/Platform/URL.h"
 #include "keldo-diskutil/BlockDevice.h"
 
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -31,11 +32,21 @@ struct Volume {
     ReelCore::URL mountPoint;  ///< With all links resolved.
     std::string device;        ///< "major:minor".
     ReelCore::URL node;        ///< The device's node below /dev.
+    /// Absent where a program serves the volume (FUSE): the kernel then knows only that program.
+    std::optional<std::string> fileSystem;
 };
+
+/// True for the file systems that cameras, recorders and shuttle drives carry, by the names that
+/// the kernel and the disk service have for them.
+bool isOfACard(const std::string& fileSystem);
+
+/// The refusal of all others.
+Refusal unknownFileSystem(const ReelCore::URL& mountPoint, const std::string& fileSystem);
 
 /// The volume that is mounted at `path`. Throws a Refusal for all but a writable volume that is
 /// mounted whole, once, with no other volume inside, on a block device of its own whose disks
-/// carry no part of the running system.
+/// carry no part of the running system, and with a file system that cards have, as far as the
+/// kernel knows it.
 Volume volumeToErase(const ReelCore::URL& path, const Machine& machine);
 
 /// The physical disks that carry the system: its root, its folders with all that is mounted below

@@ -1,6 +1,7 @@
 #include "keldo-diskutil/BlockDevice.h"
 
 #include "FakeDeviceTree.h"
+#include "ReelCore/Platform/HeldCard.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -9,6 +10,7 @@ namespace keldo_diskutil {
 
 namespace {
 
+using ReelCore::Medium;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -66,21 +68,43 @@ TEST(DeviceTree, LockSwitch_IsSeen) {
     EXPECT_TRUE(DeviceTree(fake.path()).isReadOnly("8:16"));
 }
 
-TEST(DeviceTree, MediumOfAPartition_IsItsSizeAndItsDisksSequence) {
+TEST(MediumOfADevice, Partition_IsItsSizeAndItsDisksSequence) {
     FakeDeviceTree fake;
     fake.addDisk("sdb", "8:16");
     fake.addPartition("sdb", "sdb1", "8:17");
     TestSupport::writeFile(fake.path() / "devices/sdb/sdb1/size", "2048\n");
 
-    EXPECT_EQ(DeviceTree(fake.path()).medium("8:17"), (Medium{"2048", "7"}));
+    EXPECT_EQ(Medium::of("8:17", fake.path()), (Medium{"8:17", "2048", "7"}));
 }
 
-TEST(DeviceTree, KernelThatCountsNoMedia_TellsThemBySizeAlone) {
+TEST(MediumOfADevice, KernelThatCountsNoMedia_TellsThemBySizeAlone) {
     FakeDeviceTree fake;
     fake.addDisk("sdb", "8:16");
     std::filesystem::remove(fake.path() / "devices/sdb/diskseq");
 
-    EXPECT_EQ(DeviceTree(fake.path()).medium("8:16"), (Medium{"4096", ""}));
+    EXPECT_EQ(Medium::of("8:16", fake.path()), (Medium{"8:16", "4096", ""}));
+}
+
+TEST(MediumOfADevice, DriveThatIsGone_IsNoMedium) {
+    FakeDeviceTree fake;
+    fake.addDisk("sdb", "8:16");
+
+    EXPECT_EQ(Medium::of("8:32", fake.path()), (Medium{"8:32", "", ""}));
+}
+
+TEST(DeviceTree, FileSystemOverSeveralDisks_IsKnownFromEachOfThem) {
+    FakeDeviceTree fake;
+    fake.addDisk("sda", "8:0");
+    fake.addPartition("sda", "sda2", "8:2");
+    fake.addDisk("sdb", "8:16");
+    fake.addDisk("sdc", "8:32");
+    fake.addSharedFileSystem("0c1f", {"sda2", "sdb"});
+    fake.addSharedFileSystem("features", {});
+    const DeviceTree devices(fake.path());
+
+    EXPECT_THAT(devices.devicesOfSharedFileSystem("8:2"), ElementsAre("8:16", "8:2"));
+    EXPECT_THAT(devices.devicesOfSharedFileSystem("8:16"), ElementsAre("8:16", "8:2"));
+    EXPECT_THAT(devices.devicesOfSharedFileSystem("8:32"), IsEmpty());
 }
 
 TEST(DeviceOfNode, WhatIsNoBlockDevice_HasNone) {

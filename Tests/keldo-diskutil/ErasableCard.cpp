@@ -1,6 +1,7 @@
 #include "ErasableCard.h"
 
 #include <stdexcept>
+#include <utility>
 
 namespace keldo_diskutil {
 
@@ -15,16 +16,16 @@ const TestSupport::FolderTree& cardFiles() {
 }
 
 std::string erase(const ReelCore::URL& mountPoint, const std::string& newName,
-                  FileSystem fileSystem) {
+                  FileSystem fileSystem, std::optional<ReelCore::HeldCard> card) {
     const CardFormatter::FormatGate open{true, "proved", 2};
     return CardFormatter::execute(CardFormatter::plan(mountPoint, newName, fileSystem), open, true,
-                                  false);
+                                  false, std::move(card));
 }
 
 std::string failureOf(const ReelCore::URL& mountPoint, const std::string& newName,
-                      FileSystem fileSystem) {
+                      FileSystem fileSystem, std::optional<ReelCore::HeldCard> card) {
     try {
-        const std::string said = erase(mountPoint, newName, fileSystem);
+        const std::string said = erase(mountPoint, newName, fileSystem, std::move(card));
         throw std::logic_error("erased: " + said);
     } catch (const CardFormatter::FormatError& error) {
         return error.get<CardFormatter::FormatError::DiskutilFailed>()->output;

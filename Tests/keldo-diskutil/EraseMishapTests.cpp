@@ -6,6 +6,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 namespace keldo_diskutil {
 
@@ -18,6 +19,7 @@ using testing::StartsWith;
 using TestSupport::LoopDevice;
 using TestSupport::outputOf;
 using TestSupport::readFile;
+using TestSupport::readTree;
 using TestSupport::SystemServices;
 using TestSupport::TemporaryFolder;
 
@@ -49,6 +51,7 @@ protected:
     /// Services with a disk service that fails as told ("Method=error"), the card mounted.
     std::unique_ptr<SystemServices> servicesThatAnswer(const std::vector<std::string>& errors) {
         card_ = std::make_unique<LoopDevice>(cardFiles(), 16);
+        TestSupport::writeFile(log(), "");
         std::vector<std::string> command{KELDO_FAKEDISKSERVICE, log().native(), name(), "/media/A"};
         command.insert(command.end(), errors.begin(), errors.end());
         SystemServices::Setup setup;
@@ -78,6 +81,12 @@ protected:
         return "node=$(cat " + node().native() + ")\nlosetup -d $node\n" +
                "for try in $(seq 200); do losetup $node " + image.native() +
                " && break; sleep 0.05; done\n";
+    }
+
+    /// Lines of a script that put the other disk in the place where the card is mounted.
+    std::string replaceScript(const LoopDevice& other) const {
+        return "umount -l " + mountPoint().native() + " && mount " + other.node().native() + " " +
+               mountPoint().native();
     }
 
     /// A file that names the device of the card in the reader.
@@ -124,6 +133,72 @@ TEST_F(EraseMishap, CardChangedBetweenTheTwoTries_OtherCardIsLeftAlone) {
               other.native() + "\n");
     outputOf("losetup", {"-d", card->node().native()});
     EXPECT_EQ(readFile(other) == before, true);
+}
+
+const std::string changed =
+    "Nothing was erased: the card was taken out or changed before its erase began. What is in the "
+    "reader now was left alone.\n";
+
+TEST_F(EraseMishap, OtherCardMountedThereAfterTheLook_NeitherIsTouched) {
+    const auto services = servicesThatAnswer({});
+    const LoopDevice other(cardFiles(), 16);
+    ReelCore::HeldCard held(mountPoint());
+    outputOf("sh", {"-c", replaceScript(other)});
+
+    const std::string said = failureOf(mountPoint(), "A001", FileSystem::exFAT, std::move(held));
+
+    EXPECT_EQ(said, changed);
+    EXPECT_THAT(calls(), IsEmpty());
+    EXPECT_EQ(other.mountPoints(), std::vector<URL>{mountPoint()});
+    EXPECT_EQ(readTree(mountPoint()), cardFiles());
+}
+
+TEST_F(EraseMishap, OtherMediumInTheSameDriveAfterTheLook_IsLeftAlone) {
+    const auto services = servicesThatAnswer({});
+    const ReelCore::HeldCard held(mountPoint());
+    ReelCore::Medium other = held.medium();
+    other.sequence += "0";
+
+    const std::string said =
+        failureOf(mountPoint(), "A001", FileSystem::exFAT,
+                  ReelCore::HeldCard(::dup(held.descriptor()), std::move(other)));
+
+    EXPECT_EQ(said, changed);
+    EXPECT_THAT(calls(), IsEmpty());
+}
+
+class CardReplacedWhileTheServiceIsAsked : public EraseMishap,
+                                           public testing::WithParamInterface<const char*> {};
+
+TEST_P(CardReplacedWhileTheServiceIsAsked, NeitherIsTouched) {
+    const LoopDevice other(cardFiles(), 16);
+    const auto services =
+        servicesThatAnswer({std::string(GetParam()) + "=!" + replaceScript(other)});
+
+    EXPECT_EQ(failureOf(mountPoint()), changed);
+    EXPECT_THAT(calls(), IsEmpty());
+    EXPECT_EQ(other.mountPoints(), std::vector<URL>{mountPoint()});
+    EXPECT_EQ(readTree(mountPoint()), cardFiles());
+}
+
+INSTANTIATE_TEST_SUITE_P(Calls, CardReplacedWhileTheServiceIsAsked,
+                         testing::Values("Version", "CanFormat", "ResolveDevice", "DeviceNumber",
+                                         "IdUUID"));
+
+TEST_F(EraseMishap, VolumeServedByAProgramWithAFileSystemOfNoCard_IsRefused) {
+    if (!TestSupport::hasTool("mount.exfat-fuse")) GTEST_SKIP() << "needs exfat-fuse";
+    const auto services = servicesThatAnswer({});
+    outputOf("umount", {mountPoint().native()});
+    outputOf("mkfs.exfat", {name()});
+    outputOf("mount.exfat-fuse", {name(), mountPoint().native()});
+
+    EXPECT_EQ(
+        failureOf(mountPoint()),
+        "Nothing was erased: " + mountPoint().native() +
+            " has the file system of no interest, which cameras, recorders and shuttle "
+            "drives do not use. If it is to go all the same, erase it with a disk program.\n");
+    EXPECT_THAT(calls(), IsEmpty());
+    EXPECT_EQ(card().mountPoints(), std::vector<URL>{mountPoint()});
 }
 
 TEST_F(EraseMishap, DesktopMountsTheNewVolumeFirst_TellsWhere) {

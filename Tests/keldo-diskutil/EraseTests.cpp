@@ -109,6 +109,17 @@ TEST_F(Erase, MountedExFATCard_CanBeErasedOnceMore) {
     EXPECT_THAT(readTree(card->mountPoints().front()), IsEmpty());
 }
 
+TEST_F(Erase, CardThatWasHandedOver_IsLetGoAndErased) {
+    const SystemServices services;
+    const auto card = insertCard();
+    ReelCore::HeldCard held(mountPoint());
+
+    const std::string said = erase(mountPoint(), "A001", FileSystem::fat32, std::move(held));
+
+    EXPECT_THAT(said, StartsWith(card->node().native() + " is erased as MS-DOS FAT32"));
+    EXPECT_EQ(factOf(*card, "TYPE"), "vfat");
+}
+
 TEST_F(Erase, FAT32_IsMadeWithALabelInCapitals) {
     const SystemServices services;
     const auto card = insertCard(600);

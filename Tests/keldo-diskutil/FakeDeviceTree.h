@@ -29,6 +29,16 @@ public:
         TestSupport::writeFile(path() / "devices" / disk / name / "partition", "1\n");
     }
 
+    /// As btrfs shows itself; devices by their names.
+    void addSharedFileSystem(const std::string& uuid, const std::vector<std::string>& devices) {
+        std::filesystem::create_directories(path() / "fs/btrfs" / uuid / "devices");
+        for (const std::string& device : devices) {
+            std::filesystem::create_directory_symlink(
+                std::filesystem::canonical(path() / "class" / device),
+                path() / "fs/btrfs" / uuid / "devices" / device);
+        }
+    }
+
 private:
     void add(const std::string& place, const std::string& name, const std::string& device) {
         TestSupport::writeTree(path() / place, {{"dev", device + "\n"},

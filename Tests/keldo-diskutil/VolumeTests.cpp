@@ -12,8 +12,9 @@ namespace {
 using testing::ElementsAre;
 using TestSupport::TemporaryFolder;
 
-ReelCore::Mount mounted(const std::string& device, const ReelCore::URL& mountPoint) {
-    return {mountPoint, "/", device, "/dev/some", "ext4", false};
+ReelCore::Mount mounted(const std::string& device, const ReelCore::URL& mountPoint,
+                        const std::string& fileSystem = "ext4") {
+    return {mountPoint, "/", device, "/dev/some", fileSystem, false};
 }
 
 /// A computer that runs from sda1; sdb is a second disk with two partitions.
@@ -118,6 +119,59 @@ TEST_F(VolumeToErase, OtherDisk_IsTaken) {
     EXPECT_EQ(volume.node, "/dev/sdc");
 }
 
+class VolumeOfACard : public VolumeToErase, public testing::WithParamInterface<const char*> {};
+
+TEST_P(VolumeOfACard, IsTaken) {
+    const std::string device = deviceOfFile(place.path());
+    tree.addDisk("sdc", device);
+    machine.mounts.push_back(mounted(device, place.path(), GetParam()));
+
+    EXPECT_EQ(volumeToErase(place.path(), machine).fileSystem, GetParam());
+}
+
+INSTANTIATE_TEST_SUITE_P(FileSystems, VolumeOfACard,
+                         testing::Values("exfat", "vfat", "msdos", "ntfs", "ntfs3", "udf", "hfs",
+                                         "hfsplus", "apfs", "ext2", "ext3", "ext4", "xfs"));
+
+class VolumeOfNoCard : public VolumeToErase, public testing::WithParamInterface<const char*> {};
+
+TEST_P(VolumeOfNoCard, IsRefusedByItsName) {
+    const std::string device = deviceOfFile(place.path());
+    tree.addDisk("sdc", device);
+    machine.mounts.push_back(mounted(device, place.path(), GetParam()));
+
+    EXPECT_EQ(refusal(), "Nothing was erased: " + place.path().native() + " has the file system " +
+                             GetParam() +
+                             ", which cameras, recorders and shuttle drives do not use. If it is "
+                             "to go all the same, erase it with a disk program.");
+}
+
+INSTANTIATE_TEST_SUITE_P(FileSystems, VolumeOfNoCard,
+                         testing::Values("btrfs", "squashfs", "iso9660", "erofs", "f2fs", "ext5",
+                                         "EXFAT", "fuse", "fuseblkx"));
+
+class VolumeServedByAProgram : public VolumeToErase,
+                               public testing::WithParamInterface<const char*> {};
+
+TEST_P(VolumeServedByAProgram, IsLeftToTheDiskServiceToName) {
+    const std::string device = deviceOfFile(place.path());
+    tree.addDisk("sdc", device);
+    machine.mounts.push_back(mounted(device, place.path(), GetParam()));
+
+    EXPECT_EQ(volumeToErase(place.path(), machine).fileSystem, std::nullopt);
+}
+
+INSTANTIATE_TEST_SUITE_P(FileSystems, VolumeServedByAProgram,
+                         testing::Values("fuseblk", "fuseblk.exfat"));
+
+TEST_F(VolumeToErase, DiskOfARootOnSeveralDisks_IsRefused) {
+    tree.addDisk("sdc", "8:32");
+    tree.addSharedFileSystem("0c1f", {"sda1", "sdb1"});
+    machine.mounts.push_back(mounted("8:18", place.path()));
+
+    EXPECT_EQ(refusal(), systemDiskRefusal("/dev/sdb"));
+}
+
 TEST_F(VolumeToErase, LinkToTheMountPoint_IsFollowed) {
     const std::string device = deviceOfFile(place.path());
     tree.addDisk("sdc", device);
@@ -164,6 +218,20 @@ TEST_F(SystemDisks, SwapFileWithABlankInItsName_IsFound) {
     EXPECT_THAT(disks({mounted("8:0", "/"), mounted("8:16", "/mnt/my disk")},
                       "/mnt/my\\040disk/swap\\134file file\t1024\t0\t-2\n"),
                 ElementsAre("8:0", "8:16"));
+}
+
+TEST_F(SystemDisks, RootOnSeveralDisks_MakesThemAllTheSystems) {
+    tree.addSharedFileSystem("0c1f", {"sda", "sdb"});
+
+    EXPECT_THAT(disks({mounted("8:0", "/")}), ElementsAre("8:0", "8:16"));
+}
+
+TEST_F(SystemDisks, SwapFileOnSeveralDisks_MakesThemAllTheSystems) {
+    tree.addSharedFileSystem("0c1f", {"sdb", "sdc"});
+
+    EXPECT_THAT(disks({mounted("8:0", "/"), mounted("8:16", "/mnt/scratch")},
+                      "/mnt/scratch/swapfile file\t1024\t0\t-2\n"),
+                ElementsAre("8:0", "8:16", "8:32"));
 }
 
 TEST_F(SystemDisks, DataDisk_IsNone) {

@@ -6,6 +6,7 @@
 // A line is added to LOG for every call that is to change something. NODE is really unmounted, but
 // never erased or mounted; PLACE is where it is said to be mounted. A method or property MEMBER
 // fails with the D-Bus error ERROR, or, for the error "form", answers something of another type.
+// For an ERROR that begins with "!" the rest is run as a shell script before the ordinary answer.
 
 #include <cstdlib>
 #include <fstream>
@@ -75,7 +76,11 @@ void note(GDBusMessage* call, const std::string& member, const Orders& orders) {
 GDBusMessage* replyTo(GDBusMessage* call, const Orders& orders) {
     const std::string member = memberOf(call);
     note(call, member, orders);
-    const auto error = orders.errors.find(member);
+    auto error = orders.errors.find(member);
+    if (error != orders.errors.end() && error->second.starts_with('!')) {
+        if (std::system(error->second.c_str() + 1) != 0) std::abort();
+        error = orders.errors.end();
+    }
     if (error != orders.errors.end() && error->second != "form") {
         return g_dbus_message_new_method_error_literal(call, error->second.c_str(),
                                                        "as the test wants it");

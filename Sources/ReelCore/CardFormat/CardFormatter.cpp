@@ -1,7 +1,6 @@
 #include "ReelCore/CardFormat/CardFormatter.h"
 
 #include "ReelCore/Offload/OffloadTypes.h"
-#include "ReelCore/Platform/ChildProcess.h"
 #include "ReelCore/Platform/EraseTool.h"
 #include "ReelCore/Platform/Fatal.h"
 #include "ReelCore/Platform/Text.h"
@@ -9,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <functional>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -37,15 +37,15 @@ std::string FormatErrorCases::NotConfirmed::description() const {
 }
 
 std::string_view rawValue(CardFormatter::FileSystem fileSystem) {
-    using FileSystem = CardFormatter::FileSystem;
+    using enum CardFormatter::FileSystem;
     switch (fileSystem) {
-        case FileSystem::exFAT:
+        case exFAT:
             return "ExFAT";
-        case FileSystem::fat32:
+        case fat32:
             return "MS-DOS FAT32";
-        case FileSystem::apfs:
+        case apfs:
             return "APFS";
-        case FileSystem::hfs:
+        case hfs:
             return "JHFS+";
     }
     fatal("no such file system");
@@ -53,9 +53,8 @@ std::string_view rawValue(CardFormatter::FileSystem fileSystem) {
 
 template <>
 std::span<const CardFormatter::FileSystem> allCases<CardFormatter::FileSystem>() {
-    using FileSystem = CardFormatter::FileSystem;
-    static constexpr std::array cases{FileSystem::exFAT, FileSystem::fat32, FileSystem::apfs,
-                                      FileSystem::hfs};
+    using enum CardFormatter::FileSystem;
+    static constexpr std::array cases{exFAT, fat32, apfs, hfs};
     return cases;
 }
 
@@ -88,13 +87,13 @@ CardFormatter::FormatPlan CardFormatter::plan(const URL& volume, const std::stri
 }
 
 std::string CardFormatter::execute(const FormatPlan& plan, const FormatGate& gate, bool confirm,
-                                   bool dryRun) {
+                                   bool dryRun, std::optional<HeldCard> card) {
     if (!gate.eligible) throw FormatError(FormatError::NotEligible{gate.reason});
     if (!confirm) throw FormatError(FormatError::NotConfirmed{});
     if (dryRun) return plan.command();
-    const auto outcome =
-        ChildProcess::run(eraseTool(), {"eraseVolume", std::string(rawValue(plan.fileSystem)),
-                                        plan.newName, plan.volume.native()});
+    const auto outcome = runEraseTool(
+        {"eraseVolume", std::string(rawValue(plan.fileSystem)), plan.newName, plan.volume.native()},
+        std::move(card));
     const std::string output = Text::isWellFormed(outcome.output) ? outcome.output : "";
     if (outcome.status != 0) {
         throw FormatError(FormatError::DiskutilFailed{outcome.status, output});

@@ -2,9 +2,11 @@
 
 #include "ReelCore/Models/Enumeration.h"
 #include "ReelCore/Platform/Error.h"
+#include "ReelCore/Platform/HeldCard.h"
 #include "ReelCore/Platform/URL.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -66,13 +68,15 @@ struct CardFormatter {
 
     /// Erases the plan's volume with the system's erase tool and returns what the tool said; with
     /// `dryRun` returns the plan's command and starts nothing. The gate is the one handed in, and
-    /// that the volume is the card that was proved is the caller's duty.
+    /// that the volume is the card that was proved is the caller's duty: who has looked at the card
+    /// hands over what was held over the look as `card`, and no other is erased then. A system's
+    /// own tool does not know of that.
     ///
     /// Throws FormatError::NotEligible, then NotConfirmed, both before anything has happened;
     /// SystemError if the tool can't be started; FormatError::DiskutilFailed if it fails, after
     /// which the volume is as the tool left it. Blocks until the tool has ended, without a limit.
     static std::string execute(const FormatPlan& plan, const FormatGate& gate, bool confirm,
-                               bool dryRun);
+                               bool dryRun, std::optional<HeldCard> card = std::nullopt);
 };
 
 std::string_view rawValue(CardFormatter::FileSystem fileSystem);

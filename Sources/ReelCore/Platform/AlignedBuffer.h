@@ -6,8 +6,10 @@
 
 namespace ReelCore {
 
-/// Memory on a page boundary whose size is a whole number of pages, as direct I/O asks for. The
-/// contents are undefined at first. Movable, owned by one place at a time.
+/// Memory on a page boundary whose size is a whole number of pages, as direct I/O asks for. One of
+/// 2 MiB and more lies in huge pages where the system has them: a device that writes into scattered
+/// pages takes three times as long. The contents are undefined at first. Movable, owned by one
+/// place at a time.
 class AlignedBuffer {
 public:
     static constexpr std::size_t alignment = 4096;

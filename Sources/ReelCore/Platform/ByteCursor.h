@@ -6,6 +6,7 @@
 #include <optional>
 #include <span>
 #include <string_view>
+#include <utility>
 
 namespace ReelCore {
 
@@ -37,18 +38,23 @@ public:
     std::optional<Number> littleEndian() {
         const auto bytes = take(sizeof(Number));
         if (!bytes) return std::nullopt;
-        std::uint64_t value = 0;
-        for (std::size_t i = bytes->size(); i-- > 0;) value = value << 8U | toNumber((*bytes)[i]);
-        return static_cast<Number>(value);
+        return [&]<std::size_t... I>(std::index_sequence<I...>) {
+            return static_cast<Number>(((toNumber((*bytes)[I]) << 8 * I) | ...));
+        }
+        (std::make_index_sequence<sizeof(Number)>());
     }
 
     template <std::unsigned_integral Number>
     std::optional<Number> bigEndian() {
         const auto bytes = take(sizeof(Number));
         if (!bytes) return std::nullopt;
-        std::uint64_t value = 0;
-        for (const std::byte one : *bytes) value = value << 8U | toNumber(one);
-        return static_cast<Number>(value);
+        // Written out, compilers make it one instruction.
+        return [&]<std::size_t... I>(std::index_sequence<I...>) {
+            std::uint64_t value = 0;
+            ((value = value << 8U | toNumber((*bytes)[I])), ...);
+            return static_cast<Number>(value);
+        }
+        (std::make_index_sequence<sizeof(Number)>());
     }
 
 private:

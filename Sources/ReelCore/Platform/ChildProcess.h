@@ -26,16 +26,12 @@ struct ChildProcess {
     /// Reads standard output.
     static Outcome readOutput(const URL& program, const std::vector<std::string>& arguments);
 
-    /// Reads standard error.
+    /// Reads standard error, of which the last 256 KiB are kept, from the beginning of a UTF-8
+    /// character on: a child may complain for hours.
     static Outcome readError(const URL& program, const std::vector<std::string>& arguments);
 
     /// Reads neither, and gives the exit status.
     static int status(const URL& program, const std::vector<std::string>& arguments);
-
-    /// Asks every child that any thread is still waiting for, and what it has started itself, to
-    /// end (SIGTERM). For the end of the application: what a dropped job started is not to outlive
-    /// it.
-    static void endAll();
 };
 
 }  // namespace ReelCore

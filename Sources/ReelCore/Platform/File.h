@@ -1,9 +1,11 @@
 #pragma once
 
+#include "ReelCore/Platform/HeldFolder.h"
 #include "ReelCore/Platform/URL.h"
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 
 namespace ReelCore {
@@ -20,6 +22,12 @@ public:
     /// followed (ELOOP). The file's access time is left alone where the system allows it.
     static File openForReading(const URL& path, FileLinks links = FileLinks::refuse);
 
+    /// The same for a name in a folder. A link is refused.
+    static File openForReading(const HeldFolder& folder, const URL& name);
+
+    /// Opens a block device to be read, if it is the one with that number (otherwise ENODEV).
+    static File openBlockDevice(const URL& node, std::uint64_t number);
+
     /// Opens an existing regular file to be changed in place. Links are not followed.
     static File openForUpdating(const URL& path);
 
@@ -28,6 +36,13 @@ public:
     /// its content would be lost as well; anything else, and always a folder, stays and is refused.
     /// Links are never followed.
     static File create(const URL& path);
+
+    /// The same for a name in a folder.
+    static File create(const HeldFolder& folder, const URL& name);
+
+    /// Creates an empty file to be written under a name that nothing has, in one step: of several
+    /// who try at once one gets it. Absent where anything has that name, a dangling link included.
+    static std::optional<File> createExclusively(const URL& path);
 
     File(File&& other) noexcept;
     File& operator=(File&& other) noexcept;
@@ -65,20 +80,23 @@ public:
     void reserve(std::int64_t length);
 
     /// Makes the file's contents and size durable on its device.
-    void flush();
+    void flush() const;
 
-    /// Waits until what was written to a range has gone to the device, and lets go of its cached
-    /// pages. Unlike a flush it leaves the file's size and dates for later.
-    void finishWriteback(std::int64_t offset, std::int64_t length);
+    /// Waits until what was written to a range (0, 0 for all) has gone to the device, and lets go
+    /// of its cached pages. Unlike a flush it leaves the file's size and dates for later. Throws if
+    /// the device failed; false if this system knows no such wait, and nothing was waited for.
+    bool finishWriteback(std::int64_t offset, std::int64_t length);
 
-    /// Hints, which never fail: read ahead further than usual; begin to write a written range to
-    /// the device; let go of cached pages of a range (0, 0 for all).
+    /// Hints, which never fail: read ahead further than usual; begin to read a range; begin to
+    /// write a written range to the device; let go of cached pages of a range (0, 0 for all).
     void expectSequentialRead();
+    void expectRead(std::int64_t offset, std::int64_t length) const;
     void beginWriteback(std::int64_t offset, std::int64_t length);
-    void dropFromCache(std::int64_t offset, std::int64_t length);
+    void dropFromCache(std::int64_t offset, std::int64_t length) const;
 
 private:
     explicit File(int descriptor) : descriptor_(descriptor) {}
+    static File createAt(int folder, const URL& path);
 
     int descriptor_;
 };

@@ -62,9 +62,24 @@ void FileSystem::createFolders(const URL& folder) {
     if (!isFolder(folder)) throw SystemError(ENOTDIR, folder);
 }
 
+void FileSystem::flushFolder(const URL& folder) {
+    const OpenFolder open = openFolder(folder, FolderLinks::follow);
+    if (!open) throwSystemError(folder);
+    while (::fsync(::dirfd(open.get())) != 0) {
+        if (errno == EINVAL) return;
+        if (errno != EINTR) throwSystemError(folder);
+    }
+}
+
 std::optional<FileIdentity> FileSystem::identity(const URL& path) {
     struct stat status {};
     if (::stat(path.c_str(), &status) != 0) return std::nullopt;
+    return FileIdentity{status.st_dev, status.st_ino};
+}
+
+std::optional<FileIdentity> FileSystem::identity(int descriptor) {
+    struct stat status {};
+    if (::fstat(descriptor, &status) != 0) return std::nullopt;
     return FileIdentity{status.st_dev, status.st_ino};
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ReelCore/Platform/Date.h"
+#include "ReelCore/Platform/FileStamp.h"
 #include "ReelCore/Platform/URL.h"
 
 #include <cstdint>
@@ -9,14 +10,6 @@
 #include <vector>
 
 namespace ReelCore {
-
-/// The file system that a folder or file lies on, and its number there.
-struct FileIdentity {
-    std::uint64_t device = 0;
-    std::uint64_t number = 0;
-
-    bool operator==(const FileIdentity&) const = default;
-};
 
 /// Small questions and orders to the file system. Paths may be relative to the working directory.
 /// Failures are SystemErrors with the path.
@@ -44,8 +37,25 @@ struct FileSystem {
     /// Makes a folder with its intermediates; one that is there already is fine.
     static void createFolders(const URL& folder);
 
+    /// Makes the names in a folder durable on their device. Does nothing where the file system
+    /// knows no such order.
+    static void flushFolder(const URL& folder);
+
     /// Tells one folder or file from another, whatever their paths; for what is missing, nothing.
     static std::optional<FileIdentity> identity(const URL& path);
+
+    static std::optional<FileIdentity> identity(int descriptor);
+
+    /// The stamp of the regular file that stands at `path` itself; a link is not followed. Absent
+    /// for what is no regular file or can't be looked at.
+    static std::optional<FileStamp> stamp(const URL& path);
+
+    /// The same for an open file.
+    static std::optional<FileStamp> stamp(int descriptor);
+
+    /// True if the file system that an open file or folder lies on numbers its files anew whenever
+    /// it likes, so that one file may have two identities at two times.
+    static bool numbersFilesAnew(int descriptor);
 
     /// The size in bytes of the regular file that a path leads to; absent for what is none.
     static std::optional<std::int64_t> sizeOf(const URL& path);

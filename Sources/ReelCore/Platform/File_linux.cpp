@@ -18,58 +18,96 @@ namespace {
 constexpr int safeFlags = O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
 constexpr int followingFlags = safeFlags & ~O_NOFOLLOW;
 
-int openRetrying(const URL& path, int flags, mode_t mode = 0) {
+/// A path, or a name in an open folder.
+struct Place {
+    const URL& path;
+    int folder = AT_FDCWD;
+};
+
+int openRetrying(const Place& place, int flags, mode_t mode = 0) {
     int descriptor = -1;
     do {
-        descriptor = ::open(path.c_str(), flags, mode);
+        descriptor = ::openat(place.folder, place.path.c_str(), flags, mode);
     } while (descriptor < 0 && errno == EINTR);
     return descriptor;
 }
 
 /// O_NOATIME is only allowed to the owner of a file, so others ask again without it.
-int openWithoutAccessTime(const URL& path, int flags) {
-    const int descriptor = openRetrying(path, O_RDONLY | O_NOATIME | flags);
+int openWithoutAccessTime(const Place& place, int flags) {
+    const int descriptor = openRetrying(place, O_RDONLY | O_NOATIME | flags);
     if (descriptor >= 0 || errno != EPERM) return descriptor;
-    return openRetrying(path, O_RDONLY | flags);
+    return openRetrying(place, O_RDONLY | flags);
 }
 
-struct stat requireRegularFile(const File& file, const URL& path) {
+struct stat requireRegularFile(int descriptor, const URL& path) {
     struct stat status {};
-    if (::fstat(file.descriptor(), &status) != 0) throwSystemError(path);
+    if (::fstat(descriptor, &status) != 0) throwSystemError(path);
     if (!S_ISREG(status.st_mode)) throw SystemError(EINVAL, path);
-    const int flags = ::fcntl(file.descriptor(), F_GETFL);
-    if (::fcntl(file.descriptor(), F_SETFL, flags & ~O_NONBLOCK) != 0) throwSystemError(path);
+    const int flags = ::fcntl(descriptor, F_GETFL);
+    if (::fcntl(descriptor, F_SETFL, flags & ~O_NONBLOCK) != 0) throwSystemError(path);
     return status;
+}
+
+bool isUnknownCall(int code) {
+    return code == ENOSYS || code == EOPNOTSUPP || code == EINVAL || code == ESPIPE ||
+           code == EPERM;
 }
 
 }  // namespace
 
 File File::openForReading(const URL& path, FileLinks links) {
-    const int descriptor =
-        openWithoutAccessTime(path, links == FileLinks::follow ? followingFlags : safeFlags);
-    if (descriptor < 0) throwSystemError(path);
-    File file(descriptor);
-    requireRegularFile(file, path);
+    File file(
+        openWithoutAccessTime({path}, links == FileLinks::follow ? followingFlags : safeFlags));
+    if (file.descriptor_ < 0) throwSystemError(path);
+    requireRegularFile(file.descriptor_, path);
+    return file;
+}
+
+File File::openForReading(const HeldFolder& folder, const URL& name) {
+    File file(openWithoutAccessTime({name, folder.descriptor()}, safeFlags));
+    if (file.descriptor_ < 0) throwSystemError(name);
+    requireRegularFile(file.descriptor_, name);
+    return file;
+}
+
+File File::openBlockDevice(const URL& node, std::uint64_t number) {
+    File file(openRetrying({node}, O_RDONLY | followingFlags));
+    struct stat status {};
+    if (file.descriptor_ < 0 || ::fstat(file.descriptor_, &status) != 0) throwSystemError(node);
+    if (!S_ISBLK(status.st_mode) || status.st_rdev != number) throw SystemError(ENODEV, node);
     return file;
 }
 
 File File::openForUpdating(const URL& path) {
-    const int descriptor = openRetrying(path, O_RDWR | safeFlags);
-    if (descriptor < 0) throwSystemError(path);
-    File file(descriptor);
-    requireRegularFile(file, path);
+    File file(openRetrying({path}, O_RDWR | safeFlags));
+    if (file.descriptor_ < 0) throwSystemError(path);
+    requireRegularFile(file.descriptor_, path);
+    return file;
+}
+
+File File::createAt(int folder, const URL& path) {
+    ::unlinkat(folder, path.c_str(), 0);
+    File file(openRetrying({path, folder}, O_WRONLY | O_CREAT | safeFlags, 0666));
+    if (file.descriptor_ < 0) throwSystemError(path);
+    const struct stat status = requireRegularFile(file.descriptor_, path);
+    if (status.st_nlink > 1) throw SystemError(EEXIST, path);
+    if (status.st_size > 0 && ::ftruncate(file.descriptor_, 0) != 0) throwSystemError(path);
     return file;
 }
 
 File File::create(const URL& path) {
-    ::unlink(path.c_str());
-    const int descriptor = openRetrying(path, O_WRONLY | O_CREAT | safeFlags, 0666);
-    if (descriptor < 0) throwSystemError(path);
-    File file(descriptor);
-    const struct stat status = requireRegularFile(file, path);
-    if (status.st_nlink > 1) throw SystemError(EEXIST, path);
-    if (status.st_size > 0 && ::ftruncate(descriptor, 0) != 0) throwSystemError(path);
-    return file;
+    return createAt(AT_FDCWD, path);
+}
+
+File File::create(const HeldFolder& folder, const URL& name) {
+    return createAt(folder.descriptor(), name);
+}
+
+std::optional<File> File::createExclusively(const URL& path) {
+    const int descriptor = openRetrying({path}, O_WRONLY | O_CREAT | O_EXCL | safeFlags, 0666);
+    if (descriptor >= 0) return File(descriptor);
+    if (errno != EEXIST) throwSystemError(path);
+    return std::nullopt;
 }
 
 File::File(File&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
@@ -174,31 +212,37 @@ void File::reserve(std::int64_t length) {
     }
 }
 
-void File::flush() {
+void File::flush() const {
     while (::fsync(descriptor_) != 0) {
         if (errno != EINTR) throwSystemError();
     }
 }
 
 // A failure is told once: were it passed over here, a later flush would know nothing of it.
-void File::finishWriteback(std::int64_t offset, std::int64_t length) {
+bool File::finishWriteback(std::int64_t offset, std::int64_t length) {
     constexpr unsigned int all =
         SYNC_FILE_RANGE_WAIT_BEFORE | SYNC_FILE_RANGE_WRITE | SYNC_FILE_RANGE_WAIT_AFTER;
     while (::sync_file_range(descriptor_, offset, length, all) != 0) {
+        if (isUnknownCall(errno)) return false;
         if (errno != EINTR) throwSystemError();
     }
     dropFromCache(offset, length);
+    return true;
 }
 
 void File::expectSequentialRead() {
     ::posix_fadvise(descriptor_, 0, 0, POSIX_FADV_SEQUENTIAL);
 }
 
+void File::expectRead(std::int64_t offset, std::int64_t length) const {
+    ::posix_fadvise(descriptor_, offset, length, POSIX_FADV_WILLNEED);
+}
+
 void File::beginWriteback(std::int64_t offset, std::int64_t length) {
     ::sync_file_range(descriptor_, offset, length, SYNC_FILE_RANGE_WRITE);
 }
 
-void File::dropFromCache(std::int64_t offset, std::int64_t length) {
+void File::dropFromCache(std::int64_t offset, std::int64_t length) const {
     ::posix_fadvise(descriptor_, offset, length, POSIX_FADV_DONTNEED);
 }
 

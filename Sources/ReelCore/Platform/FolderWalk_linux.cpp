@@ -28,12 +28,9 @@ std::optional<Date> dateOf(const timespec& time) {
     return Date(std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec));
 }
 
-/// What makes a walk fail, and is passed over otherwise.
-enum class Strictness {
-    nothing,
-    folders,  ///< A listing that breaks off; no means left to read a folder.
-    entries,  ///< Beside these, an entry whose attributes can't be read.
-};
+/// A strict walk fails where a listing breaks off, an entry's attributes can't be read, or no means
+/// are left to read a folder; the other passes that over.
+enum class Strictness { strict, lenient };
 
 class Walk {
 public:
@@ -43,29 +40,36 @@ public:
          Strictness strictness, const Visit& visit)
         : root_(root), isIgnored_(isIgnored), strictness_(strictness), visit_(visit) {}
 
-    bool run() {
-        if (!visitFolder("", FolderLinks::follow)) return false;
+    /// What was passed over; nothing if that is the root.
+    std::optional<UnreadFolders> run() {
+        if (!visitFolder("", FolderLinks::follow)) return std::nullopt;
         while (!pending_.empty()) {
             const std::string path = std::move(pending_.back());
             pending_.pop_back();
-            visitFolder(path, FolderLinks::refuse);
+            if (!visitFolder(path, FolderLinks::refuse)) passOver(path);
         }
-        return true;
+        return std::move(unread_);
     }
 
 private:
+    /// The first one is the first by its path, whatever the order of the walk.
+    void passOver(const std::string& path) {
+        unread_.count += 1;
+        if (unread_.count == 1 || path < unread_.first) unread_.first = path;
+    }
+
     /// False, and nothing visited, if the folder is passed over.
     bool visitFolder(const std::string& path, FolderLinks links) {
         const URL place = path.empty() ? root_ : root_ / path;
         const OpenFolder folder = openFolder(place, links);
         if (!folder) {
-            if (strictness_ >= Strictness::folders) throwIfOwnLimit(errno, place);
+            if (strictness_ == Strictness::strict) throwIfOwnLimit(errno, place);
             return false;
         }
         // Half a listing is not an unreadable folder: files that are known to be there would go
         // missing among those that were listed.
         const int failure = list(folder.get(), path.empty() ? "" : path + "/");
-        if (failure != 0 && strictness_ >= Strictness::folders) throw SystemError(failure, place);
+        if (failure != 0 && strictness_ == Strictness::strict) throw SystemError(failure, place);
         return true;
     }
 
@@ -86,7 +90,7 @@ private:
         struct stat status {};
         if (::fstatat(::dirfd(folder), name, &status, AT_SYMLINK_NOFOLLOW) != 0) {
             const int code = errno;
-            if (strictness_ == Strictness::entries) throw SystemError(code, root_ / path);
+            if (strictness_ == Strictness::strict) throw SystemError(code, root_ / path);
             status = {};
         }
         if (S_ISDIR(status.st_mode)) pending_.push_back(path);
@@ -98,11 +102,11 @@ private:
     const Strictness strictness_;
     const Visit& visit_;
     std::vector<std::string> pending_;
+    UnreadFolders unread_;
 };
 
 /// Collects first, so that the visits come in the order of the paths.
 bool visitEntries(const URL& root, const std::function<bool(std::string_view)>& isIgnored,
-                  Strictness strictness,
                   const std::function<bool(const URL&, const struct stat&)>& isWanted,
                   const std::function<void(const URL&)>& visit) {
     std::vector<URL> entries;
@@ -110,7 +114,7 @@ bool visitEntries(const URL& root, const std::function<bool(std::string_view)>& 
         URL entry = root / path;
         if (isWanted(entry, status)) entries.push_back(std::move(entry));
     };
-    if (!Walk(root, isIgnored, strictness, keep).run()) return false;
+    if (!Walk(root, isIgnored, Strictness::lenient, keep).run()) return false;
     std::ranges::sort(entries, {}, &URL::native);
     std::ranges::for_each(entries, visit);
     return true;
@@ -122,9 +126,10 @@ bool isFileOrFolder(mode_t mode) {
 
 }  // namespace
 
-bool walkFolder(const URL& root, const std::function<bool(std::string_view name)>& isIgnored,
-                const std::function<void(WalkedFile)>& visit) {
-    return Walk(root, isIgnored, Strictness::entries,
+std::optional<UnreadFolders> walkFolder(const URL& root,
+                                        const std::function<bool(std::string_view name)>& isIgnored,
+                                        const std::function<void(WalkedFile)>& visit) {
+    return Walk(root, isIgnored, Strictness::strict,
                 [&](std::string path, const struct stat& status) {
                     if (!S_ISREG(status.st_mode)) return;
                     visit({std::move(path), status.st_size, dateOf(status.st_mtim)});
@@ -139,14 +144,14 @@ bool walkEntries(const URL& root, const std::function<void(const URL&)>& visit) 
         struct stat target {};
         return ::stat(entry.c_str(), &target) != 0 || isFileOrFolder(target.st_mode);
     };
-    return visitEntries(root, nothing, Strictness::folders, keepsNobodyWaiting, visit);
+    return visitEntries(root, nothing, keepsNobodyWaiting, visit);
 }
 
 bool walkReadableEntries(const URL& root,
                          const std::function<bool(std::string_view name)>& isIgnored,
                          const std::function<void(const URL&)>& visit) {
     const auto everything = [](const URL&, const struct stat&) { return true; };
-    return visitEntries(root, isIgnored, Strictness::nothing, everything, visit);
+    return visitEntries(root, isIgnored, everything, visit);
 }
 
 }  // namespace ReelCore

@@ -5,10 +5,12 @@
 
 #include <chrono>
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace ReelCore {
@@ -35,21 +37,24 @@ private:
 };
 
 /// An external program that runs beside this one, started with an explicit argument list and never
-/// through a shell. It inherits nothing but the environment, the working folder, an empty standard
-/// input and the two streams named. One thread at a time.
+/// through a shell. It inherits nothing but the environment, the working folder and the streams
+/// named; the standard input is empty unless told otherwise. One thread at a time.
 ///
 /// The child leads a process group of its own: what a terminal sends to this program (Ctrl-C) does
 /// not reach it.
 ///
-/// The child never outlives this object: left without `wait`, as by an exception, it is ended.
+/// The child outlives neither this object (left without `wait`, as by an exception, it is ended)
+/// nor this process (see ProcessCleanup).
 class RunningChild {
 public:
     struct Streams {
         ChildStream output = ChildStream::nowhere();
         ChildStream error = ChildStream::nowhere();
+        int input = -1;  ///< A descriptor that is to be the standard input; -1 for an empty one.
     };
 
-    /// Throws SystemError if `program` (a path) can't be started.
+    /// Throws SystemError if `program` (a path) can't be started, and ECANCELED once the process is
+    /// coming to its end.
     RunningChild(const URL& program, const std::vector<std::string>& arguments,
                  const Streams& streams);
     ~RunningChild();
@@ -64,9 +69,23 @@ public:
     /// Reads to the end of the stream.
     std::string readAll();
 
-    /// Closes the stream, asks the child and what it has started itself to end (SIGTERM), and makes
-    /// them end (SIGKILL) once the child has ended or half a second has passed. Does nothing to a
-    /// child that has been waited for.
+    /// Reads to the end of the stream and holds nothing: `take` gets each piece as it comes.
+    void readAll(const std::function<void(std::string_view)>& take);
+
+    /// Asks the child and what it has started itself to end (SIGTERM), and comes back at once: most
+    /// programs close their files first. Does nothing to a child that has been waited for.
+    void askToEnd();
+
+    /// Makes the child and what it has started itself end (SIGKILL), whatever they are at. Does
+    /// nothing to a child that has been waited for.
+    void kill();
+
+    /// Waits up to `patience` until the child has ended and nobody has the stream any more, and
+    /// drops what comes on it, so that the child does not wait to be heard. False if that took too
+    /// long. `wait` tells how it ended.
+    bool waitForEnd(std::chrono::milliseconds patience);
+
+    /// Asks, waits up to three seconds and kills; then the stream is at its end.
     void end();
 
     /// Waits for the child's end and gives its exit status, for a child that a signal ended 128 and
@@ -74,15 +93,11 @@ public:
     /// ignores the signal of that, or after `end` or another `wait`.
     int wait();
 
-    /// Asks every child of this process that runs, and what it has started itself, to end
-    /// (SIGTERM). Any thread.
-    static void endAll();
-
 private:
     class Pipe;
 
-    /// Returns early where the child has ended.
-    void waitForEnd(std::chrono::milliseconds time) const;
+    bool dropWhatComes();
+    bool hasEnded() const;
     std::optional<int> reap();
 
     std::unique_ptr<Pipe> pipe_;

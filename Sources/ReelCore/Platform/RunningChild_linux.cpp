@@ -1,10 +1,10 @@
+#include "ReelCore/Platform/ProcessCleanup.h"
 #include "ReelCore/Platform/RunningChild.h"
 #include "ReelCore/Platform/SystemError.h"
 
 #include <array>
 #include <cerrno>
 #include <csignal>
-#include <mutex>
 #include <optional>
 #include <thread>
 
@@ -20,39 +20,7 @@ namespace ReelCore {
 
 namespace {
 
-/// The children that some thread waits for. A child leaves the list before it is reaped, so that
-/// its number can't belong to somebody else when endAll uses it.
-class RunningChildren {
-public:
-    static RunningChildren& shared() {
-        static RunningChildren children;
-        return children;
-    }
-
-    /// Starts a child and puts it on the list in one step: endAll finds it or comes before it.
-    template <class Start>
-    pid_t add(Start start) {
-        const std::lock_guard guard(lock_);
-        // First the room: a child that has no place on the list would run on unseen.
-        children_.reserve(children_.size() + 1);
-        children_.push_back(start());
-        return children_.back();
-    }
-
-    void remove(pid_t child) {
-        const std::lock_guard guard(lock_);
-        std::erase(children_, child);
-    }
-
-    void end() {
-        const std::lock_guard guard(lock_);
-        for (const pid_t child : children_) ::kill(-child, SIGTERM);
-    }
-
-private:
-    std::mutex lock_;
-    std::vector<pid_t> children_;
-};
+constexpr std::chrono::milliseconds betweenLooks(5);
 
 class SpawnActions {
 public:
@@ -103,6 +71,7 @@ std::vector<char*> argumentVector(const URL& program, const std::vector<std::str
 struct Descriptors {
     int output;
     int error;
+    int input;
 };
 
 /// The same stream under a number that is no standard stream's: those are taken for the child's own
@@ -132,16 +101,18 @@ void connect(SpawnActions& actions, int descriptor, int stream) {
     if (descriptor >= 0) {
         ::posix_spawn_file_actions_adddup2(actions.get(), descriptor, stream);
     } else {
-        ::posix_spawn_file_actions_addopen(actions.get(), stream, "/dev/null", O_WRONLY, 0);
+        const int access = stream == STDIN_FILENO ? O_RDONLY : O_WRONLY;
+        ::posix_spawn_file_actions_addopen(actions.get(), stream, "/dev/null", access, 0);
     }
 }
 
 pid_t start(const URL& program, const std::vector<std::string>& arguments, Descriptors streams) {
     const RaisedDescriptor output(streams.output);
     const RaisedDescriptor error(streams.error);
+    const RaisedDescriptor input(streams.input);
     const SpawnAttributes attributes;
     SpawnActions actions;
-    ::posix_spawn_file_actions_addopen(actions.get(), STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+    connect(actions, input.number(), STDIN_FILENO);
     connect(actions, output.number(), STDOUT_FILENO);
     connect(actions, error.number(), STDERR_FILENO);
     ::posix_spawn_file_actions_addclosefrom_np(actions.get(), STDERR_FILENO + 1);
@@ -199,8 +170,10 @@ RunningChild::RunningChild(const URL& program, const std::vector<std::string>& a
     const auto descriptor = [&](const ChildStream& stream) {
         return stream.kind_ == ChildStream::Kind::pipe ? pipe_->writeEnd() : stream.descriptor_;
     };
-    const Descriptors descriptors{descriptor(streams.output), descriptor(streams.error)};
-    number_ = RunningChildren::shared().add([&] { return start(program, arguments, descriptors); });
+    const Descriptors descriptors{descriptor(streams.output), descriptor(streams.error),
+                                  streams.input};
+    number_ =
+        ProcessCleanup::shared().addChild([&] { return start(program, arguments, descriptors); });
     pipe_->closeWriteEnd();
 }
 
@@ -214,22 +187,37 @@ std::optional<std::size_t> RunningChild::read(std::span<char> into,
 }
 
 std::string RunningChild::readAll() {
-    constexpr std::chrono::milliseconds withoutEnd(-1);
     std::string text;
+    readAll([&](std::string_view piece) { text += piece; });
+    return text;
+}
+
+void RunningChild::readAll(const std::function<void(std::string_view)>& take) {
+    constexpr std::chrono::milliseconds withoutEnd(-1);
     std::array<char, 65536> block;
     for (;;) {
         const auto count = pipe_->read(block, withoutEnd);
-        if (count == 0U) return text;
-        if (count) text.append(block.data(), *count);
+        if (count == 0U) return;
+        if (count) take({block.data(), *count});
     }
 }
 
-void RunningChild::end() {
-    pipe_->closeReadEnd();
+void RunningChild::askToEnd() {
     if (isReaped_) return;
     ::kill(-number_, SIGTERM);
-    waitForEnd(std::chrono::milliseconds(500));
-    ::kill(-number_, SIGKILL);
+    // One that is stopped hears of it only when it goes on.
+    ::kill(-number_, SIGCONT);
+}
+
+void RunningChild::kill() {
+    if (!isReaped_) ::kill(-number_, SIGKILL);
+}
+
+void RunningChild::end() {
+    askToEnd();
+    waitForEnd(std::chrono::seconds(3));
+    kill();
+    pipe_->closeReadEnd();
     static_cast<void>(reap());
 }
 
@@ -239,19 +227,32 @@ int RunningChild::wait() {
     return WIFEXITED(*status) ? WEXITSTATUS(*status) : 128 + WTERMSIG(*status);
 }
 
-void RunningChild::endAll() {
-    RunningChildren::shared().end();
+bool RunningChild::waitForEnd(std::chrono::milliseconds patience) {
+    const auto limit = std::chrono::steady_clock::now() + patience;
+    for (bool isAtEnd = false;;) {
+        isAtEnd = isAtEnd || dropWhatComes();
+        if (isAtEnd && hasEnded()) return true;
+        if (std::chrono::steady_clock::now() >= limit) return false;
+        if (isAtEnd) std::this_thread::sleep_for(betweenLooks);
+    }
 }
 
-void RunningChild::waitForEnd(std::chrono::milliseconds time) const {
-    const auto limit = std::chrono::steady_clock::now() + time;
-    do {
-        siginfo_t ended{};
-        const int failure =
-            ::waitid(P_PID, static_cast<id_t>(number_), &ended, WEXITED | WNOWAIT | WNOHANG);
-        if (failure != 0 || ended.si_pid != 0) return;
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    } while (std::chrono::steady_clock::now() < limit);
+/// True at the end of the stream.
+bool RunningChild::dropWhatComes() {
+    std::array<char, 65536> block;
+    try {
+        return pipe_->read(block, betweenLooks) == 0U;
+    } catch (const Error&) {
+        return true;
+    }
+}
+
+bool RunningChild::hasEnded() const {
+    if (isReaped_) return true;
+    siginfo_t ended{};
+    const int failure =
+        ::waitid(P_PID, static_cast<id_t>(number_), &ended, WEXITED | WNOWAIT | WNOHANG);
+    return failure != 0 || ended.si_pid != 0;
 }
 
 /// Absent, with `errno` set, if the system does not tell, or has told before: the number may then
@@ -265,7 +266,7 @@ std::optional<int> RunningChild::reap() {
     while (::waitid(P_PID, static_cast<id_t>(number_), &ended, WEXITED | WNOWAIT) != 0 &&
            errno == EINTR) {
     }
-    RunningChildren::shared().remove(number_);
+    ProcessCleanup::shared().removeChild(number_);
     isReaped_ = true;
     int status = 0;
     while (::waitpid(number_, &status, 0) < 0) {

@@ -1,5 +1,7 @@
 #include "ReelCore/Platform/TemporaryPath.h"
 
+#include "ReelCore/Platform/FileSystem.h"
+#include "ReelCore/Platform/ProcessCleanup.h"
 #include "ReelCore/Platform/SystemError.h"
 
 #include <array>
@@ -28,17 +30,20 @@ URL temporaryFolder() {
     std::error_code failure;
     URL folder = std::filesystem::temp_directory_path(failure);
     if (failure) throw SystemError(failure.value(), folder);
-    return folder;
+    return FileSystem::absolute(folder);
 }
 
 }  // namespace
 
 TemporaryPath::TemporaryPath(std::string_view prefix, std::string_view suffix)
-    : url_(temporaryFolder() / fmt::format("{}{}{}", prefix, freshUUID(), suffix)) {}
+    : url_(temporaryFolder() / fmt::format("{}{}{}", prefix, freshUUID(), suffix)) {
+    ProcessCleanup::shared().addPath(url_);
+}
 
 TemporaryPath::~TemporaryPath() {
     std::error_code ignored;
     std::filesystem::remove_all(url_, ignored);
+    ProcessCleanup::shared().removePath(url_);
 }
 
 }  // namespace ReelCore

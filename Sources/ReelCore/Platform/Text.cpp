@@ -47,15 +47,6 @@ icu::UnicodeString composed(const icu::UnicodeString& text) {
     return result;
 }
 
-/// Composed on both sides: folding takes some letters apart, and does not know others that are.
-std::string caseFolded(std::string_view text) {
-    if (!isASCII(text)) return encode(composed(composed(decode(text)).foldCase()));
-    std::string folded(text);
-    std::ranges::transform(folded, folded.begin(),
-                           [](char c) { return c >= 'A' && c <= 'Z' ? c + ('a' - 'A') : c; });
-    return folded;
-}
-
 /// Walks the ends of the grapheme clusters of `text` (already well formed): `visit` gets the byte
 /// position behind each and returns whether to go on.
 template <class Visit>
@@ -159,17 +150,6 @@ bool Text::isLeftToRight(std::string_view text) {
 std::string Text::orderingKey(std::string_view text) {
     if (isASCII(text)) return std::string(text);
     return encode(composed(decode(text)));
-}
-
-std::string Text::alikeKey(std::string_view path) {
-    const std::string folded = caseFolded(path);
-    std::string key;
-    for (const char c : folded + "/") {
-        if (c == '/') key.resize(key.find_last_not_of(". ") + 1);
-        key += c;
-    }
-    key.pop_back();
-    return key;
 }
 
 std::string Text::upperCased(std::string_view text) {

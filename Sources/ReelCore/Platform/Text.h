@@ -37,11 +37,6 @@ struct Text {
     /// form (NFC).
     static std::string orderingKey(std::string_view text);
 
-    /// A key that two paths share if some file system may take them for one: they differ only in
-    /// the case of letters, in how accented letters are composed, or in dots and blanks at the end
-    /// of a part.
-    static std::string alikeKey(std::string_view path);
-
     /// The text in upper case, by the rules of no particular language.
     static std::string upperCased(std::string_view text);
 

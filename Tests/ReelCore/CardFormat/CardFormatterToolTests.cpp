@@ -87,6 +87,19 @@ TEST_F(CardFormatterExecute, OpenGateAndConfirmed_PassesExactlyFourArguments) {
     EXPECT_EQ(said, "erased\n");
 }
 
+TEST_F(CardFormatterExecute, CardThatIsHeld_ComesOnTheToolsInputBesideTheFourArguments) {
+    const FakeTool tool("readlink /proc/$$/fd/0\n");
+    const TemporaryFolder card;
+
+    const std::string with =
+        CardFormatter::execute(plan, openGate, true, false, HeldCard(card.path()));
+    const std::string without = CardFormatter::execute(plan, openGate, true, false);
+
+    EXPECT_EQ(with.substr(0, 8), "socket:[");
+    EXPECT_EQ(without, "/dev/null\n");
+    EXPECT_EQ(tool.arguments(), "[eraseVolume][MS-DOS FAT32][o'clock $HOME][/media/card one]");
+}
+
 TEST_F(CardFormatterExecute, NameAndPathThatAreNoUTF8_ArePassedAsTheyStand) {
     const FakeTool tool("");
     const auto odd = CardFormatter::plan("/media/\xFF", "", FileSystem::exFAT);

@@ -194,28 +194,6 @@ TEST(ChildProcess, ManyThreads_GetEachItsOwnOutcome) {
     }
 }
 
-TEST(ChildProcess, EndAll_EndsTheChildThatAThreadWaitsFor) {
-    const TemporaryFolder folder;
-    const URL started = folder.path() / "started";
-    auto run = std::async(std::launch::async, [&] {
-        return shell("touch '" + started.native() + "'; exec sleep 600");
-    });
-    while (!std::filesystem::exists(started)) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
-
-    ChildProcess::endAll();
-
-    EXPECT_EQ(run.get().status, 128 + SIGTERM);
-}
-
-TEST(ChildProcess, EndAllWithNothingRunning_DoesNothing) {
-    shell("true");
-    ChildProcess::endAll();
-
-    EXPECT_EQ(shell("exit 3").status, 3);
-}
-
 }  // namespace
 
 }  // namespace ReelCore

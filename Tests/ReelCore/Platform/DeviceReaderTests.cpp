@@ -1,19 +1,25 @@
 #include "ReelCore/Platform/DeviceReader.h"
 
+#include "ReelCore/Platform/AlignedBuffer.h"
 #include "ReelCore/Platform/SystemError.h"
 #include "Support/FaultyFileSystem.h"
 #include "Support/FileCache.h"
 #include "Support/FolderTree.h"
+#include "Support/Forked.h"
 #include "Support/LoopMount.h"
 #include "Support/Tool.h"
 
 #include <cerrno>
 #include <cstdlib>
+#include <functional>
 #include <optional>
 #include <string>
+#include <utility>
 
+#include <grp.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 using namespace ReelCore;
 using namespace TestSupport;
@@ -23,7 +29,10 @@ namespace {
 constexpr std::size_t blockSize = 65536;
 
 std::string readAll(const URL& path, std::size_t size = blockSize) {
-    DeviceReader reader(path, size);
+    File file = File::openForReading(path);
+    const DriveCache cache(file.descriptor());
+    const AlignedBuffer memory(size);
+    DeviceReader reader(std::move(file), cache, memory.bytes().first(size));
     std::string content;
     for (auto block = reader.next(); !block.empty(); block = reader.next()) {
         content.append(reinterpret_cast<const char*>(block.data()), block.size());
@@ -61,7 +70,10 @@ TEST(DeviceReader, Read_AnySizeAndBlock_GivesTheWholeFileOnce) {
 TEST(DeviceReader, Read_AfterTheEnd_GivesNothingAgain) {
     TemporaryFolder folder;
     writeFile(folder.path() / "clip", "abc");
-    DeviceReader reader(folder.path() / "clip", blockSize);
+    File file = File::openForReading(folder.path() / "clip");
+    const DriveCache cache(file.descriptor());
+    const AlignedBuffer memory(blockSize);
+    DeviceReader reader(std::move(file), cache, memory.bytes());
 
     EXPECT_EQ(reader.next().size(), 3U);
     EXPECT_TRUE(reader.next().empty());
@@ -111,7 +123,8 @@ private:
 };
 
 INSTANTIATE_TEST_SUITE_P(FileSystems, DeviceReaderOnLoop,
-                         testing::Values(std::pair{"ext4", 16}, std::pair{"xfs", 300}),
+                         testing::Values(std::pair{"ext4", 16}, std::pair{"xfs", 300},
+                                         std::pair{"ntfs", 16}),
                          [](const auto& one) { return std::string(one.param.first); });
 
 TEST_P(DeviceReaderOnLoop, Read_ByteChangedOnTheDevice_IsSeenPastAHotCache) {
@@ -132,6 +145,20 @@ TEST_P(DeviceReaderOnLoop, Read_FileWrittenJustNow_IsFlushedFirst) {
     writeFile(clip, content);
 
     EXPECT_TRUE(readAll(clip) == content);
+}
+
+// What decides whether a commit may wait: no other flush than this one stands before the look at
+// the device.
+TEST_P(DeviceReaderOnLoop, Pass_FileWrittenJustNow_IsOnTheDeviceWithoutAnyOtherFlush) {
+    const std::string content = noise(300'001);
+    const std::string piece = content.substr(150'000, 64);
+    const URL clip = drive().path() / "clip";
+    writeFile(clip, content);
+    File file = File::openForReading(clip);
+
+    DriveCache(file.descriptor()).pass(file);
+
+    EXPECT_NE(readFile(drive().image()).find(piece), std::string::npos);
 }
 
 TEST_P(DeviceReaderOnLoop, Read_WholeFile_LeavesTheCacheNoFuller) {
@@ -173,6 +200,13 @@ TEST(DeviceReader, Read_FileSystemWithItsContentsInTheJournal_StillPassesAHotCac
 
 namespace {
 
+int statusAsSomebodyElse(const std::function<int()>& body) {
+    return statusOfForked([&] {
+        if (::setgroups(0, nullptr) != 0 || ::setuid(12345) != 0) return 255;
+        return body();
+    });
+}
+
 class DeviceReaderOnFaultyDrive : public testing::Test {
 protected:
     void SetUp() override {
@@ -187,6 +221,18 @@ private:
 };
 
 }  // namespace
+
+TEST(DriveCache, DriveServedByAProgram_IsPassedByWhoMayOpenItsDeviceOnly) {
+    if (!LoopMount::isAvailable()) GTEST_SKIP() << "needs root and loop devices";
+    if (!hasTool("ntfs-3g")) GTEST_SKIP() << "needs ntfs-3g";
+    const LoopMount drive("ntfs", 16, "rw,allow_other");
+    const HeldFolder folder(drive.path());
+
+    EXPECT_TRUE(DriveCache(folder.descriptor()).canBePassed());
+    EXPECT_EQ(
+        statusAsSomebodyElse([&] { return DriveCache(folder.descriptor()).canBePassed() ? 1 : 0; }),
+        0);
+}
 
 TEST_F(DeviceReaderOnFaultyDrive, Read_WithoutDirectReads_StillPassesAHotCache) {
     const FaultyFileSystem drive(back(), mount(), {.refuseDirectReads = true, .keepCache = true});

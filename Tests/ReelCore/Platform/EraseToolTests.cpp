@@ -2,6 +2,7 @@
 
 #include "ReelCore/Platform/SystemError.h"
 #include "Support/Forked.h"
+#include "Support/LoopMount.h"
 #include "Support/SystemServices.h"
 
 #include <cerrno>
@@ -32,6 +33,21 @@ TEST(EraseTool, SystemWithOne_NamesThat) {
         {.diskService = {}, .programs = {{"diskutil", "exit 0\n"}}});
 
     EXPECT_EQ(eraseTool(), "/usr/sbin/diskutil");
+}
+
+TEST(EraseTool, SystemsOwnTool_FindsTheCardLetGoAndAnEmptyInput) {
+    const std::string missing = TestSupport::SystemServices::missing();
+    if (!missing.empty()) GTEST_SKIP() << missing;
+    const TestSupport::SystemServices system(
+        {.diskService = {},
+         .programs = {{"diskutil", "readlink /proc/$$/fd/0\numount \"$1\" && echo unmounted\n"}}});
+    TestSupport::LoopMount reader("ext4", 16);
+    const URL card = reader.image().parent_path() / "card";
+    reader.mountAgainAt(card);
+
+    const auto outcome = runEraseTool({card.native()}, HeldCard(card));
+
+    EXPECT_EQ(outcome.output, "/dev/null\nunmounted\n");
 }
 
 TEST(EraseTool, ProgramThatCanNotFindItself_IsAFailureAndNoRelativePath) {

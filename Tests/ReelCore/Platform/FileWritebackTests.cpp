@@ -2,13 +2,20 @@
 #include "ReelCore/Platform/SystemError.h"
 #include "Support/FileCache.h"
 #include "Support/FolderTree.h"
+#include "Support/Forked.h"
 #include "Support/LoopMount.h"
 #include "Support/Tool.h"
 
 #include <cerrno>
+#include <cstddef>
 #include <cstdlib>
+#include <iterator>
 
 #include <gtest/gtest.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <sys/prctl.h>
+#include <sys/syscall.h>
 
 namespace {
 
@@ -45,6 +52,32 @@ TEST(FileWriteback, EmptyOrUnwrittenRange_IsFine) {
     file.finishWriteback(1 << 20, 4096);
 
     EXPECT_EQ(readFile(folder.path() / "clip"), "abc");
+}
+
+/// From here on this process's kernel knows no sync_file_range.
+void forgetSyncFileRange() {
+    sock_filter program[] = {
+        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, __NR_sync_file_range, 0, 1),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | ENOSYS),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
+    };
+    const sock_fprog filter{std::size(program), program};
+    if (::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0) throwSystemError();
+    if (::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter) != 0) throwSystemError();
+}
+
+TEST(FileWriteback, KernelWithoutTheCall_NothingFails) {
+    const int status = statusOfForked([] {
+        forgetSyncFileRange();
+        const TemporaryFolder folder;
+        File file = File::create(folder.path() / "clip");
+        file.write(bytesOf("abc"));
+        file.beginWriteback(0, 3);
+        return file.finishWriteback(0, 3) ? 1 : 0;
+    });
+
+    EXPECT_EQ(status, 0);
 }
 
 /// Memory that temporary folders lie in for one test, so little that it soon runs full.

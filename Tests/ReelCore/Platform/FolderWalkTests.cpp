@@ -31,7 +31,7 @@ using Found = std::map<std::string, std::int64_t>;
 
 std::optional<Found> walk(const URL& root) {
     Found found;
-    const bool opened = walkFolder(
+    const auto opened = walkFolder(
         root, [](std::string_view name) { return name == "ignored"; },
         [&](const WalkedFile& file) { found[file.relativePath] = file.size; });
     if (!opened) return std::nullopt;
@@ -119,7 +119,20 @@ TEST_F(FolderWalkTest, Walk_Tree_LeavesAllAccessDates) {
     EXPECT_EQ(snapshotOf(at("card")), before);
 }
 
-TEST_F(FolderWalkTest, Walk_UnreadableFolder_IsPassedOverInSilence) {
+TEST_F(FolderWalkTest, Walk_UnreadableFolders_AreCountedAndTheFirstByItsPathIsTold) {
+    if (!FaultyFileSystem::isAvailable()) GTEST_SKIP() << "needs FUSE";
+    writeTree(at("back"), {{"z/bad/1", ""}, {"a/bad/2", ""}, {"m/good/3", ""}});
+    const FaultyFileSystem card(at("back"), at("card"), {.failListingOf = "bad"});
+    const auto unreadBelow = [](const URL& root) {
+        return walkFolder(
+            root, [](auto) { return false; }, [](const WalkedFile&) {});
+    };
+
+    EXPECT_EQ(unreadBelow(card.path()), (UnreadFolders{2, "a/bad"}));
+    EXPECT_EQ(unreadBelow(card.path() / "m"), UnreadFolders{});
+}
+
+TEST_F(FolderWalkTest, Walk_UnreadableFolder_IsPassedOver) {
     if (::geteuid() != 0) GTEST_SKIP() << "needs root to become another user";
     writeTree(at(""), {{"open/a", ""}, {"shut/b", ""}});
     ASSERT_EQ(::chmod(at("").c_str(), 0755), 0);

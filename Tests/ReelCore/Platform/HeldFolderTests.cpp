@@ -1,5 +1,6 @@
 #include "ReelCore/Platform/HeldFolder.h"
 
+#include "ReelCore/Platform/FileSystem.h"
 #include "ReelCore/Platform/SystemError.h"
 #include "Support/FolderTree.h"
 #include "Support/LoopMount.h"
@@ -72,4 +73,57 @@ TEST(HeldFolder, Hold_FolderOnADrive_KeepsTheDriveFromBeingUnmounted) {
 
     EXPECT_NE(runTool("umount", {drive.path().native()}).status, 0);
     EXPECT_TRUE(held.isStillThere());
+}
+
+TEST(HeldFolder, Below_LinkOnTheWay_IsRefusedWhereverItLeads) {
+    TemporaryFolder folder;
+    fs::create_directories(folder.path() / "a/b");
+    fs::create_symlink("a", folder.path() / "link");
+    const HeldFolder held(folder.path());
+
+    EXPECT_EQ(held.below("a/b", MissingFolders::refuse).identity(),
+              HeldFolder(folder.path() / "a/b").identity());
+    EXPECT_EQ(held.below("", MissingFolders::refuse).identity(), held.identity());
+    EXPECT_THROW(held.below("link", MissingFolders::refuse), SystemError);
+    EXPECT_THROW(held.below("link/b", MissingFolders::make), SystemError);
+    EXPECT_THROW(held.below("a/gone", MissingFolders::refuse), SystemError);
+}
+
+TEST(HeldFolder, Below_MissingFolders_AreMadeInTheFolderThatIsHeld) {
+    TemporaryFolder folder;
+    fs::create_directory(folder.path() / "reel");
+    const HeldFolder held(folder.path() / "reel");
+    fs::rename(folder.path() / "reel", folder.path() / "moved");
+    fs::create_directory(folder.path() / "reel");
+
+    held.below("x/y", MissingFolders::make);
+
+    EXPECT_TRUE(fs::is_directory(folder.path() / "moved/x/y"));
+    EXPECT_TRUE(fs::is_empty(folder.path() / "reel"));
+}
+
+TEST(HeldFolder, Find_TellsAnEntryAndNotWhatALinkLeadsTo) {
+    TemporaryFolder folder;
+    writeFile(folder.path() / "file", "");
+    fs::create_symlink("file", folder.path() / "link");
+    const HeldFolder held(folder.path());
+
+    ASSERT_TRUE(held.find("file"));
+    EXPECT_EQ(held.find("file")->identity, FileSystem::identity(folder.path() / "file"));
+    ASSERT_TRUE(held.find("link"));
+    EXPECT_NE(held.find("link")->identity, held.find("file")->identity);
+    EXPECT_FALSE(held.find("gone"));
+}
+
+TEST(HeldFolder, Lock_IsForOneHolderAndGoesWithIt) {
+    TemporaryFolder folder;
+    const HeldFolder second(folder.path());
+    {
+        const HeldFolder first(folder.path());
+        EXPECT_TRUE(first.lock(FolderLock::alone));
+        EXPECT_TRUE(first.lock(FolderLock::alone)) << "its own";
+        EXPECT_FALSE(second.lock(FolderLock::alone));
+        EXPECT_FALSE(second.lock(FolderLock::shared));
+    }
+    EXPECT_TRUE(second.lock(FolderLock::alone));
 }

@@ -1,11 +1,8 @@
 #include "ReelCore/Platform/Number.h"
 
-#include "Support/EnvironmentVariable.h"
-#include "Support/FolderTree.h"
-#include "Support/Tool.h"
+#include "Support/CommaLocale.h"
 
 #include <bit>
-#include <clocale>
 #include <cmath>
 #include <limits>
 #include <random>
@@ -93,31 +90,8 @@ TEST(ShortestDecimal, AnyFiniteNumber_ReadsBackAsTheSame) {
     }
 }
 
-/// A locale of this process in which a comma stands before the fraction, as long as it lives. Made
-/// for the test, since few machines have one.
-class CommaLocale {
-public:
-    CommaLocale() {
-        if (!TestSupport::hasTool("localedef")) return;
-        const std::string locale = (folder_.path() / "de_DE.UTF-8").native();
-        TestSupport::runTool("localedef", {"-i", "de_DE", "-f", "UTF-8", locale});
-        isThere_ = std::setlocale(LC_ALL, "de_DE.UTF-8") != nullptr &&
-                   std::string_view(std::localeconv()->decimal_point) == ",";
-    }
-    ~CommaLocale() { std::setlocale(LC_ALL, "C"); }
-    CommaLocale(const CommaLocale&) = delete;
-    CommaLocale& operator=(const CommaLocale&) = delete;
-
-    bool isThere() const { return isThere_; }
-
-private:
-    TestSupport::TemporaryFolder folder_;
-    TestSupport::EnvironmentVariable path_{"LOCPATH", folder_.path().native()};
-    bool isThere_ = false;
-};
-
 TEST(Number, LocaleOfTheProcess_DoesNotMatter) {
-    const CommaLocale locale;
+    const TestSupport::CommaLocale locale;
     if (!locale.isThere())
         GTEST_SKIP() << "needs localedef and the sources of de_DE (package locales)";
 

@@ -191,25 +191,6 @@ TEST(TextOrderingKey, MalformedBytes_OrderAsReplacements) {
     EXPECT_EQ(Text::orderingKey("a\xFF"), "a" + replacement);
 }
 
-TEST(TextAlikeKey, CaseCompositionAndEndsOfParts_DoNotMatter) {
-    const auto areAlike = [](std::string_view one, std::string_view other) {
-        return Text::alikeKey(one) == Text::alikeKey(other);
-    };
-
-    EXPECT_TRUE(areAlike("DCIM/CLIP.MOV", "dcim/Clip.mov"));
-    EXPECT_TRUE(areAlike("A./B. . /c ", "a/b/C"));
-    EXPECT_TRUE(areAlike(composedE, decomposedE));
-    EXPECT_TRUE(areAlike("\u00C9", decomposedE));
-    EXPECT_TRUE(areAlike("\u1E9E", "\u00DF"));  // Sharp s, capital and small.
-    EXPECT_TRUE(areAlike("\u03A3", "\u03C2"));  // Sigma, capital and final.
-    EXPECT_FALSE(areAlike("a/b", "a.b"));
-    EXPECT_FALSE(areAlike("a/b", "ab"));
-    EXPECT_FALSE(areAlike(" a", "a"));
-    EXPECT_FALSE(areAlike(".a", "a"));
-    EXPECT_FALSE(areAlike("e", composedE));
-    EXPECT_EQ(Text::alikeKey(""), "");
-}
-
 TEST(TextUpperCased, FollowsNoParticularLanguage) {
     EXPECT_EQ(Text::upperCased("dcim_iI"), "DCIM_II");
     EXPECT_EQ(Text::upperCased("é"), "É");
