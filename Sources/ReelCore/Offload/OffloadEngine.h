@@ -9,8 +9,6 @@
 
 namespace ReelCore {
 
-class ReelFolder;
-
 /// Copies a card to several drives in one read pass, then proves every copy: each file is read
 /// back from its device, past the file cache, and its checksum compared with the source's.
 /// Nothing counts as copied until that has matched.
@@ -31,18 +29,22 @@ public:
 
     /// Runs a whole offload: scan, reel folders, then for each file copy and read-back, and at the
     /// end, once every drive has been flushed, a hash list in each reel folder. A read-back that
-    /// fails or differs is recorded in the result and never repaired. A hash list that can't be
-    /// written is left out, and so is one that would replace a proved copy of the card's own file
-    /// of that name. Every other failure ends the run:
+    /// fails or differs is recorded in the result and never repaired; where the last flush of a
+    /// drive fails, all its copies count as unproved. A hash list that can't be written is left
+    /// out, and so is one that would replace a proved copy of the card's own file of that name: the
+    /// result tells both. Card and reel folders are held for the whole run, and a reel folder takes
+    /// no second run. Every other failure ends the run:
     ///
     /// - OffloadError::NoDestinations, before anything else;
     /// - OffloadError::SourceNotFound, or the scan's SystemError;
-    /// - OffloadError::DestinationNotWritable if a reel folder can't be made, or if it, or a folder
-    ///   below it that a copy would go to, lies in the source, whatever links or mounts lead there,
-    ///   or if it lies in another reel folder and would replace copies there;
-    /// - SystemError if a folder for a file can't be made on a drive;
-    /// - OffloadError::ReadFailed, WriteFailed; the latter also if a drive takes two names of the
-    ///   card for one, or if a drive whose copies all match can't be flushed at the end;
+    /// - OffloadError::DestinationNotWritable if a reel folder can't be made or another run is in
+    ///   it, if it lies in another reel folder, or if it, or a folder below it that a copy would go
+    ///   to, lies in the source, whatever links or mounts lead there;
+    /// - SystemError if a folder for a file can't be made on a drive, or a link stands there;
+    /// - OffloadError::ReadFailed, also if another card stands in the place of this one, or if a
+    ///   file ends before the size that the scan gave. One that has grown is copied whole, and the
+    ///   result has its size as copied;
+    /// - OffloadError::WriteFailed, also if the copy would replace one that this run has proved;
     /// - OffloadError::Cancelled, at the next check before a file, a block or a read-back.
     ///
     /// After a failure there is no result and no hash list; what was copied stays, a file that was
@@ -68,8 +70,6 @@ public:
 
 private:
     void throwIfCancelled() const;
-    DestinationResult readBack(const ReelFolder& reel, const URL& target, HashAlgorithm algorithm,
-                               const std::string& sourceHash) const;
 };
 
 }  // namespace ReelCore

@@ -15,6 +15,7 @@ struct OffloadErrorCases {
     };
     struct DestinationNotWritable {
         URL destination;
+        std::string reason = {};  ///< A sentence beside the description; may be empty.
         std::string description() const;
     };
     struct ReadFailed {

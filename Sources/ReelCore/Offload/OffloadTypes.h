@@ -4,6 +4,8 @@
 #include "ReelCore/Models/CameraFormat.h"
 #include "ReelCore/Models/MediaFile.h"
 #include "ReelCore/Platform/Date.h"
+#include "ReelCore/Platform/FileStamp.h"
+#include "ReelCore/Platform/FolderWalk.h"
 #include "ReelCore/Platform/URL.h"
 
 #include <cstdint>
@@ -31,6 +33,8 @@ struct DestinationResult {
     std::optional<std::string> readBackHash;  ///< Absent if the read-back failed.
     bool matches = false;              ///< True only if the read-back hash equals the source's.
     std::optional<std::string> error;  ///< Why the read-back failed; otherwise absent.
+    /// The copy as it stood when it matched; otherwise absent.
+    std::optional<FileStamp> proved = {};
 
     bool operator==(const DestinationResult&) const = default;
 };
@@ -47,6 +51,20 @@ struct FileVerification {
     bool verified() const;
 };
 
+/// What a run has to say of one destination beside its files.
+struct DestinationState {
+    /// What became of the hash list. `cardHasItsName`: the card brought a file of that name, and
+    /// its proved copy was kept instead. `notWritten`: there is none, whole or in part.
+    enum class HashList { written, cardHasItsName, notWritten };
+
+    /// False if this process could not see to it that the read-back met the device: the drive is
+    /// served by a program over a block device whose cached pages it may not let go of.
+    bool readPastTheCache = true;
+    HashList hashList = HashList::notWritten;
+
+    bool operator==(const DestinationState&) const = default;
+};
+
 /// The outcome of a run that came to its end.
 struct OffloadResult {
     OffloadRequest request;
@@ -54,6 +72,11 @@ struct OffloadResult {
     std::vector<FileVerification> files;  ///< In scan order.
     Date startedAt;                       ///< Taken before the scan.
     Date finishedAt;                      ///< Taken after the last read-back.
+
+    /// One a destination, in request order.
+    std::vector<DestinationState> destinationStates = {};
+    /// What the scan of the card passed over.
+    UnreadFolders unreadFolders = {};
 
     bool operator==(const OffloadResult&) const = default;
 

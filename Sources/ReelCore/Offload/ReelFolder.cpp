@@ -1,7 +1,11 @@
 #include "ReelCore/Offload/ReelFolder.h"
 
 #include "ReelCore/Offload/OffloadError.h"
+#include "ReelCore/Platform/FileSystem.h"
 #include "ReelCore/Platform/SystemError.h"
+
+#include <system_error>
+#include <utility>
 
 namespace ReelCore {
 
@@ -17,8 +21,13 @@ URL append(const URL& folder, const std::string& part) {
 
 ReelFolder::ReelFolder(const FileLocation& source, const URL& destination,
                        const std::string& reelName)
-    : source_(source), destination_(destination), path_(append(destination, reelName)) {
-    if (destination.empty()) throw OffloadError(OffloadError::DestinationNotWritable{destination});
+    : source_(source),
+      destination_(destination),
+      reelName_(reelName),
+      path_(append(destination, reelName)) {
+    if (destination.empty()) {
+        throw OffloadError(OffloadError::DestinationNotWritable{destination, ""});
+    }
 }
 
 void ReelFolder::requireOutsideSource() const {
@@ -29,7 +38,9 @@ void ReelFolder::requireOutsideSource() const {
             return true;
         }
     }();
-    if (within) throw OffloadError(OffloadError::DestinationNotWritable{destination_});
+    if (!within) return;
+    throw OffloadError(OffloadError::DestinationNotWritable{
+        destination_, "The reel folder would lie on the card itself."});
 }
 
 bool ReelFolder::liesInSource(const URL& path) const {
@@ -38,43 +49,66 @@ bool ReelFolder::liesInSource(const URL& path) const {
 
 void ReelFolder::create() {
     try {
-        FileSystem::createFolders(path_);
-        held_.emplace(path_);
+        FileSystem::createFolders(destination_);
+        const URL way = URL("/" + reelName_).relative_path();
+        HeldFolder folder = HeldFolder(destination_).below(way, MissingFolders::make);
+        cache_.emplace(folder.descriptor());
+        if (FileSystem::numbersFilesAnew(folder.descriptor())) numbersDoNotLastSince_ = now();
+        tree_.emplace(std::move(folder), MissingFolders::make);
     } catch (const SystemError&) {
-        throw OffloadError(OffloadError::DestinationNotWritable{destination_});
+        throw OffloadError(OffloadError::DestinationNotWritable{destination_, ""});
     }
+    try {
+        flush();
+    } catch (const SystemError&) {
+        // What others wrote and lost before this run says nothing about its copies.
+    }
+}
+
+void ReelFolder::lock() {
+    bool isOurs = tree_->root().lock(FolderLock::alone);
+    std::error_code failure;
+    const URL whole = std::filesystem::canonical(path_, failure);
+    for (URL folder = whole.parent_path(); isOurs && folder != folder.parent_path();
+         folder = folder.parent_path()) {
+        try {
+            isOurs = above_.emplace_back(folder).lock(FolderLock::shared);
+        } catch (const SystemError&) {
+            // Who may not open it can't make it a reel folder either.
+        }
+    }
+    if (isOurs) return;
+    throw OffloadError(OffloadError::DestinationNotWritable{
+        destination_, "Another offload is writing into this reel folder."});
 }
 
 bool ReelFolder::isStillThere() const {
-    return held_ && held_->isStillThere();
+    return tree_ && tree_->root().isStillThere();
 }
 
 void ReelFolder::flush() const {
-    try {
-        if (held_) held_->flushFileSystem();
-    } catch (const SystemError& error) {
-        throw OffloadError(OffloadError::WriteFailed{path_, error.sentence()});
-    }
+    tree_->root().flushFileSystem();
 }
 
 URL ReelFolder::targetFor(const std::string& relativePath) const {
     return append(path_, relativePath);
 }
 
-void ReelFolder::prepareParent(const URL& target) {
+const HeldFolder& ReelFolder::parentFor(const std::string& relativePath) {
+    if (tree_ && tree_->hasAtHand(relativePath)) return tree_->parentOf(relativePath);
+    const URL target = targetFor(relativePath);
     if (!isStillThere()) {
         throw OffloadError(OffloadError::WriteFailed{target, "the drive is no longer there"});
     }
-    const URL parent = target.parent_path();
-    const bool isPrepared = parent == preparedParent_ && preparedIdentity_ &&
-                            FileSystem::identity(parent) == preparedIdentity_;
-    if (isPrepared) return;
-    if (liesInSource(parent)) {
-        throw OffloadError(OffloadError::DestinationNotWritable{destination_});
+    if (liesInSource(target.parent_path())) {
+        throw OffloadError(OffloadError::DestinationNotWritable{
+            destination_, "A folder of the reel lies on the card itself."});
     }
-    FileSystem::createFolders(parent);
-    preparedParent_ = parent;
-    preparedIdentity_ = FileSystem::identity(parent);
+    return tree_->parentOf(relativePath);
+}
+
+bool ReelFolder::wasMadeHere(const HeldFolder::Entry& entry) const {
+    return numbersDoNotLastSince_ && entry.born && *entry.born > *numbersDoNotLastSince_;
 }
 
 }  // namespace ReelCore

@@ -1,30 +1,21 @@
 #include "ReelCore/Offload/SourceScanner.h"
 
 #include "ReelCore/Offload/OffloadError.h"
+#include "ReelCore/Platform/Arithmetic.h"
 #include "ReelCore/Platform/Fatal.h"
 #include "ReelCore/Platform/FileSystem.h"
 #include "ReelCore/Platform/FolderWalk.h"
-#include "ReelCore/Platform/HeldFolder.h"
 #include "ReelCore/Platform/SystemError.h"
 #include "ReelCore/Platform/Text.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <string>
 #include <utility>
 
 namespace ReelCore {
 
 namespace {
-
-/// Throws OffloadError::SourceNotFound unless a folder that can be opened stands at `root`.
-HeldFolder hold(const URL& root) {
-    try {
-        return HeldFolder(root);
-    } catch (const SystemError& error) {
-        if (error.isOwnLimit()) throw;
-        throw OffloadError(OffloadError::SourceNotFound{root});
-    }
-}
 
 CameraFormat cameraFormatOf(const URL& root) {
     try {
@@ -38,6 +29,12 @@ CameraFormat cameraFormatOf(const URL& root) {
 std::string pathBelow(const URL& root, std::string walkedPath) {
     if (root != root.root_path()) return walkedPath;
     return walkedPath.substr(walkedPath.rfind('/') + 1);
+}
+
+/// What a broken card says of its files' sizes must not end the process.
+void requireCountable(const std::vector<MediaFile>& files) {
+    std::int64_t total = 0;
+    for (const MediaFile& file : files) total = exactSum(total, file.size);
 }
 
 void sortByPath(std::vector<MediaFile>& files) {
@@ -68,16 +65,28 @@ bool SourceScanner::isIgnored(std::string_view name) {
     return std::ranges::find(ignoredNames, name) != ignoredNames.end();
 }
 
+HeldFolder SourceScanner::hold(const URL& root) {
+    try {
+        return HeldFolder(root);
+    } catch (const SystemError& error) {
+        // A name that is too long leads nowhere: nothing can stand there.
+        if (error.isOwnLimit() && error.code() != ENAMETOOLONG) throw;
+        throw OffloadError(OffloadError::SourceNotFound{root});
+    }
+}
+
 SourceScanner::ScanResult SourceScanner::scan(const URL& root) {
     const HeldFolder held = hold(root);
-    ScanResult result{root, {}, cameraFormatOf(root)};
+    ScanResult result{root, {}, cameraFormatOf(root), {}};
     const URL standardisedRoot = FileSystem::standardised(root);
-    const bool walked = walkFolder(root, isIgnored, [&](WalkedFile file) {
+    auto unread = walkFolder(root, isIgnored, [&](WalkedFile file) {
         result.files.push_back({pathBelow(standardisedRoot, std::move(file.relativePath)),
                                 file.size, file.modificationDate});
     });
     // Where a card has gone, the folders still to be read were passed over like unreadable ones.
-    if (!walked || !held.isStillThere()) throw OffloadError(OffloadError::SourceNotFound{root});
+    if (!unread || !held.isStillThere()) throw OffloadError(OffloadError::SourceNotFound{root});
+    requireCountable(result.files);
+    result.unreadFolders = *std::move(unread);
     sortByPath(result.files);
     return result;
 }

@@ -24,6 +24,10 @@ Column {
             text: view.model.errorMessage
             color: Theme.danger
         }
+        AttentionLines {
+            objectName: "offload.errorReason"
+            lines: view.model.errorReason === "" ? [] : [view.model.errorReason]
+        }
     }
     Loader {
         width: parent.width

@@ -31,6 +31,10 @@ Sheet {
                 + " drives, so this is safe — but it cannot be undone."
             wrapMode: Text.Wrap
         }
+        AttentionLines {
+            objectName: "sheet.weakerProofs"
+            lines: sheet.model.result?.weakerProofs ?? []
+        }
         Rectangle {
             visible: command.text !== ""
             width: parent.width

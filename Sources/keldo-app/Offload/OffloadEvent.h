@@ -18,6 +18,7 @@ struct OffloadEvent {
     };
     struct Failed {
         std::string description;
+        std::string reason = {};  ///< What there is to add to it; may be empty.
     };
 
     std::variant<Progress, Finished, Failed> value;

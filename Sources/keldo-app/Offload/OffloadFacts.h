@@ -68,6 +68,8 @@ struct ResultFacts {
     Q_PROPERTY(qint64 driveCount MEMBER driveCount)
     Q_PROPERTY(QString algorithm MEMBER algorithm)
     Q_PROPERTY(QStringList failedFiles MEMBER failedFiles)
+    Q_PROPERTY(QStringList weakerProofs MEMBER weakerProofs)
+    Q_PROPERTY(QStringList missingLists MEMBER missingLists)
 
 public:
     static ResultFacts of(const ReelCore::OffloadResult& result);
@@ -78,6 +80,8 @@ public:
     qint64 driveCount = 0;
     QString algorithm;
     QStringList failedFiles;
+    QStringList weakerProofs;  ///< A sentence for each drive whose read-back may be of memory.
+    QStringList missingLists;  ///< A sentence for each drive that has no new hash list.
 };
 
 /// The verdict on erasing.

@@ -2,6 +2,7 @@
 
 #include "ReelCore/CardFormat/EraseCheck.h"
 #include "ReelCore/Offload/OffloadEngine.h"
+#include "ReelCore/Offload/OffloadError.h"
 #include "ReelCore/Reports/Report.h"
 #include "ReelCore/Reports/ReportRenderer.h"
 #include "keldo-app/Support/Format.h"
@@ -50,13 +51,20 @@ std::vector<OffloadEvent> withoutStaleProgress(std::vector<OffloadEvent> events)
     return kept;
 }
 
+OffloadEvent::Failed failed(const ReelCore::OffloadError& error) {
+    const auto* refused = error.get<ReelCore::OffloadError::DestinationNotWritable>();
+    return {error.description(), refused ? refused->reason : ""};
+}
+
 QString erase(const CardFormatter::FormatPlan& plan, const CardFormatter::FormatGate& gate,
               const OffloadResult& result) {
     try {
-        if (const auto objection = ReelCore::EraseCheck::objection(result)) {
-            return QStringLiteral("✗ %1 Nothing was erased.").arg(Format::text(*objection));
+        auto finding = ReelCore::EraseCheck::look(result);
+        if (finding.objection) {
+            return QStringLiteral("✗ %1 Nothing was erased.").arg(Format::text(*finding.objection));
         }
-        const std::string output = CardFormatter::execute(plan, gate, true, false);
+        const std::string output =
+            CardFormatter::execute(plan, gate, true, false, std::move(finding.card));
         return QStringLiteral("✓ Card formatted as “%1”.\n%2")
             .arg(Format::text(plan.newName), Format::text(output));
     } catch (const std::exception& error) {
@@ -90,6 +98,8 @@ Job<OffloadEvent> OffloadJobs::offload(const ReelCore::OffloadRequest& request,
                 send({OffloadEvent::Progress{progress}});
             });
             send({OffloadEvent::Finished{share(std::move(result))}});
+        } catch (const ReelCore::OffloadError& error) {
+            send({failed(error)});
         } catch (const std::exception& error) {
             send({OffloadEvent::Failed{error.what()}});
         }

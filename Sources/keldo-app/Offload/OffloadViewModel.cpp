@@ -76,11 +76,13 @@ void OffloadViewModel::start() {
     cancelFlag_->clear();
     clearOutcome();
     setStage(Stage::running);
-    offloadJob_ = OffloadJobs::offload(
-        {*source_, destinations_, algorithm_, reelName_.toStdString()}, cancelFlag_,
-        [this](OffloadEvent event) {
-            std::visit([this](auto one) { apply(std::move(one)); }, std::move(event.value));
-        });
+    offloadJob_ =
+        OffloadJobs::offload({*source_, destinations_, algorithm_, reelName_.toStdString()},
+                             cancelFlag_, [this](OffloadEvent event) { apply(std::move(event)); });
+}
+
+void OffloadViewModel::apply(OffloadEvent event) {
+    std::visit([this](auto one) { apply(std::move(one)); }, std::move(event.value));
 }
 
 void OffloadViewModel::cancel() {
@@ -103,6 +105,7 @@ void OffloadViewModel::apply(OffloadEvent::Finished event) {
 
 void OffloadViewModel::apply(OffloadEvent::Failed event) {
     errorMessage_ = Format::text(event.description);
+    errorReason_ = Format::text(event.reason);
     emit errorMessageChanged();
     setStage(Stage::finished);
 }
@@ -153,6 +156,7 @@ void OffloadViewModel::clearOutcome() {
     gate_.reset();
     emit gateChanged();
     errorMessage_.clear();
+    errorReason_.clear();
     emit errorMessageChanged();
     setFormatStatus({});
 }

@@ -39,6 +39,7 @@ class OffloadViewModel : public QObject {
     Q_PROPERTY(QVariant result READ resultFacts NOTIFY resultChanged)
     Q_PROPERTY(QVariant gate READ gateFacts NOTIFY gateChanged)
     Q_PROPERTY(QString errorMessage READ errorMessage NOTIFY errorMessageChanged)
+    Q_PROPERTY(QString errorReason READ errorReason NOTIFY errorMessageChanged)
     Q_PROPERTY(QString formatStatus READ formatStatus NOTIFY formatStatusChanged)
     Q_PROPERTY(bool isFormatting READ isFormatting NOTIFY isFormattingChanged)
     Q_PROPERTY(QString reportStatus READ reportStatus NOTIFY reportStatusChanged)
@@ -62,6 +63,8 @@ public:
     const std::shared_ptr<const ReelCore::OffloadResult>& result() const { return result_; }
     const std::optional<ReelCore::CardFormatter::FormatGate>& gate() const { return gate_; }
     QString errorMessage() const { return errorMessage_; }
+    /// What there is to add to the error; empty where its message says it all.
+    QString errorReason() const { return errorReason_; }
     QString formatStatus() const { return formatStatus_; }
     bool isFormatting() const { return isFormatting_; }
     QString reportStatus() const { return reportStatus_; }
@@ -78,6 +81,8 @@ public:
     Q_INVOKABLE void addDestination();
     Q_INVOKABLE void removeDestination(qsizetype row);
     Q_INVOKABLE void start();
+    /// Takes in what a run tells. `start` sees to that.
+    void apply(OffloadEvent event);
     Q_INVOKABLE void cancel();
     Q_INVOKABLE void saveReport();
     Q_INVOKABLE void formatCard();
@@ -136,6 +141,7 @@ private:
     QVariant resultFacts_;
     std::optional<ReelCore::CardFormatter::FormatGate> gate_;
     QString errorMessage_;
+    QString errorReason_;
     QString formatStatus_;
     bool isFormatting_ = false;
     QString reportStatus_;

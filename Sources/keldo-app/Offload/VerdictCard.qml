@@ -39,6 +39,10 @@ Card {
             symbol: "number"
         }
     }
+    AttentionLines {
+        objectName: "offload.notes"
+        lines: card.result ? card.result.weakerProofs.concat(card.result.missingLists) : []
+    }
     PlainText {
         objectName: "offload.failures.title"
         visible: failures.count > 0

@@ -1,3 +1,4 @@
+#include "ReelCore/Platform/ProcessSignals.h"
 #include "keldo-app/Shell/Window.h"
 #include "keldo-app/Support/SystemDesktop.h"
 
@@ -7,6 +8,7 @@
 #include <cstdlib>
 
 int main(int argc, char* argv[]) {
+    ReelCore::cleanUpOnSignals();
     QApplication application(argc, argv);
     QApplication::setApplicationName("keldobay");
     QApplication::setDesktopFileName("keldobay");

@@ -1,6 +1,6 @@
 #include "keldo-app/Shell/Window.h"
 
-#include "ReelCore/Platform/ChildProcess.h"
+#include "ReelCore/Platform/ProcessCleanup.h"
 #include "keldo-app/Components/SymbolProvider.h"
 
 #include <QFont>
@@ -27,7 +27,7 @@ bool loadWindow(QQmlApplicationEngine& engine, Desktop& desktop) {
 
 void runUntilClosed() {
     const int status = QGuiApplication::exec();
-    ReelCore::ChildProcess::endAll();
+    ReelCore::ProcessCleanup::shared().run();
     // Not by unwinding: what the jobs' threads still use must stay to the last.
     std::_Exit(status);
 }

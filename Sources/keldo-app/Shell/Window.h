@@ -11,7 +11,8 @@ namespace keldo_app {
 bool loadWindow(QQmlApplicationEngine& engine, Desktop& desktop);
 
 /// Runs the event loop until the last window is closed, then ends the process with its status. A
-/// job that still runs unseen ends with the process, and a child that it waits for is ended too.
+/// job that still runs unseen ends with the process; a child that it waits for gets three seconds
+/// to end, and its files in the temporary folder are removed.
 [[noreturn]] void runUntilClosed();
 
 }  // namespace keldo_app

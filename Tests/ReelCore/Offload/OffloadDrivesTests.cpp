@@ -20,15 +20,6 @@ protected:
     FolderTree beginningOf(std::size_t lengthOfB) const {
         return {{"A", clips.at("A")}, {"B", clips.at("B").substr(0, lengthOfB)}};
     }
-
-    /// Calls once, when the run comes to that file and phase.
-    void when(Phase phase, const std::string& file, std::function<void()> action) {
-        onProgress = [=, done = false](const OffloadProgress& progress) mutable {
-            if (done || progress.phase != phase || progress.currentFile != file) return;
-            done = true;
-            action();
-        };
-    }
 };
 
 class OffloadToLoopMounts : public OffloadDrivesTest {

@@ -1,5 +1,6 @@
 #include "OffloadFixture.h"
 #include "ReelCore/Platform/DateText.h"
+#include "ReelCore/Platform/FileSystem.h"
 #include "ReelCore/Platform/SystemError.h"
 #include "Support/Tool.h"
 
@@ -44,10 +45,11 @@ TEST_F(OffloadEngineTest, Run_Result_TellsEachFileAndDriveInOrder) {
     const std::string hashOfA = "d24ec4f1a98c6e5b";
     EXPECT_EQ(result.files.at(0).file.relativePath, "A");
     EXPECT_EQ(result.files.at(0).sourceHash, hashOfA);
-    EXPECT_EQ(
-        result.files.at(0).destinations,
-        (std::vector<DestinationResult>{{at("d2"), at("d2/A001/A"), hashOfA, true, std::nullopt},
-                                        {at("d1"), at("d1/A001/A"), hashOfA, true, std::nullopt}}));
+    const auto proved = [&](const URL& drive) {
+        const URL copy = drive / "A001/A";
+        return DestinationResult{drive, copy, hashOfA, true, std::nullopt, FileSystem::stamp(copy)};
+    };
+    EXPECT_EQ(result.files.at(0).destinations, (std::vector{proved(at("d2")), proved(at("d1"))}));
     EXPECT_EQ(result.files.at(1).file.relativePath, "B");
     EXPECT_EQ(result.files.at(2).sourceHash, "ef46db3751d8e999") << "of the empty stream";
 }
@@ -248,21 +250,22 @@ TEST_F(OffloadEngineTest, Run_FileBecomesAPipeOrALink_EndsWithReadFailedAndDoesN
     }
 }
 
-TEST_F(OffloadEngineTest, Run_FileGrewOrShrankAfterTheScan_CopiesWhatIsThereAndCountsTheScan) {
+TEST_F(OffloadEngineTest, Run_FileGrewAfterTheScan_IsCopiedWholeAndCountedAsScanned) {
     writeTree(card(), {{"A", "12345"}, {"B", noise(100'000)}});
     onProgress = [&](const OffloadProgress& progress) {
         if (progress.phase != Phase::copying || progress.currentFile != File("A")) return;
         writeFile(card() / "A", noise(200'000, 9));
-        writeFile(card() / "B", "1");
     };
 
     const auto result = run(request({at("d1")}));
 
     EXPECT_TRUE(result.allVerified());
-    EXPECT_TRUE(copiesOn(at("d1")) == (FolderTree{{"A", noise(200'000, 9)}, {"B", "1"}}));
-    EXPECT_EQ(result.files.at(0).file.size, 5);
+    EXPECT_TRUE(copiesOn(at("d1")) ==
+                (FolderTree{{"A", noise(200'000, 9)}, {"B", noise(100'000)}}));
+    EXPECT_EQ(result.files.at(0).file.size, 200'000);
     EXPECT_EQ(events_.back().bytesCompleted, 100'005);
     EXPECT_EQ(events_.back().totalBytes, 100'005);
+    EXPECT_NE(readFile(at("d1/A001/A001.mhl")).find("<size>200000</size>"), std::string::npos);
 }
 
 TEST_F(OffloadEngineTest, Engine_BlocksOfAnySize_GiveTheSameCopyAndHash) {

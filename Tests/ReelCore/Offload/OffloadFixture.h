@@ -86,6 +86,16 @@ protected:
         return std::filesystem::exists(drive / "A001/A001.mhl");
     }
 
+    /// Calls once, when the run comes to that file and phase.
+    void when(ReelCore::OffloadProgress::Phase phase, const std::string& file,
+              std::function<void()> action) {
+        onProgress = [=, done = false](const ReelCore::OffloadProgress& progress) mutable {
+            if (done || progress.phase != phase || progress.currentFile != file) return;
+            done = true;
+            action();
+        };
+    }
+
     std::function<bool()> isCancelled = [] { return false; };
     std::function<void(const ReelCore::OffloadProgress&)> onProgress = [](const auto&) {};
     std::vector<ReelCore::OffloadProgress> events_;

@@ -1,4 +1,5 @@
 #include "OffloadFixture.h"
+#include "ReelCore/Platform/SystemError.h"
 #include "Support/FaultyFileSystem.h"
 #include "Support/LoopMount.h"
 
@@ -75,39 +76,78 @@ TEST_F(OffloadOverlapTest, SameDriveThroughALink_IsLikeTheSameDriveTwice) {
     EXPECT_TRUE(copiesOn(at("d1")) == clips);
 }
 
-TEST_F(OffloadOverlapTest, DriveInsideAnothersReelFolder_IsFine) {
+TEST_F(OffloadOverlapTest, ReelFolderInAnothersReelFolder_IsRefusedBeforeAnyFolderIsMade) {
     makeCard(clips);
+    for (const URL& inner : {at("d1/A001"), at("d1/A001/below")}) {
+        for (const auto& drives : {std::vector{at("d1"), inner}, std::vector{inner, at("d1")}}) {
+            const auto error = failureOf(request(drives));
 
-    EXPECT_TRUE(run(request({at("d1"), at("d1/A001")})).allVerified());
-    EXPECT_TRUE(copiesOn(at("d1/A001")) == clips);
-}
-
-TEST_F(OffloadOverlapTest, DriveInsideAnothersReelFolder_APathLeadsToBoth_IsRefused) {
-    makeCard({{"A", "of the outer"}, {"B", ""}, {"below/A001/A", "of the inner"}});
-    const URL inner = at("d1/A001/below");
-    for (const auto& drives : {std::vector{at("d1"), inner}, std::vector{inner, at("d1")}}) {
-        const auto error = failureOf(request(drives));
-
-        ASSERT_TRUE(error && error->is<OffloadError::DestinationNotWritable>());
-        EXPECT_EQ(error->get<OffloadError::DestinationNotWritable>()->destination, inner);
-        EXPECT_FALSE(fs::exists(at("d1")));
+            ASSERT_TRUE(error && error->is<OffloadError::DestinationNotWritable>());
+            const auto* refusal = error->get<OffloadError::DestinationNotWritable>();
+            EXPECT_EQ(refusal->destination, inner);
+            EXPECT_EQ(refusal->reason,
+                      "The reel folder would lie in the reel folder of another destination.");
+            EXPECT_FALSE(fs::exists(at("d1")));
+        }
     }
 }
 
-TEST_F(OffloadOverlapTest, DriveInsideAnothersReelFolder_ItsHashListWouldReplaceACopy_IsRefused) {
-    makeCard({{"A", ""}, {"A001/A001.mhl", "an old list"}});
-
-    EXPECT_EQ(descriptionOf(request({at("d1"), at("d1/A001")})),
-              "Destination is not writable: " + at("d1/A001").native());
-}
-
-TEST_F(OffloadOverlapTest, DriveInsideAnothersReelFolderByALink_APathLeadsToBoth_IsRefused) {
-    makeCard({{"A", "of the outer"}, {"A001/A", "of the inner"}});
+TEST_F(OffloadOverlapTest, ReelFolderInAnothersReelFolderByALink_IsRefused) {
+    makeCard(clips);
     fs::create_directories(at("d1/A001"));
     fs::create_symlink("d1/A001", at("link"));
 
     EXPECT_EQ(descriptionOf(request({at("d1"), at("link")})),
               "Destination is not writable: " + at("link").native());
+}
+
+TEST_F(OffloadOverlapTest, OldReelHasALinkToAFolderElsewhere_NothingThereIsTouched) {
+    makeCard(clips);
+    writeTree(at("elsewhere"), {{"B", "somebody else's"}});
+    fs::create_directories(at("drive/A001"));
+    fs::create_symlink(at("elsewhere"), at("drive/A001/DCIM"));
+
+    EXPECT_THROW(run(request({at("drive")})), SystemError);
+
+    EXPECT_EQ(readTree(at("elsewhere")), (FolderTree{{"B", "somebody else's"}}));
+    EXPECT_FALSE(hasHashList(at("drive")));
+}
+
+TEST_F(OffloadOverlapTest, OldReelsTakeTwoFoldersForOne_NoProvedCopyIsReplaced) {
+    makeCard({{"X/CLIP", "of X"}, {"Y/CLIP", "of Y"}});
+    for (const char* drive : {"d1", "d2"}) {
+        fs::create_directories(at(drive) / "A001/X");
+        fs::create_symlink("X", at(drive) / "A001/Y");
+    }
+
+    EXPECT_THROW(run(request({at("d1"), at("d2")})), SystemError);
+
+    EXPECT_EQ(readFile(at("d1/A001/X/CLIP")), "of X");
+    EXPECT_EQ(readFile(at("d2/A001/X/CLIP")), "of X");
+}
+
+TEST_F(OffloadOverlapTest, DriveHoldsAFolderTwiceByAMount_NoProvedCopyIsReplaced) {
+    if (!LoopMount::isAvailable()) GTEST_SKIP() << "needs root and loop devices";
+    makeCard({{"X/CLIP", "of X"}, {"Y/CLIP", "of Y"}});
+    fs::create_directories(at("d1/A001/X"));
+    const BindMount twice(at("d1/A001/X"), at("d1/A001/Y"));
+
+    EXPECT_EQ(descriptionOf(request({at("d1")})),
+              "Failed writing to " + at("d1/A001/Y/CLIP").native() +
+                  ": another file of the card has this name here");
+    EXPECT_EQ(readFile(at("d1/A001/X/CLIP")), "of X");
+}
+
+TEST_F(OffloadOverlapTest, SecondDriveShowsAFolderOfTheFirst_NoProvedCopyIsReplaced) {
+    if (!LoopMount::isAvailable()) GTEST_SKIP() << "needs root and loop devices";
+    makeCard({{"X/CLIP", "of X"}, {"Y/CLIP", "of Y"}});
+    fs::create_directories(at("d1/A001/X"));
+    const BindMount shown(at("d1/A001/X"), at("d2/A001/Y"));
+
+    EXPECT_EQ(descriptionOf(request({at("d1"), at("d2")})),
+              "Failed writing to " + at("d2/A001/Y/CLIP").native() +
+                  ": another file of the card has this name here");
+    EXPECT_EQ(readFile(at("d1/A001/X/CLIP")), "of X");
 }
 
 TEST_F(OffloadOverlapTest, CardInsideTheDrive_IsFine) {
@@ -216,6 +256,16 @@ TEST_F(OffloadOverlapTest, ReelFolderHoldsTheCardAndAFileHasTheCardsName_CannotB
 
     EXPECT_EQ(descriptionOf(wanted),
               "Failed writing to " + source.native() + ": could not create file");
+}
+
+TEST_F(OffloadOverlapTest, Refusal_SaysWhy) {
+    makeCard(clips);
+
+    const auto error = failureOf(request({card()}));
+
+    ASSERT_TRUE(error && error->is<OffloadError::DestinationNotWritable>());
+    EXPECT_EQ(error->get<OffloadError::DestinationNotWritable>()->reason,
+              "The reel folder would lie on the card itself.");
 }
 
 TEST_F(OffloadOverlapTest, OldReelHasALinkThatLeadsIntoTheCard_EndsBeforeThatFile) {

@@ -76,7 +76,8 @@ private:
 };
 
 INSTANTIATE_TEST_SUITE_P(FileSystems, OffloadReadBackOnLoop,
-                         testing::Values(std::pair{"ext4", 16}, std::pair{"xfs", 300}),
+                         testing::Values(std::pair{"ext4", 16}, std::pair{"xfs", 300},
+                                         std::pair{"ntfs", 16}),
                          [](const auto& one) { return std::string(one.param.first); });
 
 class OffloadReadBackOnFaultyDrive : public OffloadReadBackTest {
@@ -102,6 +103,12 @@ TEST_P(OffloadReadBackOnLoop, ByteChangesOnTheDevice_IsFoundThoughAPlainReadPass
     const auto result = run(request({drive().path(), at("d2")}));
 
     expectOnlyFirstCopyOfAWrong(result, withBitFlipped(clips.at("A"), 200'000));
+}
+
+TEST_P(OffloadReadBackOnLoop, DeviceThatThisProcessMayOpen_IsReadPastTheCache) {
+    makeCard(clips);
+
+    EXPECT_TRUE(run(request({drive().path()})).destinationStates.at(0).readPastTheCache);
 }
 
 TEST_P(OffloadReadBackOnLoop, CacheAfterARun_HoldsNothingOfTheCopies) {
@@ -149,7 +156,7 @@ TEST_F(OffloadReadBackOnFaultyDrive, ReadError_IsRecordedWithTheSystemsSentence)
 
     const auto& copies = result.files.at(0).destinations;
     EXPECT_EQ(copies.at(0), (DestinationResult{drive.path(), drive.path() / "A001/A", std::nullopt,
-                                               false, "Input/output error"}));
+                                               false, "Input/output error", std::nullopt}));
     EXPECT_TRUE(copies.at(1).matches);
     EXPECT_TRUE(result.files.at(1).verified());
     EXPECT_FALSE(result.allVerified());
@@ -183,15 +190,58 @@ TEST_F(OffloadReadBackOnFaultyDrive, FileCannotBeFlushed_IsRecordedAndTheRunGoes
 }
 
 // Each copy matches, but what else the drive was given went lost: its folders may be next.
-TEST_F(OffloadReadBackOnFaultyDrive, DriveLosesWhatItWasGiven_EndsTheRunThoughEachCopyMatches) {
+TEST_F(OffloadReadBackOnFaultyDrive, DriveLosesWhatItWasGiven_NothingIsProvedOnItAndTheRunGoesOn) {
     makeCard(clips);
     const FaultyFileSystem drive(at("back"), at("d1"),
                                  {.onlyFile = "other", .failWriteAt = 0, .writeLate = true});
     beforeReadBackOfA([&] { std::ofstream(drive.path() / "other") << "never gets there"; });
 
-    EXPECT_EQ(descriptionOf(request({drive.path(), at("d2")})),
-              "Failed writing to " + (drive.path() / "A001").native() + ": Input/output error");
-    EXPECT_FALSE(hasHashList(at("d2")));
+    const auto result = run(request({drive.path(), at("d2")}));
+
+    for (const FileVerification& file : result.files) {
+        EXPECT_FALSE(file.destinations.at(0).matches);
+        EXPECT_EQ(file.destinations.at(0).error, "Input/output error");
+        EXPECT_EQ(file.destinations.at(0).proved, std::nullopt);
+        EXPECT_TRUE(file.destinations.at(1).matches);
+    }
+    EXPECT_EQ(result.failures().size(), 2U);
+    EXPECT_TRUE(hasHashList(at("d2")));
+    EXPECT_EQ(events_.at(events_.size() - 2).phase, Phase::writingReport);
+    EXPECT_EQ(events_.back().phase, Phase::done);
+}
+
+TEST_F(OffloadReadBackOnFaultyDrive, DriveLostSomethingBeforeTheRun_SaysNothingAboutItsCopies) {
+    makeCard(clips);
+    const FaultyFileSystem drive(at("back"), at("d1"),
+                                 {.onlyFile = "other", .failWriteAt = 0, .writeLate = true});
+    std::ofstream(drive.path() / "other") << "never gets there";
+
+    EXPECT_TRUE(run(request({drive.path(), at("d2")})).allVerified());
+}
+
+TEST_F(OffloadReadBackOnFaultyDrive, TwoDrivesAreOneAndACopyFails_TheRunComesToItsEnd) {
+    makeCard(clips);
+    const FaultyFileSystem drive(at("back"), at("d1"),
+                                 {.onlyFile = "A", .failWriteAt = 0, .writeLate = true});
+
+    const auto result = run(request({drive.path() / "one", drive.path() / "two"}));
+
+    EXPECT_FALSE(result.files.at(0).verified());
+    EXPECT_EQ(result.files.size(), 2U);
+    EXPECT_EQ(events_.back().phase, Phase::done);
+}
+
+// A program passes another file system through: what that one remembers can't be let go of.
+TEST_F(OffloadReadBackOnFaultyDrive, DriveServedByAProgramWithoutADevice_IsToldAsWeakerProof) {
+    makeCard(clips);
+    const FaultyFileSystem drive(at("back"), at("d1"), {});
+
+    const auto result = run(request({drive.path(), at("d2")}));
+
+    EXPECT_TRUE(result.allVerified());
+    ASSERT_EQ(result.destinationStates.size(), 2U);
+    EXPECT_FALSE(result.destinationStates.at(0).readPastTheCache);
+    EXPECT_TRUE(result.destinationStates.at(1).readPastTheCache);
 }
 
 TEST_F(OffloadReadBackOnFaultyDrive, DatesCannotBeSet_IsIgnored) {
@@ -207,9 +257,12 @@ TEST_F(OffloadReadBackOnFaultyDrive, HashListFillsTheDrive_IsIgnored) {
     const FaultyFileSystem drive(at("back"), at("d1"),
                                  {.onlyFile = "A001.mhl", .writeError = ENOSPC, .failWriteAt = 9});
 
-    EXPECT_TRUE(run(request({drive.path(), at("d2")})).allVerified());
+    const auto result = run(request({drive.path(), at("d2")}));
 
-    EXPECT_EQ(readFile(at("back/A001/A001.mhl")).size(), 9U) << "no half list was tried";
+    EXPECT_TRUE(result.allVerified());
+    using HashList = DestinationState::HashList;
+    EXPECT_EQ(result.destinationStates.at(0).hashList, HashList::notWritten);
+    EXPECT_EQ(result.destinationStates.at(1).hashList, HashList::written);
     EXPECT_TRUE(hasHashList(at("d2")));
     EXPECT_EQ(events_.back().phase, Phase::done);
 }

@@ -99,7 +99,7 @@ TEST(OffloadErrorTexts, EveryCase_SaysItWordForWord) {
 
     EXPECT_EQ(textOf(OffloadError(OffloadError::SourceNotFound{"/media/CARD"})),
               "Source not found or not a directory: /media/CARD");
-    EXPECT_EQ(textOf(OffloadError(OffloadError::DestinationNotWritable{"/media/D1"})),
+    EXPECT_EQ(textOf(OffloadError(OffloadError::DestinationNotWritable{"/media/D1", "why"})),
               "Destination is not writable: /media/D1");
     EXPECT_EQ(textOf(OffloadError(OffloadError::ReadFailed{"A.MOV", "read error"})),
               "Failed reading A.MOV: read error");

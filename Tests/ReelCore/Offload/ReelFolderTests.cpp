@@ -104,55 +104,99 @@ TEST_F(ReelFolderTest, TargetFor_KeepsTheCardsFoldersAndNames) {
               at("drive").native() + "/A001/DCIM/100/\xff.MOV");
 }
 
-TEST_F(ReelFolderTest, PrepareParent_MakesTheFolderOfTheTarget) {
+TEST_F(ReelFolderTest, ParentFor_MakesTheFolderOfTheTarget) {
     ReelFolder folder = reel("A001");
     folder.create();
 
-    folder.prepareParent(folder.targetFor("DCIM/100/A.MOV"));
-    folder.prepareParent(folder.targetFor("B.MOV"));
+    folder.parentFor("DCIM/100/A.MOV");
+    folder.parentFor("B.MOV");
 
     EXPECT_TRUE(fs::is_directory(at("drive/A001/DCIM/100")));
 }
 
-TEST_F(ReelFolderTest, PrepareParent_FolderVanishesBetweenTwoFiles_IsMadeAgain) {
+TEST_F(ReelFolderTest, ParentFor_FolderVanishesBetweenTwoFiles_IsMadeAgain) {
     ReelFolder folder = reel("A001");
     folder.create();
-    folder.prepareParent(folder.targetFor("DCIM/A.MOV"));
+    folder.parentFor("DCIM/A.MOV");
     fs::remove(at("drive/A001/DCIM"));
 
-    folder.prepareParent(folder.targetFor("DCIM/B.MOV"));
+    folder.parentFor("DCIM/B.MOV");
 
     EXPECT_TRUE(fs::is_directory(at("drive/A001/DCIM")));
 }
 
-TEST_F(ReelFolderTest, PrepareParent_FolderIsReplacedByALinkIntoTheSource_IsRefused) {
+TEST_F(ReelFolderTest, ParentFor_FolderIsReplacedByALinkIntoTheSource_IsRefused) {
     ReelFolder folder = reel("A001");
     folder.create();
-    folder.prepareParent(folder.targetFor("DCIM/A.MOV"));
+    folder.parentFor("DCIM/A.MOV");
     fs::remove(at("drive/A001/DCIM"));
     fs::create_symlink(at("card/DCIM"), at("drive/A001/DCIM"));
 
-    EXPECT_THROW(folder.prepareParent(folder.targetFor("DCIM/B.MOV")), OffloadError);
+    EXPECT_THROW(folder.parentFor("DCIM/B.MOV"), OffloadError);
 }
 
-TEST_F(ReelFolderTest, PrepareParent_LinkThatLeadsIntoTheSource_IsRefused) {
+TEST_F(ReelFolderTest, ParentFor_LinkThatLeadsIntoTheSource_IsRefused) {
     ReelFolder folder = reel("A001");
     folder.create();
     fs::create_symlink(at("card/DCIM"), at("drive/A001/DCIM"));
 
-    EXPECT_THROW(folder.prepareParent(folder.targetFor("DCIM/new/A.MOV")), OffloadError);
+    EXPECT_THROW(folder.parentFor("DCIM/new/A.MOV"), OffloadError);
     EXPECT_TRUE(fs::is_empty(at("card/DCIM")));
 }
 
-TEST_F(ReelFolderTest, PrepareParent_FileInTheWay_IsTheSystemsError) {
+TEST_F(ReelFolderTest, ParentFor_LinkToAnotherFolder_IsRefusedAndNotFollowed) {
+    ReelFolder folder = reel("A001");
+    folder.create();
+    fs::create_directories(at("elsewhere"));
+    fs::create_symlink(at("elsewhere"), at("drive/A001/DCIM"));
+
+    EXPECT_THROW(folder.parentFor("DCIM/A.MOV"), SystemError);
+    EXPECT_THROW(folder.parentFor("DCIM/new/A.MOV"), SystemError);
+    EXPECT_TRUE(fs::is_empty(at("elsewhere")));
+}
+
+TEST_F(ReelFolderTest, Create_ReelIsALinkToAnotherFolder_IsRefused) {
+    fs::create_directories(at("elsewhere"));
+    fs::create_directories(at("drive"));
+    fs::create_symlink(at("elsewhere"), at("drive/A001"));
+
+    EXPECT_THROW(reel("A001").create(), OffloadError);
+    EXPECT_THROW(reel("A001/new").create(), OffloadError);
+    EXPECT_TRUE(fs::is_empty(at("elsewhere")));
+}
+
+TEST_F(ReelFolderTest, Lock_AnotherHasIt_IsRefusedWithTheReasonUntilThatOneIsGone) {
+    ReelFolder second = reel("A001");
+    {
+        ReelFolder first = reel("A001");
+        first.create();
+        first.lock();
+        second.create();
+        try {
+            second.lock();
+            FAIL() << "no error";
+        } catch (const OffloadError& error) {
+            const auto* refusal = error.get<OffloadError::DestinationNotWritable>();
+            ASSERT_TRUE(refusal);
+            EXPECT_EQ(refusal->destination, at("drive"));
+            EXPECT_EQ(refusal->reason, "Another offload is writing into this reel folder.");
+        }
+        ReelFolder other = reel("A002");
+        other.create();
+        other.lock();
+    }
+    second.lock();
+}
+
+TEST_F(ReelFolderTest, ParentFor_FileInTheWay_IsTheSystemsError) {
     ReelFolder folder = reel("A001");
     folder.create();
     writeFile(at("drive/A001/DCIM"), "");
 
-    EXPECT_THROW(folder.prepareParent(folder.targetFor("DCIM/A.MOV")), SystemError);
+    EXPECT_THROW(folder.parentFor("DCIM/A.MOV"), SystemError);
 }
 
-TEST_F(ReelFolderTest, PrepareParent_AnotherFolderStandsThere_SaysThatTheDriveHasGone) {
+TEST_F(ReelFolderTest, ParentFor_AnotherFolderStandsThere_SaysThatTheDriveHasGone) {
     ReelFolder folder = reel("A001");
     folder.create();
     fs::rename(at("drive"), at("gone"));
@@ -161,7 +205,7 @@ TEST_F(ReelFolderTest, PrepareParent_AnotherFolderStandsThere_SaysThatTheDriveHa
 
     EXPECT_FALSE(folder.isStillThere());
     try {
-        folder.prepareParent(target);
+        folder.parentFor("DCIM/A.MOV");
         FAIL() << "no error";
     } catch (const OffloadError& error) {
         EXPECT_EQ(error.description(),

@@ -75,6 +75,7 @@ TEST_F(SourceScannerTest, Scan_MissingRootOrAFile_IsNotFound) {
 
     EXPECT_TRUE(isNotFound(at("gone")));
     EXPECT_TRUE(isNotFound(at("file")));
+    EXPECT_TRUE(isNotFound(at(std::string(256, 'n'))));
 }
 
 TEST_F(SourceScannerTest, Scan_RootThatCannotBeOpened_IsNotFound) {

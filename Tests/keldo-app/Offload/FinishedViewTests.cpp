@@ -91,6 +91,70 @@ TEST_F(FinishedViewTests, FailedRun_ShowsOnlyWhy) {
     keepPictures("failed");
 }
 
+TEST_F(FinishedViewTests, DrivesWithSomethingToSayOfThem_GetALineEachBesideTheVerdict) {
+    setUpOffload();
+    runToEnd();
+    showResultWith({{false, ReelCore::DestinationState::HashList::written},
+                    {false, ReelCore::DestinationState::HashList::notWritten}});
+    EXPECT_EQ(driver_->text("offload.verdict"), "All Files Verified");
+    const WindowSupport::Shown weaker{
+        "The proof is weaker on SHUTTLE_01: the copies were read back, but this computer may have "
+        "answered from its memory and not from the drive.",
+        driver_->themeColor("attention").name().toStdString(), "exclamationmark.triangle.fill",
+        driver_->themeColor("attention").name().toStdString()};
+    EXPECT_EQ(driver_->shown("offload.notes.0"), weaker);
+    EXPECT_TRUE(driver_->isShown("offload.notes.1"));
+    EXPECT_EQ(driver_->shown("offload.notes.2").text,
+              "RAID_MASTER has no hash list: it could not be written.");
+    EXPECT_FALSE(driver_->isShown("offload.notes.3"));
+    EXPECT_TRUE(driver_->isShown("offload.formatButton"));
+    keepPictures("verified-weaker");
+}
+
+TEST_F(FinishedViewTests, DrivesAsTheyShouldBe_GetNoLines) {
+    setUpOffload();
+    runToEnd();
+    showResultWith({{true, ReelCore::DestinationState::HashList::written},
+                    {true, ReelCore::DestinationState::HashList::written}});
+    EXPECT_FALSE(driver_->isShown("offload.notes"));
+    driver_->press("offload.formatButton");
+    driver_->waitFor("the sheet", [&] { return driver_->isShown("sheet.heading"); });
+    EXPECT_FALSE(driver_->isShown("sheet.weakerProofs"));
+}
+
+TEST_F(FinishedViewTests, WeakerProof_IsSaidOnceMoreInTheSheet) {
+    setUpOffload();
+    runToEnd();
+    showResultWith({{true, ReelCore::DestinationState::HashList::notWritten},
+                    {false, ReelCore::DestinationState::HashList::written}});
+    driver_->press("offload.formatButton");
+    driver_->waitFor("the sheet", [&] { return driver_->isShown("sheet.heading"); });
+    EXPECT_EQ(
+        driver_->shown("sheet.weakerProofs.0").text,
+        "The proof is weaker on RAID_MASTER: the copies were read back, but this computer may "
+        "have answered from its memory and not from the drive.");
+    EXPECT_EQ(driver_->text("sheet.text"),
+              "This permanently erases the source card. Your footage is verified on 2 drives, so "
+              "this is safe — but it cannot be undone.");
+    keepPictures("erase-weaker");
+}
+
+TEST_F(FinishedViewTests, FailedRunWithAReason_AddsItBelowTheError) {
+    setUpOffload();
+    driver_->offload()->apply(keldo_app::OffloadEvent{keldo_app::OffloadEvent::Failed{
+        "Destination is not writable: /media/SHUTTLE_01",
+        "The reel folder lies inside the reel folder on RAID_MASTER."}});
+    EXPECT_EQ(driver_->text("offload.error"), "Destination is not writable: /media/SHUTTLE_01");
+    EXPECT_EQ(driver_->shown("offload.errorReason.0").text,
+              "The reel folder lies inside the reel folder on RAID_MASTER.");
+    EXPECT_EQ(driver_->shown("offload.errorReason.0").textColor,
+              driver_->themeColor("attention").name().toStdString());
+    keepPictures("failed-reason");
+    driver_->offload()->apply(
+        keldo_app::OffloadEvent{keldo_app::OffloadEvent::Failed{"Offload cancelled."}});
+    EXPECT_FALSE(driver_->isShown("offload.errorReason"));
+}
+
 TEST_F(FinishedViewTests, SaveReport_SaysWhereItWentAndShowsIt) {
     setUpOffload();
     runToEnd();

@@ -67,6 +67,21 @@ TEST_F(OffloadJobsTests, Offload_EndsWithTheResultAfterItsProgress) {
     EXPECT_TRUE(std::get<OffloadEvent::Finished>(events.back().value).result->allVerified());
 }
 
+TEST_F(OffloadJobsTests, Offload_IntoTheCard_EndsWithTheErrorAndItsReason) {
+    std::optional<OffloadEvent> last;
+    auto inside = request();
+    inside.destinations.push_back(card() / "BACKUP");
+    const auto job = OffloadJobs::offload(inside, std::make_shared<CancellationFlag>(),
+                                          [&](OffloadEvent event) { last = std::move(event); });
+    const auto failed = [&] {
+        return last ? std::get_if<OffloadEvent::Failed>(&last->value) : nullptr;
+    };
+    ASSERT_TRUE(QTest::qWaitFor([&] { return failed() != nullptr; }, 30'000));
+    EXPECT_EQ(failed()->description,
+              "Destination is not writable: " + (card() / "BACKUP").native());
+    EXPECT_NE(failed()->reason, "");
+}
+
 TEST_F(OffloadJobsTests, Scan_OfAMissingFolder_GivesNothing) {
     bool called = false;
     const auto job = OffloadJobs::scan(folder_.path() / "missing", [&](const auto& scan) {

@@ -53,6 +53,13 @@ void WindowFixture::runToEnd() {
     driver_->waitForStage(Stage::finished);
 }
 
+void WindowFixture::showResultWith(const std::vector<ReelCore::DestinationState>& states) {
+    auto result = std::make_shared<ReelCore::OffloadResult>(*driver_->offload()->result());
+    result->destinationStates = states;
+    driver_->offload()->apply(
+        keldo_app::OffloadEvent{keldo_app::OffloadEvent::Finished{std::move(result)}});
+}
+
 ReelCore::URL WindowFixture::faultyDrive(const TestSupport::FaultyFileSystem::Faults& faults) {
     const ReelCore::URL backing = folder_.path() / "backing";
     const ReelCore::URL mountPoint = folder_.path() / "FAULTY";

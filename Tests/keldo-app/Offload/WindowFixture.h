@@ -6,6 +6,7 @@
 #include "Window/WindowDriver.h"
 
 #include <memory>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -30,6 +31,9 @@ protected:
     /// A window with the card and both drives chosen and the reel named "A001".
     void setUpOffload();
     void runToEnd();
+
+    /// Shows the result of the run anew, as one in which the drives had these states.
+    void showResultWith(const std::vector<ReelCore::DestinationState>& states);
 
     /// Mounts a faulty drive, unmounted when the test ends.
     ReelCore::URL faultyDrive(const TestSupport::FaultyFileSystem::Faults& faults);
