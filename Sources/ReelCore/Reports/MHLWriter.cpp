@@ -3,12 +3,18 @@
 #include "ReelCore/Offload/OffloadTypes.h"
 #include "ReelCore/Platform/DateText.h"
 #include "ReelCore/Platform/File.h"
+#include "ReelCore/Platform/FileSystem.h"
+#include "ReelCore/Platform/SystemError.h"
 #include "ReelCore/Platform/Text.h"
 #include "ReelCore/Platform/UserAccount.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <optional>
 #include <span>
 #include <string_view>
+#include <system_error>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -27,6 +33,7 @@ std::string escaped(std::string_view value) {
     replaceAll(text, "&", "&amp;");
     replaceAll(text, "<", "&lt;");
     replaceAll(text, ">", "&gt;");
+    replaceAll(text, "\r", "&#13;");
     return text;
 }
 
@@ -65,6 +72,17 @@ std::string document(const OffloadResult& result, const MHLWriter& writer) {
     return list + "</hashlist>\n";
 }
 
+void writeWhole(File file, std::string_view text) {
+    file.write(std::as_bytes(std::span(text)));
+    file.flush();
+}
+
+/// Where a drive has gone, another file of that name may stand there by now.
+void removeOnly(const URL& url, const std::optional<FileIdentity>& identity) {
+    std::error_code ignored;
+    if (FileSystem::identity(url) == identity) std::filesystem::remove(url, ignored);
+}
+
 }  // namespace
 
 std::string MHLWriter::listName(std::string reelName) {
@@ -76,8 +94,14 @@ URL MHLWriter::write(const OffloadResult& result, const URL& folder) const {
     const URL url = folder / listName(result.request.reelName);
     const std::string list = document(result, *this);
     File file = File::create(url);
-    file.write(std::as_bytes(std::span(list)));
-    file.flush();
+    const auto identity = FileSystem::identity(url);
+    try {
+        writeWhole(std::move(file), list);
+        FileSystem::flushFolder(folder);
+    } catch (const SystemError&) {
+        removeOnly(url, identity);
+        throw;
+    }
     return url;
 }
 

@@ -21,9 +21,10 @@ struct MHLWriter {
     static std::string listName(std::string reelName);
 
     /// Writes the list of `result` into `folder`, which is the reel folder of one destination, and
-    /// returns where it stands: under its `listName`. A file of that name is replaced. The
-    /// list's bytes are on the device when this returns; when the folder's entry for it gets there
-    /// is the file system's business. Throws SystemError.
+    /// returns where it stands: under its `listName`. A file of that name is replaced. The list's
+    /// bytes and the folder's entry for it are on the device when this returns. Throws SystemError
+    /// where the list could not be written whole; what there is of it is then removed, as far as
+    /// the drive still lets it.
     URL write(const OffloadResult& result, const URL& folder) const;
 };
 

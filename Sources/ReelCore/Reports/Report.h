@@ -23,6 +23,10 @@ struct Report {
         std::string label;
         std::string value;
 
+        /// Where `value` is several names, joined by ", ": each of them, so that on paper none
+        /// draws its neighbours into its own writing direction.
+        std::vector<std::string> names = {};
+
         bool operator==(const Field&) const = default;
     };
 

@@ -8,6 +8,9 @@
 #include <numeric>
 #include <string_view>
 
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
 namespace ReelCore {
 
 namespace {
@@ -35,29 +38,54 @@ struct Substitute {
     std::string_view shown;
 };
 
-/// Characters that end the isolation of a text (UAX #9): paragraph separators, and marks for the
-/// direction inside a text.
+/// What would leave its line, its column or its isolation (UAX #9), beside the controls of ASCII.
 constexpr std::array substitutes{
-    Substitute{"\n", "↵"},          Substitute{"\r", "↵"},          Substitute{"\u0085", "↵"},
-    Substitute{"\u2029", "↵"},      Substitute{"\x1C", "\uFFFD"},   Substitute{"\x1D", "\uFFFD"},
-    Substitute{"\x1E", "\uFFFD"},   Substitute{"\u202A", "\uFFFD"}, Substitute{"\u202B", "\uFFFD"},
-    Substitute{"\u202C", "\uFFFD"}, Substitute{"\u202D", "\uFFFD"}, Substitute{"\u202E", "\uFFFD"},
-    Substitute{"\u2066", "\uFFFD"}, Substitute{"\u2067", "\uFFFD"}, Substitute{"\u2068", "\uFFFD"},
-    Substitute{"\u2069", "\uFFFD"},
+    Substitute{"\n", "↵"},          Substitute{"\r", "↵"},          Substitute{"\v", "↵"},
+    Substitute{"\f", "↵"},          Substitute{"\u0085", "↵"},      Substitute{"\u2028", "↵"},
+    Substitute{"\u2029", "↵"},      Substitute{"\t", "⇥"},          Substitute{"\u202A", "\uFFFD"},
+    Substitute{"\u202B", "\uFFFD"}, Substitute{"\u202C", "\uFFFD"}, Substitute{"\u202D", "\uFFFD"},
+    Substitute{"\u202E", "\uFFFD"}, Substitute{"\u2066", "\uFFFD"}, Substitute{"\u2067", "\uFFFD"},
+    Substitute{"\u2068", "\uFFFD"}, Substitute{"\u2069", "\uFFFD"},
 };
 
-/// The cell's text as it is drawn, with nothing in it that reaches beyond the cell.
-std::string contained(std::string text) {
-    for (const auto& [character, shown] : substitutes) {
-        for (auto at = text.find(character); at != text.npos; at = text.find(character, at)) {
-            text.replace(at, character.size(), shown);
-        }
-    }
-    return text;
+bool isControl(char c) {
+    return (c >= 0 && c < ' ') || c == '\x7F';
 }
 
-/// The cut or padded cell. Text that runs from right to left is isolated, since it would otherwise
-/// draw its neighbours into its own order, a verdict in front of another file's name.
+/// True for the bytes that a substitute's character or a control can begin with.
+bool mayBeReplaced(char c) {
+    return isControl(c) || c == '\xC2' || c == '\xE2';
+}
+
+/// The text as it is drawn, with nothing in it that reaches beyond its place.
+std::string contained(const std::string& bytes) {
+    const std::string text = Text::wellFormed(bytes);
+    std::string result;
+    for (auto at = text.begin(); at != text.end();) {
+        const auto next = std::find_if(at, text.end(), mayBeReplaced);
+        result.append(at, next);
+        if (next == text.end()) break;
+        const std::string_view rest(next, text.end());
+        const auto known = std::ranges::find_if(
+            substitutes, [&](const Substitute& one) { return rest.starts_with(one.character); });
+        if (known != substitutes.end()) {
+            result += known->shown;
+            at = next + std::ssize(known->character);
+        } else {
+            result += isControl(*next) ? "\uFFFD" : rest.substr(0, 1);
+            at = next + 1;
+        }
+    }
+    return result;
+}
+
+/// Text that runs from right to left is isolated, since it would otherwise draw its neighbours into
+/// its own order, a verdict in front of another file's name.
+std::string isolated(const std::string& text) {
+    return Text::isLeftToRight(text) ? text : firstStrongIsolate + text + popDirectionalIsolate;
+}
+
+/// The cut or padded cell.
 std::string fitted(const std::string& cell, std::int64_t width) {
     std::string text = contained(cell);
     std::int64_t length = Text::characterCount(text);
@@ -65,26 +93,19 @@ std::string fitted(const std::string& cell, std::int64_t width) {
         text = Text::prefix(text, width - 1) + "…";
         length = width;
     }
-    if (!Text::isLeftToRight(text)) text = firstStrongIsolate + text + popDirectionalIsolate;
-    return text + std::string(static_cast<std::size_t>(width - length), ' ');
+    return isolated(text) + std::string(static_cast<std::size_t>(width - length), ' ');
+}
+
+std::string valueOnPaper(const Report::Field& fact) {
+    if (fact.names.empty()) return isolated(contained(fact.value));
+    std::vector<std::string> names;
+    for (const std::string& name : fact.names) names.push_back(isolated(contained(name)));
+    return fmt::format("{}", fmt::join(names, ", "));
 }
 
 std::string repeated(const char* text, std::int64_t count) {
     std::string result;
     for (; count > 0; --count) result += text;
-    return result;
-}
-
-/// As the text system takes it: well formed, and without a NUL, where it would see the text's end.
-std::string printable(const std::string& text) {
-    std::string result;
-    for (const char c : Text::wellFormed(text)) {
-        if (c == '\0') {
-            result += "\uFFFD";
-        } else {
-            result += c;
-        }
-    }
     return result;
 }
 
@@ -128,14 +149,14 @@ std::string ReportLayout::rowString(const std::vector<std::string>& cells,
 
 std::vector<Paragraph> ReportLayout::buildAttributed(const Report& report) {
     std::vector<Paragraph> paragraphs;
-    paragraphs.push_back({report.title, system(22, true), 2});
-    if (report.subtitle) paragraphs.push_back({*report.subtitle, system(13), 2});
-    paragraphs.push_back({report.tool + "  ·  " + dateTime(report.generatedAt), system(9), 12});
+    paragraphs.push_back({contained(report.title), system(22, true), 2});
+    if (report.subtitle) paragraphs.push_back({contained(*report.subtitle), system(13), 2});
+    paragraphs.push_back(
+        {contained(report.tool) + "  ·  " + dateTime(report.generatedAt), system(9), 12});
     for (const Report::Field& field : report.summary) {
-        paragraphs.push_back({field.label + ":  " + field.value, system(11), 2});
+        paragraphs.push_back({contained(field.label) + ":  " + valueOnPaper(field), system(11), 2});
     }
     if (report.table) appendTable(paragraphs, *report.table);
-    for (Paragraph& paragraph : paragraphs) paragraph.text = printable(paragraph.text);
     return paragraphs;
 }
 

@@ -21,7 +21,7 @@ struct ReportLayout {
     };
 
     struct Paragraph {
-        std::string text;  ///< Well-formed UTF-8 without NUL and without the line feed at the end.
+        std::string text;  ///< Well-formed UTF-8 on one line: no line feeds, tabs, NULs and such.
         Font font;
         double spacingAfter = 0;  ///< In points.
 
@@ -34,12 +34,14 @@ struct ReportLayout {
 
     /// One line of a table: each cell cut or padded to its column's width (12 behind the last
     /// known column), with two blanks between. Cells that run from right to left stand between
-    /// isolating marks, which count for nothing. What in a cell could end that isolation is
-    /// replaced: paragraph separators by "↵", marks for the direction by U+FFFD.
+    /// isolating marks, which count for nothing. What in a cell would break its line, move its
+    /// column or end that isolation is replaced: line ends by "↵", tabs by "⇥", other controls and
+    /// marks for the direction by U+FFFD.
     static std::string rowString(const std::vector<std::string>& cells,
                                  const std::vector<std::int64_t>& widths);
 
-    /// The whole report, paragraph by paragraph.
+    /// The whole report, paragraph by paragraph. All texts are treated as those of cells are; where
+    /// a fact is several names, each of them is.
     static std::vector<Paragraph> buildAttributed(const Report& report);
 };
 

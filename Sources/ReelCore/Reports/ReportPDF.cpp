@@ -2,9 +2,10 @@
 #include "ReelCore/Reports/ReportLayout.h"
 #include "ReelCore/Reports/ReportRenderer.h"
 
+#include <algorithm>
 #include <memory>
 #include <new>
-#include <string>
+#include <string_view>
 
 #include <cairo-pdf.h>
 #include <pango/pangocairo.h>
@@ -31,6 +32,7 @@ using Surface = std::unique_ptr<cairo_surface_t, Release<cairo_surface_destroy>>
 using Drawing = std::unique_ptr<cairo_t, Release<cairo_destroy>>;
 using Layout = std::unique_ptr<PangoLayout, Release<g_object_unref>>;
 using Lines = std::unique_ptr<PangoLayoutIter, Release<pango_layout_iter_free>>;
+using Attributes = std::unique_ptr<PangoAttrList, Release<pango_attr_list_unref>>;
 using FontDescription = std::unique_ptr<PangoFontDescription, Release<pango_font_description_free>>;
 using FontOptions = std::unique_ptr<cairo_font_options_t, Release<cairo_font_options_destroy>>;
 
@@ -58,30 +60,37 @@ public:
         const FontOptions exact(cairo_font_options_create());
         cairo_font_options_set_hint_metrics(exact.get(), CAIRO_HINT_METRICS_OFF);
         cairo_font_options_set_hint_style(exact.get(), CAIRO_HINT_STYLE_NONE);
-        pango_cairo_context_set_font_options(pango_layout_get_context(layout_.get()), exact.get());
+        PangoContext* context = pango_layout_get_context(layout_.get());
+        pango_cairo_context_set_font_options(context, exact.get());
+        pango_context_set_round_glyph_positions(context, false);
         pango_layout_set_width(layout_.get(), pango_units_from_double(frameWidth));
         pango_layout_set_wrap(layout_.get(), PANGO_WRAP_WORD_CHAR);
         // A name with a line feed or in another writing direction stays in its row and column.
         pango_layout_set_single_paragraph_mode(layout_.get(), true);
         pango_layout_set_auto_dir(layout_.get(), false);
-        pango_context_set_base_dir(pango_layout_get_context(layout_.get()), PANGO_DIRECTION_LTR);
+        pango_context_set_base_dir(context, PANGO_DIRECTION_LTR);
+        // A path or a checksum that is broken into two lines holds no hyphen.
+        const Attributes attributes(pango_attr_list_new());
+        pango_attr_list_insert(attributes.get(), pango_attr_insert_hyphens_new(false));
+        pango_layout_set_attributes(layout_.get(), attributes.get());
     }
 
     void add(const ReportLayout::Paragraph& paragraph) {
         pango_layout_set_font_description(layout_.get(), describe(paragraph.font).get());
-        pango_layout_set_text(layout_.get(), paragraph.text.data(),
-                              static_cast<int>(paragraph.text.size()));
-        const Lines lines(pango_layout_get_iter(layout_.get()));
+        std::string_view rest = paragraph.text;
+        // Blanks at the end show nothing, but would break the line in front of its last word.
+        rest = rest.substr(0, rest.find_last_not_of(' ') + 1);
         do {
-            addLine(lines.get());
-        } while (pango_layout_iter_next_line(lines.get()));
+            rest.remove_prefix(addBeginningOf(rest));
+        } while (!rest.empty());
         y_ += paragraph.spacingAfter;
     }
 
     std::vector<std::byte> finish() {
         cairo_show_page(drawing_.get());
         cairo_surface_finish(surface_.get());
-        if (cairo_surface_status(surface_.get()) != CAIRO_STATUS_SUCCESS) {
+        if (cairo_status(drawing_.get()) != CAIRO_STATUS_SUCCESS ||
+            cairo_surface_status(surface_.get()) != CAIRO_STATUS_SUCCESS) {
             fatal("the PDF could not be made in memory");
         }
         return std::move(bytes_);
@@ -98,6 +107,34 @@ private:
         } catch (const std::bad_alloc&) {
             return CAIRO_STATUS_NO_MEMORY;  // No exception may pass through C.
         }
+    }
+
+    /// As much of a text as is laid out at once: a single word takes four times as long for twice
+    /// its length. Any path is shorter than that.
+    static std::string_view stretchOf(std::string_view text) {
+        std::size_t end = std::min<std::size_t>(text.size(), 4096);
+        const auto isInsideACharacter = [&] {
+            return end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80;
+        };
+        while (isInsideACharacter()) --end;
+        return text.substr(0, end);
+    }
+
+    /// Puts a stretch on paper and returns how many bytes that were. Where more text follows, the
+    /// stretch's last line is left to it.
+    std::size_t addBeginningOf(std::string_view text) {
+        const std::string_view stretch = stretchOf(text);
+        pango_layout_set_text(layout_.get(), stretch.data(), static_cast<int>(stretch.size()));
+        const Lines lines(pango_layout_get_iter(layout_.get()));
+        const bool moreFollows = stretch.size() < text.size();
+        do {
+            const int start = pango_layout_iter_get_line_readonly(lines.get())->start_index;
+            if (moreFollows && start > 0 && pango_layout_iter_at_last_line(lines.get())) {
+                return static_cast<std::size_t>(start);
+            }
+            addLine(lines.get());
+        } while (pango_layout_iter_next_line(lines.get()));
+        return stretch.size();
     }
 
     void addLine(PangoLayoutIter* line) {

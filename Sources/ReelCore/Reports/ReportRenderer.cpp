@@ -30,7 +30,9 @@ std::string csvLine(const std::vector<std::string>& cells) {
 }
 
 void writeFile(const URL& url, std::span<const std::byte> bytes) {
-    File::create(url).write(bytes);
+    File file = File::create(url);
+    file.write(bytes);
+    file.flush();
 }
 
 }  // namespace
@@ -48,6 +50,7 @@ std::vector<URL> ReportRenderer::write(const Report& report, const URL& director
         const std::string text = csv(report);
         writeFile(written.back(), std::as_bytes(std::span(text)));
     }
+    if (!written.empty()) FileSystem::flushFolder(directory);
     return written;
 }
 

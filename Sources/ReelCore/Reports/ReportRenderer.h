@@ -14,7 +14,8 @@ namespace ReelCore {
 struct ReportRenderer {
     /// Writes the report's files into `directory`, which is made if need be: "pdf" and "csv" in
     /// `formats` ask for one each, anything else is ignored. Files of those names are replaced.
-    /// Returns what was written, the PDF first. Throws SystemError; a file written before stays.
+    /// Returns what was written and is on the device, the PDF first. Throws SystemError; a file
+    /// written before stays.
     static std::vector<URL> write(const Report& report, const URL& directory,
                                   const std::set<std::string>& formats);
 

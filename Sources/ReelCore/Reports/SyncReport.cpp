@@ -34,8 +34,8 @@ Row row(const SyncGroup& group) {
     const auto best = group.best();
     if (!best) return {group.video.name(), startOf(group.video), "—", "", "", ""};
     return {group.video.name(), startOf(group.video),
-            best->clip.name(),  fmt::format("+{:.2f}s", best->audioOffset),
-            slate(best->clip),  fmt::format("{}%", checkedInteger(best->coverage * 100))};
+            best->clip->name(), fmt::format("+{:.2f}s", best->audioOffset),
+            slate(*best->clip), fmt::format("{}%", checkedInteger(best->coverage * 100))};
 }
 
 Report::Table table(const SyncResult& result) {

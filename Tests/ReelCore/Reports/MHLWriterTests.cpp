@@ -1,14 +1,12 @@
 #include "ReelCore/Reports/MHLWriter.h"
 
 #include "ReelCore/Platform/DateText.h"
-#include "ReelCore/Platform/SystemError.h"
 #include "ReelCore/Platform/UserAccount.h"
 #include "SampleOffload.h"
 #include "Support/DocumentReaders.h"
 #include "Support/FolderTree.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <regex>
 
 #include <gtest/gtest.h>
@@ -190,26 +188,6 @@ TEST(MHLWriter, FilesThatFailed_AreListedLikeAnyOther) {
     EXPECT_EQ(elementTexts(list, "file"), (std::vector<std::string>{"a.mov", "b.mov"}));
     EXPECT_EQ(elementTexts(list, "xxhash64").at(0), hashes.at(0));
     EXPECT_EQ(readFile(list).find("FAILED"), std::string::npos);
-}
-
-int codeOfFailure(const OffloadResult& result, const URL& folder) {
-    try {
-        writer.write(result, folder);
-    } catch (const SystemError& error) {
-        return error.code();
-    }
-    return 0;
-}
-
-TEST(MHLWriter, ListThatCannotBeWritten_IsASystemError) {
-    const TemporaryFolder folder;
-    std::filesystem::create_directory(folder.path() / "A001.mhl");
-    OffloadResult tooLong = sampleOffload({});
-    tooLong.request.reelName = std::string(252, 'x');
-
-    EXPECT_EQ(codeOfFailure(sampleOffload({}), folder.path() / "missing"), ENOENT);
-    EXPECT_EQ(codeOfFailure(sampleOffload({}), folder.path()), EISDIR);
-    EXPECT_EQ(codeOfFailure(tooLong, folder.path()), ENAMETOOLONG);
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include "Support/DocumentReaders.h"
 #include "Support/FolderTree.h"
 #include "Support/Forked.h"
+#include "Support/Tool.h"
 
 #include <gtest/gtest.h>
 #include <sched.h>
@@ -95,14 +96,23 @@ TEST(MHLWriter, NamesOfAnyBytes_GiveAListThatReadsBackAsFarAsXMLAllows) {
     EXPECT_EQ(expected[4], "DIR/control \uFFFD\uFFFD\uFFFD\x7F");
 }
 
-// Readers of XML turn a carriage return into a line feed; the bytes have it as it is.
-TEST(MHLWriter, CarriageReturn_IsNotTouched) {
+// Readers of XML turn a bare carriage return into a line feed, so that they would look for a file
+// that is not there; a line feed and a tab they hand on as they are.
+TEST(MHLWriter, ControlsThatXMLCanHold_ReadBackAsTheyAre) {
     const TemporaryFolder folder;
+    const std::vector<std::string> names{"Icon\r", "a\rb\r\nc", "d\n\te\t", "&#13;", "\r"};
+    std::vector<FileVerification> files;
+    for (const std::string& name : names) files.push_back(sampleFile(name, 1));
 
-    const URL list = writer.write(sampleOffload({sampleFile("Icon\r", 1)}), folder.path());
+    const URL list = writer.write(sampleOffload(files), folder.path());
 
-    EXPECT_NE(readFile(list).find("<file>Icon\r</file>\n"), std::string::npos);
-    EXPECT_EQ(xmlFaults(list), "");
+    EXPECT_NE(readFile(list).find("<file>Icon&#13;</file>\n"), std::string::npos);
+    EXPECT_EQ(readFile(list).find('\r'), std::string::npos);
+    EXPECT_EQ(elementTexts(list, "file"), names);
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        const std::string path = "string(//hash[" + std::to_string(i + 1) + "]/file)";
+        EXPECT_EQ(outputOf("xmllint", {"--xpath", path, list.native()}), names[i] + "\n");
+    }
 }
 
 TEST(MHLWriter, EveryPossibleByteInAName_KeepsTheListWellFormed) {

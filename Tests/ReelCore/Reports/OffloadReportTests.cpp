@@ -30,7 +30,7 @@ TEST(OffloadReport, WholeRun_HasEveryFieldInOrder) {
                                           {"Reel / Card", "A001"},
                                           {"Camera", "Sony"},
                                           {"Source", "/media/CARD"},
-                                          {"Destinations", "RAID, SHUTTLE"},
+                                          {"Destinations", "RAID, SHUTTLE", {"RAID", "SHUTTLE"}},
                                           {"Copies", "2"},
                                           {"Files", "2"},
                                           {"Total size", "1.50 GB"},

@@ -3,6 +3,7 @@
 #include "ReelCore/Platform/Text.h"
 #include "ReelCore/Reports/ReportFormat.h"
 #include "SampleOffload.h"
+#include "TimeRatio.h"
 
 #include <gtest/gtest.h>
 
@@ -10,6 +11,7 @@ namespace {
 
 using namespace ReelCore;
 using TestSupport::sampleDate;
+using TestSupport::timeRatio;
 using Font = ReportLayout::Font;
 using Paragraph = ReportLayout::Paragraph;
 using Row = std::vector<std::string>;
@@ -104,10 +106,20 @@ TEST(RowString, MarksForTheDirection_AreReplacedSoThatNoCellLeavesItsIsolation) 
               std::string::npos);
 }
 
-TEST(RowString, ParagraphSeparators_AreSignsInTheirRow) {
-    EXPECT_EQ(ReportLayout::rowString({"a\nb\rc\u0085d\u2029e"}, {9}), "a↵b↵c↵d↵e");
+TEST(RowString, LineEndsTabsAndControls_AreSignsInTheirRow) {
+    EXPECT_EQ(ReportLayout::rowString({"a\nb\rc\u0085d\u2029e\u2028f\vg\fh"}, {15}),
+              "a↵b↵c↵d↵e↵f↵g↵h");
+    EXPECT_EQ(ReportLayout::rowString({"\ta\t"}, {3}), "⇥a⇥");
     EXPECT_EQ(ReportLayout::rowString({"a\x1C\x1D\x1E"}, {4}), "a\uFFFD\uFFFD\uFFFD");
+    EXPECT_EQ(ReportLayout::rowString({{"a\0\x01\x7F", 4}}, {4}), "a\uFFFD\uFFFD\uFFFD");
     EXPECT_EQ(ReportLayout::columnWidths({{"A"}, {{"a\r\n"}}}), Widths{3});
+}
+
+TEST(RowString, CellTwiceAsLong_TakesAboutTwiceAsLong) {
+    const std::string cell(200'000, '\n');
+    const auto lay = [](const std::string& text) { ReportLayout::rowString({text}, {44}); };
+
+    EXPECT_LT(timeRatio([&] { lay(cell + cell); }, [&] { lay(cell); }), 3);
 }
 
 TEST(BuildAttributed, ReportWithATable_IsTheseParagraphs) {
@@ -171,6 +183,23 @@ TEST(BuildAttributed, Rule_EndsAtAHundredAndTenCharacters) {
     EXPECT_EQ(ruleOf({column(44), column(12), column(18), column(12), column(14), column(5)}),
               repeated("─", 110));
     EXPECT_EQ(ruleOf({}), "");
+}
+
+TEST(BuildAttributed, LineEndsTabsAndDirections_StayWithinTheirParagraph) {
+    Report report = sampleReport();
+    report.title = "Two\nlines";
+    report.subtitle = "A\t1";
+    report.summary = {{"Note", "two\nlines\ttab"},
+                      {"Reel", "שלום\u2069"},
+                      {"Drives", "א, ב\n, RAID", {"א", "ב\n", "RAID"}}};
+
+    const auto paragraphs = ReportLayout::buildAttributed(report);
+
+    EXPECT_EQ(paragraphs[0].text, "Two↵lines");
+    EXPECT_EQ(paragraphs[1].text, "A⇥1");
+    EXPECT_EQ(paragraphs[3].text, "Note:  two↵lines⇥tab");
+    EXPECT_EQ(paragraphs[4].text, "Reel:  \u2068שלום\uFFFD\u2069");
+    EXPECT_EQ(paragraphs[5].text, "Drives:  \u2068א\u2069, \u2068ב↵\u2069, RAID");
 }
 
 TEST(BuildAttributed, BytesThatAreNoText_AreReplacedEverywhere) {

@@ -1,10 +1,7 @@
 #include "ReelCore/Reports/Report.h"
 
-#include "ReelCore/Platform/SystemError.h"
 #include "ReelCore/Reports/ReportRenderer.h"
 #include "Support/FolderTree.h"
-
-#include <cerrno>
 
 #include <gtest/gtest.h>
 
@@ -77,39 +74,6 @@ TEST(ReportWrite, OldFilesOfThoseNames_AreReplacedWhole) {
 
     EXPECT_EQ(readFile(written[1]), ReportRenderer::csv(report));
     EXPECT_LT(std::filesystem::file_size(written[0]), 100'000U);
-}
-
-int codeOfFailure(const URL& folder) {
-    try {
-        ReportRenderer::write(reportNamed("Plan", std::nullopt), folder, {"pdf", "csv"});
-    } catch (const SystemError& error) {
-        return error.code();
-    }
-    return 0;
-}
-
-TEST(ReportWrite, FolderThatCannotBeMade_IsASystemError) {
-    const TemporaryFolder folder;
-    writeFile(folder.path() / "file", "");
-
-    EXPECT_EQ(codeOfFailure(folder.path() / "file"), ENOTDIR);
-    EXPECT_EQ(codeOfFailure(folder.path() / "file/below"), ENOTDIR);
-}
-
-TEST(ReportWrite, PDFThatCannotBeWritten_EndsTheCallBeforeTheCSV) {
-    const TemporaryFolder folder;
-    std::filesystem::create_directory(folder.path() / "Plan.pdf");
-
-    EXPECT_EQ(codeOfFailure(folder.path()), EISDIR);
-    EXPECT_FALSE(std::filesystem::exists(folder.path() / "Plan.csv"));
-}
-
-TEST(ReportWrite, CSVThatCannotBeWritten_LeavesThePDF) {
-    const TemporaryFolder folder;
-    std::filesystem::create_directory(folder.path() / "Plan.csv");
-
-    EXPECT_EQ(codeOfFailure(folder.path()), EISDIR);
-    EXPECT_TRUE(std::filesystem::is_regular_file(folder.path() / "Plan.pdf"));
 }
 
 }  // namespace

@@ -15,7 +15,7 @@ FileVerification sampleFile(const std::string& relativePath, std::int64_t size,
                             const std::vector<bool>& matches) {
     FileVerification one{{relativePath, size, sampleDate() - 1h}, "0eab543384f878ad", {}};
     for (const bool same : matches) {
-        one.destinations.push_back({"/drive", "/drive/file", one.sourceHash, same, std::nullopt});
+        one.destinations.push_back({"/drive", "/drive/file", one.sourceHash, same, {}, {}});
     }
     return one;
 }
@@ -23,7 +23,8 @@ FileVerification sampleFile(const std::string& relativePath, std::int64_t size,
 OffloadResult sampleOffload(std::vector<FileVerification> files) {
     const OffloadRequest request{
         "/media/CARD", {"/mnt/RAID", "/mnt/SHUTTLE"}, HashAlgorithm::xxhash64, "A001"};
-    return {request, CameraFormat::sony, std::move(files), sampleDate(), sampleDate() + 1min};
+    return {request, CameraFormat::sony, std::move(files), sampleDate(), sampleDate() + 1min, {},
+            {}};
 }
 
 Report reportWithRows(int count) {
