@@ -1,35 +1,28 @@
+#include "../Tests/Support/CarveModel.h"
+#include "../Tests/Support/HostileImage.h"
 #include "ReelCore/Recovery/CardCarver.h"
 #include "ReelCore/Recovery/Signatures.h"
 #include "Require.h"
 #include "ScratchFile.h"
 
 using namespace ReelCore;
+using TestSupport::CarveModel;
 
 namespace {
 
-void requireSoundScan(const std::string& image) {
+void requireModel(const std::string& image) {
     static const URL path = scratchFile("carvescan");
     write(path, image);
-    const auto total = static_cast<std::int64_t>(image.size());
-    std::int64_t end = 0;
-    for (const Finding& finding : CardCarver::scan(path)) {
-        REQUIRE(finding.offset >= end && finding.length >= 0);
-        REQUIRE(finding.offset + finding.length <= total);
-        end = finding.offset + finding.length;
-    }
+    REQUIRE(CardCarver::scan(path) == CarveModel(image).scan());
     std::filesystem::remove(path);
 }
 
-/// Every hit that a search place by place would find in a clip's first bytes.
 void requireHits(std::string_view bytes) {
-    std::size_t last = 0;
-    for (const Hit& hit : signatureHits(bytesOf(bytes))) {
-        REQUIRE(hit.offset >= last && hit.offset < bytes.size());
-        last = hit.offset;
-        const std::string_view at = bytes.substr(hit.offset);
-        REQUIRE(at.substr(4, 4) == "ftyp" || at.substr(4, 4) == "icpf" || at.starts_with("RIFF") ||
-                at.starts_with("\x06\x0E\x2B\x34"));
+    std::vector<Hit> expected;
+    for (const auto& hit : CarveModel::hits(bytes)) {
+        expected.push_back({static_cast<std::size_t>(hit.offset), hit.kind});
     }
+    REQUIRE(signatureHits(bytesOf(bytes)) == expected);
 }
 
 }  // namespace
@@ -38,9 +31,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (size == 0) return 0;
     const std::string text(textOf(data, size));
     requireHits(text);
-    requireSoundScan(text);
+    requireModel(text);
     // Blank flash between two of the same.
     const std::string blank(data[0] * 32U, data[size - 1] % 2 == 0 ? '\0' : '\xFF');
-    requireSoundScan(text + blank + text);
+    requireModel(text + blank + text);
+    // Among what leads everywhere.
+    std::uint64_t seed = 0;
+    for (std::size_t i = 0; i < std::min<std::size_t>(size, 8); ++i) seed = seed << 8U | data[i];
+    TestSupport::HostileImage hostile(seed);
+    requireModel(hostile.make(4 * size) + text + hostile.make(4 * size));
     return 0;
 }

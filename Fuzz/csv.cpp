@@ -3,6 +3,8 @@
 #include "ReelCore/Reports/ReportRenderer.h"
 #include "Require.h"
 
+#include <algorithm>
+
 using namespace ReelCore;
 
 namespace {
@@ -51,7 +53,7 @@ void requireSound(const Report& report) {
     REQUIRE(widths.size() == report.table->columns.size());
     for (const auto& paragraph : ReportLayout::buildAttributed(report)) {
         REQUIRE(Text::isWellFormed(paragraph.text));
-        REQUIRE(paragraph.text.find('\0') == std::string::npos);
+        REQUIRE(std::ranges::none_of(paragraph.text, [](char c) { return c >= 0 && c < ' '; }));
     }
 }
 

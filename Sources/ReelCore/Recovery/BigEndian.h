@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ReelCore/Platform/Fatal.h"
+#include "ReelCore/Platform/Arithmetic.h"
 
 #include <concepts>
 #include <cstddef>
@@ -18,11 +18,9 @@ void appendBigEndian(std::vector<std::byte>& bytes, Number number) {
     }
 }
 
-/// The number in 32 bits, or a fatal fault where it does not fit.
-inline std::uint32_t checked32(std::int64_t number, CodeLocation where = CodeLocation::current()) {
-    if (number < 0 || number > std::numeric_limits<std::uint32_t>::max()) {
-        fatal("a number of more than 32 bits", where);
-    }
+/// The number in 32 bits. Throws OutOfRange where it does not fit.
+inline std::uint32_t exact32(std::int64_t number) {
+    if (number < 0 || number > std::numeric_limits<std::uint32_t>::max()) throw OutOfRange();
     return static_cast<std::uint32_t>(number);
 }
 

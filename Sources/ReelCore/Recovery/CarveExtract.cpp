@@ -37,6 +37,7 @@ void cutOut(const Finding& finding, const URL& image, const URL& carved) {
     copy(source, finding, target);
     // A drive may refuse late what it took at first.
     target.flush();
+    FileSystem::flushFolder(carved.parent_path());
 }
 
 RepairOutcome repairCarved(const Finding& finding, const URL& image, const URL& carved,

@@ -1,39 +1,58 @@
-#include "ReelCore/Recovery/BoxHeader.h"
+#include "ReelCore/Platform/ByteCursor.h"
 #include "ReelCore/Recovery/CarveWalks.h"
 
 #include <algorithm>
 #include <array>
-#include <string_view>
 
 namespace ReelCore {
 
 namespace {
 
-bool isKnown(const BoxHeader& box) {
-    static constexpr std::array<std::string_view, 11> types{
-        "ftyp", "moov", "mdat", "free", "skip", "wide", "uuid", "meta", "moof", "mfra", "pnot"};
-    return box.type && std::ranges::find(types, *box.type) != types.end();
+/// A type as the number that its four characters make.
+constexpr std::uint32_t code(const char (&type)[5]) {
+    std::uint32_t number = 0;
+    for (int i = 0; i < 4; ++i) number = number << 8U | static_cast<unsigned char>(type[i]);
+    return number;
 }
 
-std::optional<BoxHeader> boxAt(ImagePages& pages, std::int64_t offset) {
-    std::array<std::byte, 16> bytes;
-    return BoxHeader::read(pages.read(offset, bytes));
+bool isKnown(std::uint32_t type) {
+    static constexpr std::array types{code("ftyp"), code("moov"), code("mdat"), code("free"),
+                                      code("skip"), code("wide"), code("uuid"), code("meta"),
+                                      code("moof"), code("mfra"), code("pnot")};
+    return std::ranges::find(types, type) != types.end();
+}
+
+struct Box {
+    std::uint32_t type;
+    std::uint64_t size;
+};
+
+/// The box that `bytes` begin with, `rest` bytes before the image's end; absent where none that a
+/// clip can hold does.
+std::optional<Box> boxIn(std::span<const std::byte> bytes, std::int64_t rest) {
+    ByteCursor cursor(bytes);
+    const auto size = cursor.bigEndian<std::uint32_t>();
+    const auto type = cursor.bigEndian<std::uint32_t>();
+    if (!size || !type || !isKnown(*type)) return std::nullopt;
+    Box box{*type, *size};
+    if (*size == 0) box.size = static_cast<std::uint64_t>(rest);
+    if (*size == 1) box.size = cursor.bigEndian<std::uint64_t>().value_or(0);
+    if (box.size < 8 || box.size >> 63U != 0) return std::nullopt;
+    return box;
 }
 
 }  // namespace
 
 /// The 8 bytes behind a clip are asked for no more than a type of box.
 bool MovieWalker::endsAt(std::int64_t offset) {
-    std::array<std::byte, 8> bytes;
-    const auto head = pages_.read(offset, bytes);
-    if (head.size() < bytes.size()) return true;
-    const std::string_view type(reinterpret_cast<const char*>(head.data()) + 4, 4);
-    const BoxHeader next{0, 8, boxType(type)};
-    return !isKnown(next) || next.type == "ftyp";
+    ByteCursor head(ground_.read(offset, 8));
+    head.skip(4);
+    const auto type = head.bigEndian<std::uint32_t>();
+    return !type || !isKnown(*type) || *type == code("ftyp");
 }
 
 std::optional<Finding> MovieWalker::walk(std::int64_t start) {
-    deadEnds_.forgetBefore(start);
+    const std::int64_t total = ground_.total();
     std::int64_t position = start;
     bool sawMoov = false;
     bool sawMdat = false;
@@ -41,29 +60,32 @@ std::optional<Finding> MovieWalker::walk(std::int64_t start) {
     const auto upTo = [&](std::int64_t end, bool complete) {
         return Finding{FindingKind::movie, start, end - start, complete};
     };
-    while (position <= total_ - 8) {
+    ways_.begin(start);
+    while (position <= total - 8) {
         if (position != start && !sawMoov && !sawMdat) {
-            if (deadEnds_.contains(position)) return std::nullopt;
-            // If it proves to be none it is part of a finding, and no walk comes by again.
-            deadEnds_.insert(position);
+            const std::int64_t further = ways_.pass(position);
+            if (further != position) {
+                position = further;
+                continue;
+            }
         }
-        const auto box = boxAt(pages_, position);
-        if (!box || !isKnown(*box)) break;
-        if (box->type == "ftyp" && position != start) break;
-        const bool isImpossible = box->size >> 63U != 0;
-        const bool toTheEnd = box->size == 0 && box->headerSize == 8;
-        const auto rest = static_cast<std::uint64_t>(total_ - position);
-        const std::uint64_t size = toTheEnd ? rest : box->size;
-        if (size < 8 || isImpossible) break;
-        sawMoov = sawMoov || box->type == "moov";
-        sawMdat = sawMdat || box->type == "mdat";
-        if (size > rest) return upTo(total_, false);
-        position += static_cast<std::int64_t>(size);
+        const std::int64_t rest = total - position;
+        const auto box = boxIn(ground_.read(position, 16), rest);
+        if (!box || (box->type == code("ftyp") && position != start)) break;
+        sawMoov = sawMoov || box->type == code("moov");
+        sawMdat = sawMdat || box->type == code("mdat");
+        if (sawMoov || sawMdat) ground_.settle();
+        const auto size = static_cast<std::int64_t>(box->size);
+        if (size > rest) return upTo(total, false);
+        position += size;
         if (sawMoov && sawMdat && endsAt(position)) return upTo(position, true);
         reachedTail = sawMdat;
     }
-    if (position == start || !(sawMoov || reachedTail)) return std::nullopt;
-    return upTo(position, sawMoov && reachedTail);
+    if (position != start && (sawMoov || reachedTail)) {
+        return upTo(position, sawMoov && reachedTail);
+    }
+    ways_.end(position);
+    return std::nullopt;
 }
 
 }  // namespace ReelCore

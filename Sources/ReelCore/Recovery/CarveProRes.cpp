@@ -1,10 +1,8 @@
 #include "ReelCore/Recovery/CarveWalks.h"
-#include "ReelCore/Recovery/ImagePiece.h"
 #include "ReelCore/Recovery/ProResFrame.h"
 #include "ReelCore/Recovery/Signatures.h"
 
 #include <algorithm>
-#include <array>
 #include <string_view>
 
 namespace ReelCore {
@@ -17,17 +15,16 @@ constexpr std::int64_t headSize = 8;
 
 std::optional<Finding> ProResWalker::walk(std::int64_t start) {
     constexpr std::int64_t fewestFrames = 3;
-    frameless_.forgetBefore(start);
     std::int64_t frames = 0;
     std::int64_t lastFrame = 0;
     std::optional<std::int64_t> position = start;
-    while (position && *position <= total_ - headSize) {
+    while (position && *position <= ground_.total() - headSize) {
         if (const auto size = frameAt(*position)) {
-            ++frames;
+            if (++frames == fewestFrames) ground_.settle();
             lastFrame = *position;
             *position += *size;
         } else {
-            position = nextFrame(*position);
+            position = nextFrame(start, *position);
         }
     }
     if (frames < fewestFrames) return std::nullopt;
@@ -36,45 +33,65 @@ std::optional<Finding> ProResWalker::walk(std::int64_t start) {
 
 bool ProResWalker::isFrameSize(std::optional<std::int64_t> size, std::int64_t offset) const {
     return size && *size >= smallestProResFrame && *size <= largestProResFrame &&
-           *size <= total_ - offset;
+           *size <= ground_.total() - offset;
 }
 
 std::optional<std::int64_t> ProResWalker::frameAt(std::int64_t offset) {
-    std::array<std::byte, headSize> bytes;
-    const auto size = proResFrameSize(pages_.read(offset, bytes));
+    const auto size = proResFrameSize(ground_.read(offset, headSize));
     if (!isFrameSize(size, offset)) return std::nullopt;
     return size;
 }
 
-/// Sound may lie between two frames, up to 8 MiB with the next frame's head. It is read by pieces
-/// that grow: most often the next frame is near.
-std::optional<std::int64_t> ProResWalker::nextFrame(std::int64_t from) {
+/// Sound may lie between two frames, up to 8 MiB with the next frame's head. Blocks are searched
+/// from their beginning on, so that what is known of one holds for every place in it.
+std::optional<std::int64_t> ProResWalker::nextFrame(std::int64_t start, std::int64_t from) {
     constexpr std::int64_t widestGap = 0x800000;
-    constexpr std::size_t smallestPiece = 4096;
-    constexpr std::size_t largestPiece = 0x40000;
-    constexpr std::int64_t worthRemembering = 4096;
-    buffer_.resize(largestPiece);
-    const std::int64_t end = std::min(from + widestGap, total_);
-    std::int64_t at = frameless_.endAround(from);
-    for (std::size_t size = smallestPiece; at <= end - headSize;
-         size = std::min(4 * size, largestPiece)) {
-        // Also what lies behind the gap, or the next one would be read byte by byte.
-        const auto wanted = std::min(size, static_cast<std::size_t>(total_ - at));
-        const auto piece = readPiece(image_, at, std::span(buffer_).first(wanted));
-        if (std::ssize(piece) < headSize) break;
-        const std::string_view text(reinterpret_cast<const char*>(piece.data()), piece.size());
-        for (auto tag = text.find(proResTag, 4); tag != text.npos;
-             tag = text.find(proResTag, tag + 1)) {
-            const std::int64_t frame = at + static_cast<std::int64_t>(tag) - 4;
-            if (!isFrameSize(proResFrameSize(piece.subspan(tag - 4)), frame)) continue;
-            if (frame - from >= worthRemembering) frameless_.add(from, frame);
-            return frame <= end - headSize ? std::optional(frame) : std::nullopt;
-        }
-        // A frame may begin at the end of one piece and have its tag in the next.
-        at += std::ssize(piece) - headSize + 1;
+    const std::int64_t end = std::min(from + widestGap, ground_.total()) - headSize;
+    const std::int64_t block = from - from % blockSize;
+    std::int64_t at = skipFrameless(start, block, end);
+    if (at < from) {
+        at = searchBlock(from).value_or(from);
+        if (at == block + blockSize) at = skipFrameless(start, at, end);
     }
-    if (at - from >= worthRemembering) frameless_.add(from, at);
-    return std::nullopt;
+    if (at < from || at > end || !frameAt(at)) return std::nullopt;
+    return at;
+}
+
+/// The first frame that begins in a block or in one behind it; where none does up to `end`, or what
+/// follows can't be read, how far that is known.
+std::int64_t ProResWalker::skipFrameless(std::int64_t start, std::int64_t block, std::int64_t end) {
+    frameless_.begin(start);
+    std::int64_t at = block;
+    while (at <= end && at % blockSize == 0) {
+        const std::int64_t further = frameless_.pass(at);
+        if (further != at) {
+            at = further;
+            continue;
+        }
+        const auto searched = searchBlock(at);
+        if (!searched || *searched == at) break;
+        at = *searched;
+    }
+    frameless_.end(at);
+    return at;
+}
+
+/// Where a frame first begins at or behind a place in its block, or else the block's end; absent
+/// where it can't be read.
+std::optional<std::int64_t> ProResWalker::searchBlock(std::int64_t from) {
+    const std::int64_t blockEnd = from - from % blockSize + blockSize;
+    const std::int64_t wanted = std::min(blockEnd + headSize - 1, ground_.total()) - from;
+    buffer_.resize(blockSize + headSize);
+    const auto bytes =
+        ground_.read(from, std::span(buffer_).first(static_cast<std::size_t>(wanted)));
+    if (std::ssize(bytes) < wanted) return std::nullopt;
+    const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    for (auto tag = text.find(proResTag, 4); tag != text.npos;
+         tag = text.find(proResTag, tag + 1)) {
+        const std::int64_t frame = from + static_cast<std::int64_t>(tag) - 4;
+        if (isFrameSize(proResFrameSize(bytes.subspan(tag - 4)), frame)) return frame;
+    }
+    return blockEnd;
 }
 
 }  // namespace ReelCore

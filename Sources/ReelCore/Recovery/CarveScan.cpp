@@ -6,8 +6,6 @@
 #include "ReelCore/Recovery/Signatures.h"
 
 #include <algorithm>
-#include <atomic>
-#include <future>
 #include <span>
 #include <utility>
 
@@ -25,73 +23,26 @@ bool isHole(const File& image, std::int64_t position, std::int64_t total) {
     return image.nextStored(position) >= std::min(position + chunkSize, total);
 }
 
-/// Finds the signatures of one chunk. Two threads read it, piece by piece in turns: to look through
-/// bytes takes longer than to have them from the file cache or a fast drive. The pieces are small
-/// enough to stay in a processor's own cache.
-class ChunkSearch {
-public:
-    ChunkSearch(const File& image, std::int64_t position) : image_(image), position_(position) {}
-
-    /// Absent where the image has no bytes there; offsets are from the chunk's first byte on.
-    std::optional<std::vector<Hit>> run() {
-        // Without means for a second thread, this one does it all.
-        auto other = std::async(std::launch::async | std::launch::deferred,
-                                [this] { return searchPieces(); });
-        std::vector<Hit> hits = searchPieces();
-        const std::vector<Hit> more = other.get();
-        if (!foundBytes_) return std::nullopt;
-        hits.insert(hits.end(), more.begin(), more.end());
-        std::ranges::sort(hits, {}, [](const Hit& hit) { return std::pair(hit.offset, hit.kind); });
-        // What lies on the border of two pieces is seen in both.
-        hits.erase(std::unique(hits.begin(), hits.end()), hits.end());
-        return hits;
-    }
-
-private:
-    static constexpr std::int64_t pieceSize = 0x40000;
-    /// What a piece shares with the next: no less than the longest signature with what it needs
-    /// around it.
-    static constexpr std::int64_t overlap = 32;
-
-    std::vector<Hit> searchPieces() {
-        std::vector<std::byte> buffer(static_cast<std::size_t>(pieceSize + overlap));
-        std::vector<Hit> hits;
-        for (std::int64_t at = nextPiece(); at < chunkSize; at = nextPiece()) {
-            const auto wanted = std::min(pieceSize + overlap, chunkSize - at);
-            const auto into = std::span(buffer).first(static_cast<std::size_t>(wanted));
-            const auto piece = into.first(image_.readAt(position_ + at, into));
-            if (!piece.empty()) foundBytes_ = true;
-            for (const Hit& hit : signatureHits(piece)) {
-                hits.push_back({static_cast<std::size_t>(at) + hit.offset, hit.kind});
-            }
-        }
-        return hits;
-    }
-
-    std::int64_t nextPiece() { return next_.fetch_add(pieceSize); }
-
-    const File& image_;
-    const std::int64_t position_;
-    std::atomic<std::int64_t> next_ = 0;
-    std::atomic<bool> foundBytes_ = false;
-};
-
 /// Follows what begins at the hits of one scan.
 class Walks {
 public:
-    Walks(const File& image, std::int64_t total)
-        : image_(image),
-          total_(total),
-          movie_(image, total),
-          run_(image, total),
-          wave_(image, total) {}
+    explicit Walks(CarveGround& ground)
+        : ground_(ground), movie_(ground), run_(ground), wave_(ground) {}
 
     std::optional<Finding> from(FindingKind kind, std::int64_t start) {
+        ground_.begin(start);
+        auto finding = walk(kind, start);
+        if (ground_.isCutOff()) return std::nullopt;
+        return finding;
+    }
+
+private:
+    std::optional<Finding> walk(FindingKind kind, std::int64_t start) {
         switch (kind) {
             case FindingKind::movie:
                 return movie_.walk(start);
             case FindingKind::mxf:
-                return walkMXF(image_, start, total_);
+                return walkMXF(ground_, start);
             case FindingKind::orphanProRes:
                 return run_.walk(start);
             case FindingKind::wave:
@@ -100,18 +51,90 @@ public:
         return std::nullopt;
     }
 
-private:
-    const File& image_;
-    std::int64_t total_;
+    CarveGround& ground_;
     MovieWalker movie_;
     ProResWalker run_;
     WaveWalker wave_;
 };
 
+/// One scan. A chunk is read in pieces that stay in a processor's own cache, and each is searched
+/// as it comes.
+class Scan {
+public:
+    Scan(const File& image, std::int64_t total, const std::function<bool()>& isCancelled)
+        : image_(image), ground_(image, total, isCancelled), walks_(ground_) {
+        // Room that has to grow is held twice. What is never used takes no memory.
+        constexpr std::int64_t smallestFinding = 12;
+        constexpr std::int64_t manyFindings = 3'000'000;
+        findings_.reserve(
+            static_cast<std::size_t>(std::min(total / smallestFinding, manyFindings)));
+    }
+
+    std::vector<Finding> run(const std::function<void(const CarveProgress&)>& progress) {
+        const std::int64_t total = ground_.total();
+        std::int64_t position = 0;
+        while (position < total && !ground_.askCancelled()) {
+            image_.expectRead(position, chunkSize);
+            if (!isHole(image_, position, total) && !searchChunk(position)) break;
+            position = std::max(position + step, skipUntil_);
+            progress({std::min(position, total), total, std::ssize(findings_)});
+        }
+        return std::move(findings_);
+    }
+
+private:
+    static constexpr std::int64_t pieceSize = 0x40000;
+    /// What a piece shares with the next: no less than the longest signature with what it needs
+    /// behind it.
+    static constexpr std::int64_t overlap = 32;
+
+    /// False if the image has no bytes there, or the scan was cancelled.
+    bool searchChunk(std::int64_t position) {
+        const std::int64_t end = position + chunkSize;
+        buffer_.resize(pieceSize + overlap);
+        for (std::int64_t at = position; at < end; at += pieceSize) {
+            const auto wanted = static_cast<std::size_t>(std::min(pieceSize + overlap, end - at));
+            const auto into = std::span(buffer_).first(wanted);
+            const auto piece = into.first(image_.readAt(at, into));
+            if (piece.empty()) return at > position;
+            if (at + pieceSize > skipUntil_) searchPiece(piece, at);
+            if (ground_.askCancelledInTime()) return false;
+        }
+        return true;
+    }
+
+    void searchPiece(std::span<const std::byte> piece, std::int64_t at) {
+        SignatureSearch search(piece);
+        while (search.next()) {
+            const std::int64_t start = at + static_cast<std::int64_t>(search.hit().offset);
+            // A hit in the overlap is the next piece's.
+            if (start >= at + pieceSize) break;
+            if (start < skipUntil_) continue;
+            const auto finding = walks_.from(search.hit().kind, start);
+            if (!finding) continue;
+            findings_.push_back(*finding);
+            skipUntil_ = finding->offset + finding->length;
+        }
+    }
+
+    const File& image_;
+    CarveGround ground_;
+    Walks walks_;
+    std::vector<std::byte> buffer_;
+    std::vector<Finding> findings_;
+    std::int64_t skipUntil_ = 0;
+};
+
 }  // namespace
 
-std::optional<Finding> walkMXF(const File& image, std::int64_t start, std::int64_t total) {
-    const auto walked = MXFScan::walk(image, start, total);
+std::optional<Finding> walkMXF(CarveGround& ground, std::int64_t start) {
+    constexpr int fewestTriplets = 3;
+    int reads = 0;
+    const MXFScan::Reader read = [&](std::int64_t offset) {
+        if (++reads > fewestTriplets) ground.settle();
+        return ground.read(offset, 32);
+    };
+    const auto walked = MXFScan::walk(read, start, ground.total());
     if (!walked) return std::nullopt;
     return Finding{FindingKind::mxf, start, walked->length, walked->sawFooter};
 }
@@ -121,26 +144,7 @@ std::vector<Finding> CardCarver::scan(const URL& image, const std::function<bool
     const File file = openSource(image);
     const std::int64_t total = file.size();
     if (total == 0) throw RecoveryError(RecoveryError::IOFailed{"image is empty"});
-    Walks walks(file, total);
-    std::vector<Finding> findings;
-    std::int64_t position = 0;
-    std::int64_t skipUntil = 0;
-    while (position < total && !isCancelled()) {
-        const auto hits =
-            isHole(file, position, total) ? std::vector<Hit>() : ChunkSearch(file, position).run();
-        if (!hits) break;
-        for (const Hit& hit : *hits) {
-            const std::int64_t start = position + static_cast<std::int64_t>(hit.offset);
-            if (start < skipUntil) continue;
-            const auto finding = walks.from(hit.kind, start);
-            if (!finding) continue;
-            findings.push_back(*finding);
-            skipUntil = finding->offset + finding->length;
-        }
-        position = std::max(position + step, skipUntil);
-        progress({std::min(position, total), total, std::ssize(findings)});
-    }
-    return findings;
+    return Scan(file, total, isCancelled).run(progress);
 }
 
 }  // namespace ReelCore

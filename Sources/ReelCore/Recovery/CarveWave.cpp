@@ -1,10 +1,8 @@
 #include "ReelCore/Platform/ByteCursor.h"
 #include "ReelCore/Recovery/CarveWalks.h"
-#include "ReelCore/Recovery/ImagePiece.h"
 #include "ReelCore/Recovery/Signatures.h"
 
 #include <algorithm>
-#include <array>
 #include <string_view>
 #include <vector>
 
@@ -25,9 +23,8 @@ struct Chunk {
 };
 
 /// Absent where no chunk stands.
-std::optional<Chunk> chunkAt(ImagePages& pages, std::int64_t offset) {
-    std::array<std::byte, chunkHeaderSize> bytes;
-    ByteCursor header(pages.read(offset, bytes));
+std::optional<Chunk> chunkAt(CarveGround& ground, std::int64_t offset) {
+    ByteCursor header(ground.read(offset, chunkHeaderSize));
     const auto id = header.text(4);
     const auto size = header.littleEndian<std::uint32_t>();
     if (!id || !size || !isChunkID(*id)) return std::nullopt;
@@ -52,100 +49,104 @@ std::size_t skipToBlank(std::span<const std::byte> bytes) {
 /// too large, or behind the limit.
 std::int64_t WaveWalker::lastChunk(std::int64_t start, std::int64_t limit) {
     constexpr std::uint32_t largestChunk = 0x1000000;
-    constexpr std::size_t manyShortcuts = 0x100000;
-    if (shortcuts_.size() > manyShortcuts) {
-        std::erase_if(shortcuts_, [&](const auto& one) { return one.first < start; });
-    }
-    std::vector<std::int64_t> passed;
     std::int64_t cursor = start + 12;
+    chunks_.begin(start);
     while (cursor <= limit - chunkHeaderSize) {
-        const auto shortcut = shortcuts_.find(cursor);
-        if (shortcut != shortcuts_.end()) {
-            passed.push_back(cursor);
-            cursor = shortcut->second;
+        const std::int64_t further = chunks_.pass(cursor);
+        if (further != cursor) {
+            cursor = further;
             continue;
         }
-        const auto chunk = chunkAt(pages_, cursor);
+        const auto chunk = chunkAt(ground_, cursor);
         if (!chunk || chunk->isData || chunk->size >= largestChunk) break;
-        passed.push_back(cursor);
         cursor += chunkHeaderSize + chunk->size + chunk->size % 2;
     }
-    for (const std::int64_t chunk : passed) shortcuts_[chunk] = cursor;
+    chunks_.end(cursor);
     return cursor;
 }
 
 /// Where a run of the bytes that blank flash reads as begins; absent where none lies whole before
-/// the end. What can't be read counts as sound up to the image's end, here as below.
+/// the end. What can't be read counts as sound up to the image's end, here as below. It is asked
+/// from ascending places, so that one that was looked at needs no second look.
 std::optional<std::int64_t> WaveWalker::blankRun(std::int64_t from, std::int64_t end) {
-    constexpr std::size_t pieceSize = 0x40000;
-    buffer_.resize(pieceSize);
-    std::int64_t at = written_.endAround(from);
-    std::optional<std::int64_t> run;
-    while (!run && at <= end - std::int64_t{longBlank}) {
-        const auto wanted = std::min(pieceSize, static_cast<std::size_t>(end - at));
-        auto piece = readPiece(image_, at, std::span(buffer_).first(wanted));
-        if (piece.size() < wanted) return total_;
-        while (!run && piece.size() >= longBlank) {
+    const std::int64_t last = end - std::int64_t{longBlank};
+    if (soundEnd_ < from) isBlank_ = false;
+    soundEnd_ = std::max(soundEnd_, from);
+    while (!isBlank_ && soundEnd_ <= last) {
+        // What lies behind the end is looked through as well, or the next walk would go on bit by
+        // bit; but it may be what can't be read.
+        auto piece = read(soundEnd_, std::min(soundEnd_ + pieceSize, ground_.total()));
+        if (piece.empty()) piece = read(soundEnd_, std::min(soundEnd_ + pieceSize, end));
+        if (piece.empty()) return ground_.total();
+        while (!isBlank_ && piece.size() >= longBlank) {
             const std::size_t skipped = skipToBlank(piece);
-            if (skipped == 0) run = at;
-            at += static_cast<std::int64_t>(skipped);
+            isBlank_ = skipped == 0;
+            soundEnd_ += static_cast<std::int64_t>(skipped);
             piece = piece.subspan(skipped);
         }
     }
-    written_.add(from, at);
-    return run;
+    if (!isBlank_ || soundEnd_ > last) return std::nullopt;
+    return soundEnd_;
 }
 
 /// Where other media next begins at or behind a place, by a signature that lies whole before the
-/// end. Read by pieces that grow: most often it is near or nowhere.
+/// end. The first page is at hand: most often it is near or nowhere.
 std::optional<std::int64_t> WaveWalker::signature(std::int64_t from, std::int64_t end) {
-    constexpr std::size_t smallestPiece = 128;
-    constexpr std::size_t largestPiece = 0x40000;
     constexpr std::int64_t longestSignature = 16;
-    buffer_.resize(largestPiece);
-    std::size_t size = smallestPiece;
-    for (std::int64_t at = from; at < end; size = std::min(4 * size, largestPiece)) {
-        const auto wanted = std::min(size, static_cast<std::size_t>(end - at));
-        const auto piece = readPiece(image_, at, std::span(buffer_).first(wanted));
-        if (piece.size() < wanted) return total_;
-        const std::vector<Hit> hits = signatureHits(piece);
-        if (!hits.empty()) return at + static_cast<std::int64_t>(hits.front().offset);
-        if (std::ssize(piece) < longestSignature) break;
+    auto piece = ground_.rest(from, static_cast<std::size_t>(end - from));
+    if (std::ssize(piece) < std::min(end - from, longestSignature)) {
+        piece = read(from, std::min(from + pieceSize, end));
+    }
+    for (std::int64_t at = from; at < end; piece = read(at, std::min(at + pieceSize, end))) {
+        if (piece.empty()) return ground_.total();
+        SignatureSearch search(piece);
+        if (search.next()) return at + static_cast<std::int64_t>(search.hit().offset);
+        if (at + std::ssize(piece) >= end) break;
         at += std::ssize(piece) - longestSignature + 1;
     }
     return std::nullopt;
+}
+
+/// The bytes of a range; nothing where they can't be read.
+std::span<const std::byte> WaveWalker::read(std::int64_t from, std::int64_t end) {
+    buffer_.resize(pieceSize);
+    const auto wanted = std::span(buffer_).first(static_cast<std::size_t>(end - from));
+    const auto bytes = ground_.read(from, wanted);
+    if (bytes.size() < wanted.size()) return {};
+    return bytes;
 }
 
 /// Where sound that was never closed stops: at blank flash, or at the beginning of other media.
 std::int64_t WaveWalker::boundary(std::int64_t from) {
     constexpr std::int64_t blockSize = 0x800000;
     constexpr std::int64_t step = 0x7F0000;
-    for (std::int64_t position = from; position < total_; position += step) {
-        const std::int64_t end = std::min(position + blockSize, total_);
+    const std::int64_t total = ground_.total();
+    for (std::int64_t position = from; position < total; position += step) {
+        const std::int64_t end = std::min(position + blockSize, total);
         if (const auto run = blankRun(position, end)) return *run;
         if (const auto next = signature(position + 1, end)) return *next;
     }
-    return total_;
+    return total;
 }
 
 std::optional<Finding> WaveWalker::walk(std::int64_t start) {
     constexpr std::int64_t farthest = 0x100000;
-    written_.forgetBefore(start);
-    std::array<std::byte, 12> bytes;
-    ByteCursor riff(pages_.read(start, bytes));
+    const std::int64_t total = ground_.total();
+    ByteCursor riff(ground_.read(start, 12));
     riff.skip(4);
     const auto riffSize = riff.littleEndian<std::uint32_t>();
     if (!riffSize || !riff.skip(4)) return std::nullopt;
-    const std::int64_t limit = std::min(total_, start + farthest);
+    const std::int64_t limit = std::min(total, start + farthest);
     const std::int64_t last = lastChunk(start, limit);
     const auto chunk =
-        last <= limit - chunkHeaderSize ? chunkAt(pages_, last) : std::optional<Chunk>();
+        last <= limit - chunkHeaderSize ? chunkAt(ground_, last) : std::optional<Chunk>();
     const bool hasData = chunk && chunk->isData && chunk->size > 0;
     const std::int64_t dataEnd = hasData ? last + chunkHeaderSize + chunk->size : 0;
     const std::int64_t riffEnd = *riffSize > 0 ? start + 8 + *riffSize : 0;
+    ground_.settle();
     std::int64_t end = std::max(dataEnd, riffEnd);
     if (end == 0) end = boundary(std::max(start + 44, last + chunkHeaderSize));
-    return Finding{FindingKind::wave, start, std::min(total_, end) - start, hasData};
+    return Finding{FindingKind::wave, start, std::min(total, end) - start, hasData};
 }
 
 }  // namespace ReelCore

@@ -2,6 +2,7 @@
 
 #include "ReelCore/Models/UniquePath.h"
 #include "ReelCore/Offload/SourceScanner.h"
+#include "ReelCore/Platform/Arithmetic.h"
 #include "ReelCore/Platform/File.h"
 #include "ReelCore/Platform/FileSystem.h"
 #include "ReelCore/Platform/FolderWalk.h"
@@ -13,6 +14,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <new>
 #include <string>
 
 #include <fmt/format.h>
@@ -31,13 +33,15 @@ bool isClip(const URL& url) {
 }
 
 URL outputFor(const URL& source, const URL& folder, std::string_view ending) {
-    return uniqueOutputURL(folder / (source.stem().native() + std::string(ending)));
+    return folder / (source.stem().native() + std::string(ending));
 }
 
-/// A drive may refuse late what it took at first: a clip is repaired when all of it has arrived.
+/// A drive may refuse late what it took at first: a clip is repaired when all of it has arrived,
+/// and its name too.
 RepairOutcome success(const URL& source, const URL& output, std::string method,
                       std::string detail) {
     File::openForUpdating(output).flush();
+    FileSystem::flushFolder(output.parent_path());
     return {source, output, true, std::move(method), std::move(detail)};
 }
 
@@ -57,25 +61,25 @@ struct Repair {
                 RecoveryError::ReferenceRequired{"pick a healthy clip from the same camera"});
             return failure(source, "moov rebuild", missing.description());
         }
-        const URL output = outputFor(source, folder, "_recovered.mov");
-        const auto stats = MoovRebuilder::rebuild(source, *reference, output);
-        return success(source, output, "moov rebuild", stats.summary());
+        const ReservedOutput output(outputFor(source, folder, "_recovered.mov"));
+        const auto stats = MoovRebuilder::rebuild(source, *reference, output.url());
+        return success(source, output.url(), "moov rebuild", stats.summary());
     }
 
     /// The clip still has its own index to go by.
     RepairOutcome operator()(const ClipDiagnosis::Truncated&) const {
-        const URL output = outputFor(source, folder, "_repaired.mov");
-        if (const auto stats = rebuiltByItself(output)) {
-            return success(source, output, "index rebuild", stats->summary());
+        const ReservedOutput output(outputFor(source, folder, "_repaired.mov"));
+        if (const auto stats = rebuiltByItself(output.url())) {
+            return success(source, output.url(), "index rebuild", stats->summary());
         }
-        remux(source, output);
-        return success(source, output, "remux", "container rebuilt from intact index");
+        remux(source, output.url());
+        return success(source, output.url(), "remux", "container rebuilt from intact index");
     }
 
     RepairOutcome operator()(const ClipDiagnosis::StaleWAVSizes&) const {
-        const URL output = outputFor(source, folder, "_repaired.wav");
-        const auto fixed = WAVRepairer::repair(source, output);
-        return success(source, output, "WAV size fix",
+        const ReservedOutput output(outputFor(source, folder, "_repaired.wav"));
+        const auto fixed = WAVRepairer::repair(source, output.url());
+        return success(source, output.url(), "WAV size fix",
                        fmt::format("{:.1f}s of audio recovered", fixed.seconds));
     }
 
@@ -116,6 +120,10 @@ RepairOutcome ClipDoctor::repair(const ClipReport& report, const std::optional<U
     try {
         FileSystem::createFolders(outputDir);
         return std::visit(Repair{report.url, reference, outputDir}, report.diagnosis.value);
+    } catch (const OutOfRange&) {
+        return failure(report.url, "repair", "Clip is too large to rebuild.");
+    } catch (const std::bad_alloc&) {
+        return failure(report.url, "repair", "Not enough memory for the index of the clip.");
     } catch (const Error& error) {
         return failure(report.url, "repair", error.description());
     } catch (const std::exception& error) {

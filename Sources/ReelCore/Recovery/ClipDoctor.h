@@ -26,8 +26,7 @@ struct ClipDoctor {
 
     /// Writes the repaired clip into `outputDir`, which is made, under a name that is free. A clip
     /// without an index needs a healthy `reference` from the same camera. Never fails: every
-    /// failure is an outcome that says so, and may leave a partial file behind. Numbers in an index
-    /// that can't be reckoned with are fatal faults.
+    /// failure is an outcome that says so, and may leave a partial file behind.
     static RepairOutcome repair(const ClipReport& report, const std::optional<URL>& reference,
                                 const URL& outputDir);
 };

@@ -9,6 +9,7 @@
 #include <array>
 #include <exception>
 #include <limits>
+#include <optional>
 #include <span>
 #include <string>
 #include <utility>
@@ -21,6 +22,20 @@ ClipDiagnosis unreadable(std::string reason) {
     return {ClipDiagnosis::Unreadable{std::move(reason)}};
 }
 
+/// What a diagnosis needs of a movie's boxes. Each but the last ends where the next one begins, so
+/// that the last one tells whether all fit into the file.
+struct Movie {
+    std::optional<TopLevelBox> last;
+    std::optional<TopLevelBox> media;
+    bool hasIndex = false;
+
+    void add(const TopLevelBox& box) {
+        last = box;
+        if (box.type == "moov") hasIndex = true;
+        if (box.type == "mdat" && !media) media = box;
+    }
+};
+
 std::int64_t endOf(const TopLevelBox& box, std::int64_t fileSize) {
     if (box.extendsToEOF) return fileSize;
     std::int64_t end = 0;
@@ -28,26 +43,27 @@ std::int64_t endOf(const TopLevelBox& box, std::int64_t fileSize) {
     return overflows ? std::numeric_limits<std::int64_t>::max() : end;
 }
 
-ClipDiagnosis judge(const MP4Scan::TopLevel& movie) {
-    if (movie.boxes.empty()) return unreadable("no QuickTime/MP4 structure");
-    if (movie.first("moov")) {
-        std::int64_t end = 0;
-        for (const TopLevelBox& box : movie.boxes) end = std::max(end, endOf(box, movie.fileSize));
-        if (end > movie.fileSize) return {ClipDiagnosis::Truncated{end, movie.fileSize}};
+ClipDiagnosis judge(const Movie& movie, std::int64_t fileSize) {
+    if (!movie.last) return unreadable("no QuickTime/MP4 structure");
+    if (movie.hasIndex) {
+        const std::int64_t end = endOf(*movie.last, fileSize);
+        if (end > fileSize) return {ClipDiagnosis::Truncated{end, fileSize}};
         return {ClipDiagnosis::Healthy{}};
     }
-    const TopLevelBox* mdat = movie.first("mdat");
-    if (!mdat) return unreadable("no moov and no mdat");
-    const std::int64_t available = movie.fileSize - mdat->payloadOffset();
+    if (!movie.media) return unreadable("no moov and no mdat");
+    const std::int64_t available = fileSize - movie.media->payloadOffset();
     const std::int64_t bytes =
-        mdat->extendsToEOF ? available : std::min(available, mdat->declaredPayload);
+        movie.media->extendsToEOF ? available : std::min(available, movie.media->declaredPayload);
     if (bytes <= 0) return unreadable("mdat empty");
     return {ClipDiagnosis::MissingIndex{bytes}};
 }
 
 ClipDiagnosis diagnoseMovie(const URL& url) {
     try {
-        return judge(MP4Scan::topLevel(url));
+        Movie movie;
+        const std::int64_t fileSize =
+            MP4Scan::walk(url, [&](const TopLevelBox& box) { movie.add(box); });
+        return judge(movie, fileSize);
     } catch (const std::exception&) {
         return unreadable("no QuickTime/MP4 structure");
     }
@@ -85,7 +101,8 @@ ClipDiagnosis diagnoseMXF(const URL& url, std::int64_t fileSize) {
         if (walk->sawFooter && walk->length >= fileSize) return {ClipDiagnosis::Healthy{}};
         return {ClipDiagnosis::Truncated{fileSize, walk->length}};
     } catch (const std::exception&) {
-        return unreadable("cannot open");
+        // A folder can be opened, but not be read.
+        return unreadable(FileSystem::isFolder(url) ? "no MXF header partition" : "cannot open");
     }
 }
 

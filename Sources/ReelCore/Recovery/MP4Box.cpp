@@ -1,5 +1,6 @@
 #include "ReelCore/Recovery/MP4Box.h"
 
+#include "ReelCore/Platform/Arithmetic.h"
 #include "ReelCore/Platform/Fatal.h"
 #include "ReelCore/Recovery/BoxHeader.h"
 
@@ -20,9 +21,6 @@ struct RawBox {
 std::vector<RawBox> boxesIn(std::span<const std::byte> body) {
     std::vector<RawBox> boxes;
     while (const auto header = BoxHeader::read(body)) {
-        if (header->headerSize == 16 && header->size >> 63U != 0) {
-            fatal("a box of 2^63 bytes or more");
-        }
         const auto headerSize = static_cast<std::uint64_t>(header->headerSize);
         if (header->size < headerSize || header->size > body.size()) break;
         const auto size = static_cast<std::size_t>(header->size);
@@ -91,7 +89,7 @@ std::shared_ptr<MP4Box> MP4Box::parse(const std::string& type, std::span<const s
 
 MP4Box::Bytes MP4Box::serialize() const {
     const std::uint64_t size = countedSize(*this);
-    if (size > std::numeric_limits<std::uint32_t>::max()) fatal("a box above 4 GiB");
+    if (size > std::numeric_limits<std::uint32_t>::max()) throw OutOfRange();
     Bytes bytes;
     bytes.reserve(static_cast<std::size_t>(size));
     append(bytes, *this);

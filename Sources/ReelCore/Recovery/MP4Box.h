@@ -25,14 +25,13 @@ public:
 
     /// The tree of one box whose body is `payload`. Never fails: what follows the first thing that
     /// can be no box is dropped. Boxes below the 32nd level are dropped too; sound files have six.
-    /// A child of 2^63 bytes or more is a fatal fault.
     static std::shared_ptr<MP4Box> parse(const std::string& type,
                                          std::span<const std::byte> payload);
 
     bool isContainer() const { return !children.empty() || containers.contains(type); }
 
-    /// The box as file bytes with its header, always in the 32-bit form. A box above 4 GiB, or a
-    /// type that is not ASCII, is a fatal fault.
+    /// The box as file bytes with its header, always in the 32-bit form. Throws OutOfRange
+    /// above 4 GiB; a type that is not ASCII, which no file can have given, is a fatal fault.
     Bytes serialize() const;
 
     /// The box that a path of types leads to, at each level the first child of the type; null where

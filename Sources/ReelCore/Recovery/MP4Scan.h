@@ -3,6 +3,7 @@
 #include "ReelCore/Platform/URL.h"
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -22,8 +23,8 @@ struct TopLevelBox {
     std::int64_t payloadOffset() const { return offset + headerSize; }
 };
 
-/// Goes over the top level of a file and reads nothing but box headers, 16 bytes each, whatever the
-/// size of the media. Any thread.
+/// Goes over the top level of a file and reads nothing but box headers, small ones together,
+/// whatever the size of the media. Any thread.
 struct MP4Scan {
     struct TopLevel {
         std::vector<TopLevelBox> boxes;  ///< In file order.
@@ -36,6 +37,10 @@ struct MP4Scan {
     /// Ends at the first thing that can be no box: damage is no failure. Throws
     /// RecoveryError::NotFound where the file can't be opened, SystemError where it can't be read.
     static TopLevel topLevel(const URL& url);
+
+    /// The same without keeping the boxes, of which a damaged file may hold millions: gives each to
+    /// `visit`, in file order, and returns the file's size.
+    static std::int64_t walk(const URL& url, const std::function<void(const TopLevelBox&)>& visit);
 };
 
 }  // namespace ReelCore

@@ -2,7 +2,7 @@
 
 #include "ReelCore/Recovery/ImagePiece.h"
 
-#include <algorithm>
+#include <cstring>
 
 namespace ReelCore {
 
@@ -12,8 +12,7 @@ constexpr std::size_t keySize = 16;
 
 bool beginsWith(std::span<const std::byte> data, std::span<const std::uint8_t> prefix) {
     return data.size() >= prefix.size() &&
-           std::equal(prefix.begin(), prefix.end(), data.begin(),
-                      [](std::uint8_t left, std::byte right) { return std::byte{left} == right; });
+           std::memcmp(data.data(), prefix.data(), prefix.size()) == 0;
 }
 
 }  // namespace
@@ -45,13 +44,19 @@ std::optional<MXFScan::BERLength> MXFScan::berLength(std::span<const std::byte> 
 }
 
 std::optional<MXFScan::Walk> MXFScan::walk(const File& file, std::int64_t at, std::int64_t limit) {
+    std::array<std::byte, 32> buffer;
+    const auto read = [&](std::int64_t offset) { return readPiece(file, offset, buffer); };
+    return walk(Reader(read), at, limit);
+}
+
+std::optional<MXFScan::Walk> MXFScan::walk(const Reader& read, std::int64_t at,
+                                           std::int64_t limit) {
     constexpr std::int64_t smallestTriplet = keySize + 1;
     constexpr std::int64_t fewestTriplets = 3;
     Walk result;
     std::int64_t position = at;
     while (position <= limit - smallestTriplet) {
-        std::array<std::byte, 32> buffer;
-        const auto bytes = readPiece(file, position, buffer);
+        const auto bytes = read(position);
         if (bytes.size() < smallestTriplet) break;
         if (!beginsWith(bytes, std::span(partitionPrefix).first(4))) break;
         if (result.klvCount > 0 && isPartitionKey(bytes, 0, PartitionKind::header)) break;

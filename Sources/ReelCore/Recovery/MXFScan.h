@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <span>
 
@@ -48,6 +49,11 @@ struct MXFScan {
     /// and at the header partition of a next clip. Absent for fewer than 3 triplets, which may be
     /// chance.
     static std::optional<Walk> walk(const File& file, std::int64_t at, std::int64_t limit);
+
+    /// The same in what gives the 32 bytes at an offset, or fewer at its end. They stay until the
+    /// next call.
+    using Reader = std::function<std::span<const std::byte>(std::int64_t offset)>;
+    static std::optional<Walk> walk(const Reader& read, std::int64_t at, std::int64_t limit);
 };
 
 }  // namespace ReelCore

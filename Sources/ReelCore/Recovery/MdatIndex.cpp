@@ -65,12 +65,16 @@ public:
             const auto bytes = bytesFrom(at, tagSize, piece);
             if (const auto found = findTag(bytes)) return at + static_cast<std::int64_t>(*found);
             if (std::ssize(bytes) < tagSize) return std::nullopt;
-            // The tag may begin at the end of one piece and go on in the next.
-            at += std::ssize(bytes) - tagSize + 1;
+            // The tag may begin at the end of one piece and go on in the next, but not in a hole.
+            at = nextStored(at + std::ssize(bytes) - tagSize + 1);
         }
     }
 
 private:
+    std::int64_t nextStored(std::int64_t at) const {
+        return std::min(file_.nextStored(offset_ + at) - offset_, length_);
+    }
+
     static constexpr std::int64_t smallestPiece = 16'384;
     static constexpr std::int64_t largestPiece = 4'194'304;
 

@@ -1,6 +1,5 @@
 #include "ReelCore/Recovery/MoovPatch.h"
 
-#include "ReelCore/Platform/Fatal.h"
 #include "ReelCore/Recovery/BigEndian.h"
 #include "ReelCore/Recovery/RecoveryError.h"
 #include "ReelCore/Recovery/SampleTables.h"
@@ -43,7 +42,7 @@ void setDuration(MP4Box::Bytes& payload, const DurationOffsets& offsets, std::in
 /// A length in the units of another clock; 0 where the first has none.
 std::int64_t converted(std::int64_t units, std::uint32_t timescale, std::uint32_t newTimescale) {
     if (timescale == 0) return 0;
-    return checkedMultiply(units, newTimescale) / timescale;
+    return exactProduct(units, newTimescale) / timescale;
 }
 
 double seconds(std::int64_t units, std::uint32_t timescale) {
@@ -53,9 +52,9 @@ double seconds(std::int64_t units, std::uint32_t timescale) {
 std::int64_t audioUnits(const TrackInfo& audio, const MdatIndex& index) {
     std::int64_t bytes = 0;
     for (const MdatIndex::AudioChunk& chunk : index.audioChunks) {
-        bytes = checkedAdd(bytes, chunk.bytes);
+        bytes = exactSum(bytes, chunk.bytes);
     }
-    return checkedMultiply(bytes / audio.bytesPerFrame, audio.sttsDelta);
+    return exactProduct(bytes / audio.bytesPerFrame, audio.sttsDelta);
 }
 
 /// A track that is kept, and its length in its own units.
@@ -85,7 +84,7 @@ void patchTrack(const TrackLength& length, std::uint32_t movieTimescale, const M
 MoovRebuilder::Stats patch(MP4Box& moov, const KeptTracks& tracks, const MdatIndex& index,
                            std::int64_t mdatFileOffset) {
     std::vector<TrackLength> lengths{
-        {tracks.video, checkedMultiply(std::ssize(index.videoSamples), tracks.video.sttsDelta)}};
+        {tracks.video, exactProduct(std::ssize(index.videoSamples), tracks.video.sttsDelta)}};
     if (tracks.audio) lengths.push_back({*tracks.audio, audioUnits(*tracks.audio, index)});
 
     const auto mvhd = moov.first({"mvhd"});

@@ -17,8 +17,8 @@ struct KeptTracks {
 
 /// Turns the "moov" of a reference into that of an index, whose media stands in the file from
 /// `mdatFileOffset` on: new sample tables and durations, the kept tracks alone, no edit lists and
-/// no user data. Throws RecoveryError::ReferenceUnusable where a box is missing; arithmetic
-/// overflow is a fatal fault.
+/// no user data. Throws RecoveryError::ReferenceUnusable where a box is missing, OutOfRange where a
+/// length or a table can't be written.
 MoovRebuilder::Stats patch(MP4Box& moov, const KeptTracks& tracks, const MdatIndex& index,
                            std::int64_t mdatFileOffset);
 

@@ -8,6 +8,8 @@
 #include "ReelCore/Recovery/RecoveryError.h"
 
 #include <algorithm>
+#include <functional>
+#include <map>
 #include <optional>
 #include <span>
 
@@ -31,8 +33,28 @@ Bytes read(const File& file, const Extent& extent) {
     return bytes;
 }
 
+/// The first boxes of a file that a rebuild goes by, however many others there are.
+struct Layout {
+    std::int64_t fileSize = 0;
+    std::map<std::string, TopLevelBox, std::less<>> firsts;
+
+    const TopLevelBox* first(std::string_view type) const {
+        const auto found = firsts.find(type);
+        return found == firsts.end() ? nullptr : &found->second;
+    }
+};
+
+Layout layoutOf(const URL& url) {
+    Layout layout;
+    layout.fileSize = MP4Scan::walk(url, [&](const TopLevelBox& box) {
+        const bool counts = box.type == "ftyp" || box.type == "moov" || box.type == "mdat";
+        if (counts) layout.firsts.try_emplace(box.type, box);
+    });
+    return layout;
+}
+
 /// The media of a damaged clip, as far as the file holds it.
-Extent mediaOf(const MP4Scan::TopLevel& damaged) {
+Extent mediaOf(const Layout& damaged) {
     const TopLevelBox* mdat = damaged.first("mdat");
     if (!mdat) throw RecoveryError(RecoveryError::Unsupported{"damaged file has no mdat"});
     const std::int64_t available = damaged.fileSize - mdat->payloadOffset();
@@ -42,14 +64,12 @@ Extent mediaOf(const MP4Scan::TopLevel& damaged) {
     return {mdat->payloadOffset(), length};
 }
 
-/// A box's whole payload, or as much as the file holds. No index is larger than the limit, and a
-/// damaged size must not fill the memory.
-std::shared_ptr<MP4Box> readMoov(const URL& reference, const MP4Scan::TopLevel& layout) {
-    constexpr std::int64_t largestMoov = std::int64_t{256} << 20U;
+/// The whole index, or as much of it as the file holds.
+std::shared_ptr<MP4Box> readMoov(const URL& reference, const Layout& layout) {
     const TopLevelBox* moov = layout.first("moov");
     if (!moov) throw RecoveryError(RecoveryError::ReferenceUnusable{"reference has no moov"});
     const std::int64_t available = layout.fileSize - moov->payloadOffset();
-    const std::int64_t length = std::min({moov->declaredPayload, available, largestMoov});
+    const std::int64_t length = std::min(moov->declaredPayload, available);
     const Bytes payload =
         read(File::openForReading(reference, FileLinks::follow), {moov->payloadOffset(), length});
     return MP4Box::parse("moov", payload);
@@ -82,15 +102,12 @@ KeptTracks tracksOf(const MP4Box& moov) {
     return {*video, *audio};
 }
 
-/// The first "ftyp" of a file with its header; absent where there is none, or none that ends within
+/// The first "ftyp" of a file with its header; empty where there is none, or none that ends within
 /// the file.
-std::optional<Bytes> fileType(const URL& url, const MP4Scan::TopLevel& layout) {
-    constexpr std::int64_t largestFileType = std::int64_t{1} << 20U;
+Extent fileTypeOf(const Layout& layout) {
     const TopLevelBox* box = layout.first("ftyp");
-    if (!box || box->declaredPayload > largestFileType) return std::nullopt;
-    const Extent whole{box->offset, box->headerSize + box->declaredPayload};
-    if (whole.offset + whole.length > layout.fileSize) return std::nullopt;
-    return read(File::openForReading(url, FileLinks::follow), whole);
+    if (!box || box->declaredPayload > layout.fileSize - box->payloadOffset()) return {0, 0};
+    return {box->offset, box->headerSize + box->declaredPayload};
 }
 
 }  // namespace
@@ -103,9 +120,9 @@ std::string MoovRebuilder::Stats::summary() const {
 MoovRebuilder::Stats MoovRebuilder::rebuild(const URL& damaged, const URL& reference,
                                             const URL& output) {
     requireOtherFile(output, {damaged, reference});
-    const MP4Scan::TopLevel damagedLayout = MP4Scan::topLevel(damaged);
+    const Layout damagedLayout = layoutOf(damaged);
     const Extent media = mediaOf(damagedLayout);
-    const MP4Scan::TopLevel referenceLayout = MP4Scan::topLevel(reference);
+    const Layout referenceLayout = layoutOf(reference);
     const auto moov = readMoov(reference, referenceLayout);
     const KeptTracks tracks = tracksOf(*moov);
 
@@ -114,18 +131,19 @@ MoovRebuilder::Stats MoovRebuilder::rebuild(const URL& damaged, const URL& refer
                                       tracks.audio ? tracks.audio->bytesPerFrame : 0);
     if (index.videoSamples.empty()) throw RecoveryError(RecoveryError::NoRecoverableFrames{});
 
-    auto head = fileType(damaged, damagedLayout);
-    if (!head) head = fileType(reference, referenceLayout);
-    Bytes beginning = head.value_or(Bytes());
+    const bool hasFileType = fileTypeOf(damagedLayout).length > 0;
+    const Extent fileType = fileTypeOf(hasFileType ? damagedLayout : referenceLayout);
     const Bytes header = mdatHeader(index.referencedEnd);
-    beginning.insert(beginning.end(), header.begin(), header.end());
-    const Stats stats = patch(*moov, tracks, index, std::ssize(beginning));
+    const Stats stats = patch(*moov, tracks, index, fileType.length + std::ssize(header));
+    const Bytes newIndex = moov->serialize();
 
-    File target = File::create(output);
-    target.write(beginning);
+    File target = openOutput(output);
+    target.append(File::openForReading(hasFileType ? damaged : reference, FileLinks::follow),
+                  fileType.offset, fileType.length);
+    target.write(header);
     source.expectSequentialRead();
     target.append(source, media.offset, index.referencedEnd);
-    target.write(moov->serialize());
+    target.write(newIndex);
     return stats;
 }
 

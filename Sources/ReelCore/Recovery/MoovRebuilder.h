@@ -39,8 +39,9 @@ struct MoovRebuilder {
     /// Writes the clip's media with a new index to `output`, in place of what is there. Neither the
     /// damaged file nor the reference, which may be the same, is ever written to. Memory grows with
     /// the number of frames and not with the size of the clip. Throws RecoveryError where the clip
-    /// or the reference does not serve, or `output` is one of them; SystemError where a file can't
-    /// be read or written; what was written until then stays.
+    /// or the reference does not serve, or `output` is one of them; OutOfRange where no index can
+    /// hold the clip's numbers, before anything is written; SystemError where a file can't be read
+    /// or written; what was written until then stays.
     static Stats rebuild(const URL& damaged, const URL& reference, const URL& output);
 
     /// Finds the ProRes frames (SMPTE RDD 36) in media by their own tag and takes what lies between

@@ -15,4 +15,9 @@ void requireOtherFile(const URL& output, std::initializer_list<URL> inputs) {
     }
 }
 
+File openOutput(const URL& output) {
+    const auto stamp = FileSystem::stamp(output);
+    return stamp && stamp->size == 0 ? File::openForUpdating(output) : File::create(output);
+}
+
 }  // namespace ReelCore

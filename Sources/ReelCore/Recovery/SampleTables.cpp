@@ -1,5 +1,6 @@
 #include "ReelCore/Recovery/SampleTables.h"
 
+#include "ReelCore/Platform/Fatal.h"
 #include "ReelCore/Recovery/BigEndian.h"
 
 #include <iterator>
@@ -19,7 +20,7 @@ public:
     Table() { put(0); }
 
     Table& put(std::int64_t number) {
-        appendBigEndian(bytes_, checked32(number));
+        appendBigEndian(bytes_, exact32(number));
         return *this;
     }
 
@@ -51,7 +52,7 @@ Tables videoTables(const TrackInfo& info, const MdatIndex& index, std::int64_t m
     tables.chunkOffset.put(count);
     for (const auto& [offset, size] : index.videoSamples) {
         tables.sampleSize.put(size);
-        tables.chunkOffset.putOffset(checkedAdd(mdatFileOffset, offset));
+        tables.chunkOffset.putOffset(exactSum(mdatFileOffset, offset));
     }
     return tables;
 }
@@ -79,8 +80,8 @@ Tables audioTables(const TrackInfo& info, const MdatIndex& index, std::int64_t m
     Tables tables;
     tables.chunkOffset.put(std::ssize(index.audioChunks));
     for (const auto& [offset, bytes] : index.audioChunks) {
-        samples = checkedAdd(samples, bytes / info.bytesPerFrame);
-        tables.chunkOffset.putOffset(checkedAdd(mdatFileOffset, offset));
+        samples = exactSum(samples, bytes / info.bytesPerFrame);
+        tables.chunkOffset.putOffset(exactSum(mdatFileOffset, offset));
     }
     const std::vector<Run> runs = runsOf(index, info.bytesPerFrame);
     tables.sampleToChunk.put(std::ssize(runs));

@@ -1,13 +1,12 @@
 #include "ReelCore/Recovery/Signatures.h"
 
 #include "ReelCore/Platform/ByteCursor.h"
-#include "ReelCore/Platform/BytePairs.h"
 #include "ReelCore/Recovery/MXFScan.h"
 #include "ReelCore/Recovery/ProResFrame.h"
 
 #include <algorithm>
 #include <array>
-#include <optional>
+#include <cstring>
 #include <string_view>
 
 namespace ReelCore {
@@ -16,73 +15,102 @@ namespace {
 
 using Bytes = std::span<const std::byte>;
 
-/// The size that stands in front of a box type or a frame tag, and where.
-struct Head {
-    std::size_t offset;
-    std::int64_t size;
-};
-
-std::optional<Head> headBefore(Bytes bytes, std::size_t match) {
-    constexpr std::size_t sizeField = 4;
-    if (match < sizeField) return std::nullopt;
-    ByteCursor cursor(bytes.subspan(match - sizeField));
-    return Head{match - sizeField, cursor.bigEndian<std::uint32_t>().value_or(0)};
+/// True if a size within limits stands in front of a box type or a frame tag.
+bool isSizedBefore(Bytes bytes, std::size_t match, std::int64_t least, std::int64_t most) {
+    if (match < 4) return false;
+    const auto size = ByteCursor(bytes.subspan(match - 4)).bigEndian<std::uint32_t>().value_or(0);
+    return size >= least && size <= most;
 }
 
-std::optional<Hit> movieAt(Bytes bytes, std::size_t match) {
-    const auto head = headBefore(bytes, match);
-    if (!head || head->size < 12 || head->size > 65'536) return std::nullopt;
-    return Hit{head->offset, FindingKind::movie};
-}
-
-std::optional<Hit> frameAt(Bytes bytes, std::size_t match) {
-    const auto head = headBefore(bytes, match);
-    if (!head || head->size < smallestProResFrame || head->size > largestProResFrame) {
-        return std::nullopt;
-    }
-    return Hit{head->offset, FindingKind::orphanProRes};
-}
-
-std::optional<Hit> mxfAt(Bytes bytes, std::size_t match) {
-    if (!MXFScan::isPartitionKey(bytes, match, MXFScan::PartitionKind::header)) return std::nullopt;
-    return Hit{match, FindingKind::mxf};
-}
-
-std::optional<Hit> waveAt(Bytes bytes, std::size_t match) {
+bool isWaveAt(Bytes bytes, std::size_t match) {
     ByteCursor cursor(bytes.subspan(match));
-    if (!cursor.skip(8) || cursor.text(4) != "WAVE") return std::nullopt;
-    return Hit{match, FindingKind::wave};
+    return cursor.skip(8) && cursor.text(4) == "WAVE";
 }
 
-/// What one of the signatures begins with says which it may be.
-std::optional<Hit> hitAt(Bytes bytes, std::size_t match) {
-    const std::string_view text(reinterpret_cast<const char*>(bytes.data()) + match,
-                                bytes.size() - match);
-    if (text.starts_with("ftyp")) return movieAt(bytes, match);
-    if (text.starts_with(proResTag)) return frameAt(bytes, match);
-    if (text.starts_with("RIFF")) return waveAt(bytes, match);
-    return mxfAt(bytes, match);
+/// A pair of bytes as a number, in whatever order this processor reads them.
+std::uint16_t pairAt(const void* bytes) {
+    std::uint16_t pair;
+    std::memcpy(&pair, bytes, sizeof(pair));
+    return pair;
 }
 
-/// What signatures begin with.
-constexpr std::array<BytePair, 4> beginnings{
-    {{'f', 't'},
-     {'i', 'c'},
-     {'R', 'I'},
-     {MXFScan::partitionPrefix[0], MXFScan::partitionPrefix[1]}}};
+/// Every signature begins with four bytes of its own, and so, wherever it stands, one of their
+/// three pairs stands at a place that can be divided by three: the others need no look.
+constexpr std::size_t stride = 3;
+using Pairs = std::array<bool, 0x10000>;
+
+Pairs telltalePairs() {
+    Pairs pairs{};
+    const auto* prefix = reinterpret_cast<const char*>(MXFScan::partitionPrefix.data());
+    for (const std::string_view begin :
+         {std::string_view("ftyp"), proResTag, std::string_view("RIFF"), {prefix, 4}}) {
+        for (std::size_t i = 0; i < stride; ++i) pairs[pairAt(begin.data() + i)] = true;
+    }
+    return pairs;
+}
+
+constexpr std::size_t blockSize = 8 * stride;
+
+/// The first block, counted on from `from`, in which a telltale pair stands, or which is the last;
+/// a block ends where the next begins. A branch for each block, none within.
+std::size_t findBlock(Bytes bytes, std::size_t from) {
+    static const Pairs pairs = telltalePairs();
+    const auto isTelltale = [](const std::byte* at) { return int{pairs[pairAt(at)]}; };
+    while (bytes.size() - from > blockSize) {
+        const std::byte* at = bytes.data() + from;
+        const int found = isTelltale(at) | isTelltale(at + 3) | isTelltale(at + 6) |
+                          isTelltale(at + 9) | isTelltale(at + 12) | isTelltale(at + 15) |
+                          isTelltale(at + 18) | isTelltale(at + 21);
+        if (found != 0) break;
+        from += blockSize;
+    }
+    return from;
+}
 
 }  // namespace
 
-std::vector<Hit> signatureHits(Bytes bytes) {
-    std::vector<Hit> hits;
-    for (std::size_t block = 0; block < bytes.size(); block += bytePairBlock) {
-        block = findBytePair(bytes, block, beginnings);
-        const std::size_t end = std::min(block + bytePairBlock, bytes.size());
-        for (std::size_t match = block; match < end; ++match) {
-            if (const auto hit = hitAt(bytes, match)) hits.push_back(*hit);
+/// What one of the signatures begins with says which it may be.
+bool SignatureSearch::take(std::size_t match) {
+    const std::string_view text(reinterpret_cast<const char*>(bytes_.data()) + match,
+                                bytes_.size() - match);
+    switch (text.front()) {
+        case 'f':
+            hit_ = {match - 4, FindingKind::movie};
+            return text.starts_with("ftyp") && isSizedBefore(bytes_, match, 12, 65'536);
+        case 'i':
+            hit_ = {match - 4, FindingKind::orphanProRes};
+            return text.starts_with(proResTag) &&
+                   isSizedBefore(bytes_, match, smallestProResFrame, largestProResFrame);
+        case 'R':
+            hit_ = {match, FindingKind::wave};
+            return text.starts_with("RIFF") && isWaveAt(bytes_, match);
+        case MXFScan::partitionPrefix.front():
+            hit_ = {match, FindingKind::mxf};
+            return MXFScan::isPartitionKey(bytes_, match, MXFScan::PartitionKind::header);
+        default:
+            return false;
+    }
+}
+
+bool SignatureSearch::next() {
+    while (at_ < bytes_.size()) {
+        if (at_ == known_) {
+            const std::size_t block = findBlock(bytes_, known_);
+            // It may begin with the last pair of a signature.
+            at_ = std::max(at_, block - std::min(block, stride - 1));
+            known_ = std::min(block + blockSize, bytes_.size());
+        }
+        while (at_ < known_) {
+            if (take(at_++)) return true;
         }
     }
-    std::ranges::stable_sort(hits, {}, &Hit::offset);
+    return false;
+}
+
+std::vector<Hit> signatureHits(Bytes bytes) {
+    std::vector<Hit> hits;
+    SignatureSearch search(bytes);
+    while (search.next()) hits.push_back(search.hit());
     return hits;
 }
 

@@ -19,8 +19,28 @@ struct Hit {
     bool operator==(const Hit&) const = default;
 };
 
-/// Where the beginnings of media that cameras and recorders write stand in `bytes`, in ascending
-/// order. What can be no beginning by the bytes around it is left out.
+/// Finds where the beginnings of media that cameras and recorders write stand in `bytes`, one after
+/// the other in ascending order. What can be no beginning by the bytes around it is left out.
+class SignatureSearch {
+public:
+    explicit SignatureSearch(std::span<const std::byte> bytes) : bytes_(bytes) {}
+
+    /// False where there is no more.
+    bool next();
+
+    /// The one that `next` came to.
+    const Hit& hit() const { return hit_; }
+
+private:
+    bool take(std::size_t match);
+
+    std::span<const std::byte> bytes_;
+    std::size_t at_ = 0;     ///< What lies before it was looked at.
+    std::size_t known_ = 0;  ///< Up to here each place needs a look.
+    Hit hit_;
+};
+
+/// All of them.
 std::vector<Hit> signatureHits(std::span<const std::byte> bytes);
 
 }  // namespace ReelCore

@@ -37,11 +37,13 @@ void readFormat(WAVLayout& layout, const File& file, std::int64_t offset, std::i
 }
 
 /// Where, on from `offset`, a header stands that is not all zeros. Blocks that a recorder never
-/// wrote would else be walked as millions of empty chunks.
+/// wrote would else be walked as millions of empty chunks; a single one costs little.
 std::int64_t behindEmptyChunks(const File& file, std::int64_t offset) {
-    std::vector<std::byte> buffer(0x10000);
-    for (;;) {
+    constexpr std::size_t largestBlock = 0x10000;
+    std::vector<std::byte> buffer;
+    for (std::size_t size = 2 * headerSize;; size = std::min(size * 4, largestBlock)) {
         offset += (file.nextStored(offset) - offset) / headerSize * headerSize;
+        buffer.resize(size);
         const auto block = std::span(buffer).first(file.readAt(offset, buffer));
         const auto isSet = [](std::byte byte) { return byte != std::byte{}; };
         const std::int64_t zeros = std::ranges::find_if(block, isSet) - block.begin();

@@ -26,7 +26,7 @@ std::array<std::byte, 4> littleEndian(std::uint32_t number) {
 
 void duplicate(const URL& source, const URL& output) {
     const File file = File::openForReading(source, FileLinks::follow);
-    File::create(output).append(file, 0, file.size());
+    openOutput(output).append(file, 0, file.size());
 }
 
 }  // namespace

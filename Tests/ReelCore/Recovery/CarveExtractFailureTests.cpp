@@ -3,6 +3,9 @@
 #include "Support/LoopMount.h"
 #include "Support/Snapshot.h"
 
+#include <cerrno>
+#include <filesystem>
+
 #include <gtest/gtest.h>
 
 namespace {
@@ -51,6 +54,21 @@ TEST_F(CarveExtractFailure, OutputFolderThatCannotBeMade_IsSaid) {
     EXPECT_EQ(readFile(output()), "a file");
 }
 
+TEST_F(CarveExtractFailure, NameThatDoesNotReachTheDrive_IsSaid) {
+    if (!FaultyFileSystem::isAvailable()) GTEST_SKIP() << "needs FUSE and the right to mount";
+    const TemporaryFolder folder;
+    std::filesystem::create_directory(folder.path() / "backing");
+    const FaultyFileSystem drive(folder.path() / "backing", folder.path() / "mounted",
+                                 {.folderFlushError = EIO});
+    const CarveImage image(healthyMovie);
+
+    const RepairOutcome outcome =
+        CardCarver::extract(image.scan().at(0), image.path(), drive.path(), {}, 1);
+
+    EXPECT_EQ(outcome, carveFailure(image, outcome.detail));
+    EXPECT_NE(outcome.detail.find("Input/output error"), std::string::npos) << outcome.detail;
+}
+
 TEST_F(CarveExtractFailure, FullDrive_IsSaidInTheSystemsWords) {
     if (!LoopMount::isAvailable()) GTEST_SKIP() << "needs root and loop devices";
     const LoopMount drive("ext4", 8);
@@ -74,6 +92,20 @@ TEST_F(CarveExtractFailure, ReadOnlyDrive_IsSaidInTheSystemsWords) {
 
     EXPECT_EQ(outcome, carveFailure(image, outcome.detail));
     EXPECT_NE(outcome.detail.find("Read-only file system"), std::string::npos) << outcome.detail;
+}
+
+TEST_F(CarveExtractFailure, FolderWhoseNamesCannotBeMadeDurable_IsNoSuccess) {
+    if (!FaultyFileSystem::isAvailable()) GTEST_SKIP() << "needs FUSE";
+    const CarveImage image(healthyMovie);
+    const TemporaryFolder backing;
+    const TemporaryFolder mountPoint;
+    const FaultyFileSystem drive(backing.path(), mountPoint.path(), {.folderFlushError = EIO});
+
+    const RepairOutcome outcome =
+        CardCarver::extract(image.scan().at(0), image.path(), drive.path(), {}, 1);
+
+    EXPECT_EQ(outcome, carveFailure(image, outcome.detail));
+    EXPECT_NE(outcome.detail.find("Input/output error"), std::string::npos) << outcome.detail;
 }
 
 TEST_F(CarveExtractFailure, DriveThatRefusesLate_IsNoSuccess) {

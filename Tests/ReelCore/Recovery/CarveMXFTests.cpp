@@ -92,10 +92,12 @@ TEST(CarveMXF, HeaderPartitionInsideEssence_IsNoSecondFinding) {
 TEST(CarveMXF, Walk_BeginsWhereItIsTold) {
     const std::string clip = mxfClip(garbage(500));
     const CarveImage image(garbage(5) + clip);
+    const File file = image.open();
+    CarveGround ground(file, image.size(), [] { return false; });
 
-    EXPECT_EQ(walkMXF(image.open(), 5, image.size()), mxf(5, clip.size(), true));
-    EXPECT_EQ(walkMXF(image.open(), 4, image.size()), std::nullopt);
-    EXPECT_EQ(walkMXF(image.open(), image.size(), image.size()), std::nullopt);
+    EXPECT_EQ(walkMXF(ground, 5), mxf(5, clip.size(), true));
+    EXPECT_EQ(walkMXF(ground, 4), std::nullopt);
+    EXPECT_EQ(walkMXF(ground, image.size()), std::nullopt);
 }
 
 }  // namespace

@@ -15,7 +15,10 @@ using Found = std::optional<Finding>;
 /// Walks from a place of an image that has these bytes and nothing else.
 Found walkFrom(std::int64_t start, std::string_view bytes) {
     const CarveImage image(bytes);
-    return MovieWalker(image.open(), image.size()).walk(start);
+    const File file = image.open();
+    CarveGround ground(file, image.size(), [] { return false; });
+    ground.begin(start);
+    return MovieWalker(ground).walk(start);
 }
 
 Found walk(std::string_view bytes) {
@@ -243,7 +246,8 @@ TEST(WalkMovie, PartThatCannotBeRead_EndsTheClip) {
     const FaultyFileSystem drive(image.folder(), mountPoint.path(), {.failReadAt = 0x80000});
     const File file = File::openForReading(drive.path() / "card.img");
 
-    EXPECT_EQ(MovieWalker(file, image.size()).walk(0), incomplete(static_cast<std::size_t>(end)));
+    CarveGround ground(file, image.size(), [] { return false; });
+    EXPECT_EQ(MovieWalker(ground).walk(0), incomplete(static_cast<std::size_t>(end)));
 }
 
 }  // namespace

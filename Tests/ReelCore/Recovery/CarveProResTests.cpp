@@ -15,7 +15,10 @@ using Found = std::optional<Finding>;
 constexpr std::int64_t widestGap = 0x800000;
 
 Found walk(const CarveImage& image, std::int64_t start = 0) {
-    return ProResWalker(image.open(), image.size()).walk(start);
+    const File file = image.open();
+    CarveGround ground(file, image.size(), [] { return false; });
+    ground.begin(start);
+    return ProResWalker(ground).walk(start);
 }
 
 Found walk(std::string_view bytes, std::int64_t start = 0) {
@@ -134,7 +137,8 @@ TEST(WalkProResRun, PartThatCannotBeRead_EndsTheRun) {
     const FaultyFileSystem drive(image.folder(), mountPoint.path(), {.failReadAt = 524'288});
     const File file = File::openForReading(drive.path() / "card.img");
 
-    EXPECT_EQ(ProResWalker(file, image.size()).walk(0), run(524'000));
+    CarveGround ground(file, image.size(), [] { return false; });
+    EXPECT_EQ(ProResWalker(ground).walk(0), run(524'000));
 }
 
 TEST(CarveProRes, FramesWithoutAContainer_AreFoundButForTheLast) {

@@ -17,7 +17,10 @@ using Found = std::optional<Finding>;
 constexpr std::int64_t mebibyte = 0x100000;
 
 Found walkFrom(std::int64_t start, const CarveImage& image) {
-    return WaveWalker(image.open(), image.size()).walk(start);
+    const File file = image.open();
+    CarveGround ground(file, image.size(), [] { return false; });
+    ground.begin(start);
+    return WaveWalker(ground).walk(start);
 }
 
 Found walk(std::string_view bytes) {
@@ -262,7 +265,8 @@ TEST(WalkWave, NeverClosed_PartThatCannotBeRead_EndsWithTheImage) {
     const FaultyFileSystem drive(image.folder(), mountPoint.path(), {.failReadAt = 65'536});
     const File file = File::openForReading(drive.path() / "card.img");
 
-    EXPECT_EQ(WaveWalker(file, image.size()).walk(0), incomplete(300'000));
+    CarveGround ground(file, image.size(), [] { return false; });
+    EXPECT_EQ(WaveWalker(ground).walk(0), incomplete(300'000));
 }
 
 TEST(CarveWave, EveryFileOfTwoBackToBack_IsFound) {

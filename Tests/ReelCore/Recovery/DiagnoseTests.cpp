@@ -1,7 +1,9 @@
 #include "DoctorFixture.h"
+#include "Support/Forked.h"
 
 #include <limits>
 
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 namespace ReelCore {
@@ -9,6 +11,12 @@ namespace ReelCore {
 namespace {
 
 using namespace TestSupport;
+
+long peakMemoryInKiB() {
+    rusage usage{};
+    ::getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_maxrss;
+}
 
 class Diagnose : public DoctorFixture {
 protected:
@@ -53,8 +61,27 @@ TEST_F(Diagnose, FoldersNamedLikeClips_FailTheirChecks) {
 
     EXPECT_EQ(ClipDoctor::diagnose(folder() / "a.mov"), unreadable("no QuickTime/MP4 structure"));
     EXPECT_EQ(ClipDoctor::diagnose(folder() / "a.wav"), unreadable("not a RIFF/WAVE"));
-    EXPECT_EQ(ClipDoctor::diagnose(folder() / "a.mxf"), unreadable("cannot open"));
+    EXPECT_EQ(ClipDoctor::diagnose(folder() / "a.mxf"), unreadable("no MXF header partition"));
     EXPECT_EQ(ClipDoctor::diagnose(folder() / "a.txt"), unreadable("unsupported type .txt"));
+}
+
+// One box after another of eight bytes each, to which any file may have been damaged.
+TEST_F(Diagnose, MovieOfMillionsOfBoxes_TakesNoMemoryOfTheirNumber) {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "a sanitizer takes memory of its own";
+#endif
+    std::string boxes;
+    for (int i = 0; i < 500'000; ++i) boxes += boxHeader("free", 8);
+    const URL clip = file("a.mov", boxes + box("mdat", "media"));
+    boxes = {};
+
+    const int status = statusOfForked([&] {
+        const long before = peakMemoryInKiB();
+        if (ClipDoctor::diagnose(clip) != missingIndexOf(5)) return 1;
+        return peakMemoryInKiB() - before < 8192 ? 0 : 2;
+    });
+
+    EXPECT_EQ(status, 0);
 }
 
 TEST_F(Diagnose, UnknownExtension_IsNamedInLowerCase) {

@@ -67,6 +67,22 @@ TEST_F(MP4ScanCostTest, Walk_FourTerabytesOfMedia_Takes16BytesABox) {
     EXPECT_LE(cost.bytes, 3 * 16);
 }
 
+TEST_F(MP4ScanCostTest, Walk_BoxesOfAHeaderEach_TakesFewReadsAndEachByteOnce) {
+    std::string boxes;
+    for (int i = 0; i < 10'000; ++i) boxes += box("free") + wideBox("skip") + box("wide", "1");
+    writeFile(at("clip.mov"), boxes + box("mdat", std::string(100'000, 'm')) + box("moov", "1"));
+    Types types;
+
+    const Reads cost = readsOf([&] {
+        MP4Scan::walk(at("clip.mov"), [&](const TopLevelBox& one) { types.push_back(one.type); });
+    });
+
+    ASSERT_EQ(types.size(), 30'002U);
+    EXPECT_EQ((Types{types.end() - 4, types.end()}), (Types{"skip", "wide", "mdat", "moov"}));
+    EXPECT_LE(cost.calls, 110);
+    EXPECT_LE(cost.bytes, std::ssize(boxes) + 110 * 16 + 4096);
+}
+
 TEST_F(MP4ScanCostTest, RealClip_QuickTime_HasTheBoxesThatFFprobeFinds) {
     makeClip(at("clip.mov"), {.timecode = "10:00:00:00"});
 

@@ -206,7 +206,7 @@ void fill(MixedCard& card, const Kinds& kinds) {
     make.addFolder("A/3.mov", "no QuickTime/MP4 structure");
     make.add("A/3.mov/inside.mxf", kinds.mxf());
     make.addFolder("A/4.wav", "not a RIFF/WAVE");
-    make.addFolder("A/5.mxf", "cannot open");
+    make.addFolder("A/5.mxf", "no MXF header partition");
     make.add("A/6.bwf", kinds.recording());
     make.addLink("A/7.Wav", "6.bwf", kinds.recording());
     make.addLink("A/8.mxf", "nowhere.mxf", hopeless("", unreadable("empty file")));

@@ -1,6 +1,7 @@
 #include "ReelCore/Recovery/MoovPatch.h"
 
 #include "PatchedMovie.h"
+#include "ReelCore/Platform/Arithmetic.h"
 #include "ReelCore/Recovery/RecoveryError.h"
 
 #include <gtest/gtest.h>
@@ -215,7 +216,7 @@ TEST(MoovPatch, TrackWithoutSampleTable_IsRefused) {
     }
 }
 
-TEST(MoovPatchDeathTest, ProductsThatOverflow_EndTheProcess) {
+TEST(MoovPatch, ProductsThatOverflow_AreRefused) {
     const auto patchedWith = [](std::uint32_t movieTimescale) {
         PatchedMovie movie(
             box("moov", movieHeader(0, movieTimescale) +
@@ -224,14 +225,13 @@ TEST(MoovPatchDeathTest, ProductsThatOverflow_EndTheProcess) {
     };
 
     EXPECT_EQ(patchedWith(0x2AAAAAAA), 3);
-    EXPECT_DEATH(static_cast<void>(patchedWith(0xFFFFFFFF)), "arithmetic overflow");
+    EXPECT_THROW(static_cast<void>(patchedWith(0xFFFFFFFF)), OutOfRange);
 }
 
-TEST(MoovPatchDeathTest, SoundOfMoreBytesThanCanBeCounted_EndsTheProcess) {
+TEST(MoovPatch, SoundOfMoreBytesThanCanBeCounted_IsRefused) {
     PatchedMovie movie(moovBox({{}, stereoSound}));
 
-    EXPECT_DEATH(movie.patched({{{0, 20}}, {{0, 0x7FFFFFFFFFFFFFFF}, {20, 1}}, 0}),
-                 "arithmetic overflow");
+    EXPECT_THROW(movie.patched({{{0, 20}}, {{0, 0x7FFFFFFFFFFFFFFF}, {20, 1}}, 0}), OutOfRange);
 }
 
 }  // namespace ReelCore

@@ -1,6 +1,7 @@
 #include "ReelCore/Recovery/MoovRebuilder.h"
 
 #include "RebuildFixture.h"
+#include "Support/SparseFile.h"
 
 #include <gtest/gtest.h>
 
@@ -135,6 +136,40 @@ TEST_F(MoovRebuilderFiles, DamagedClipWithoutFileType_TakesTheReferences) {
     const URL clip = damaged(boxHeader("mdat", 0) + someMedia());
 
     EXPECT_EQ(rebuilt(clip, referenceOf({{}})).at(0), fileTypeBox());
+}
+
+TEST_F(MoovRebuilderFiles, FileTypeOfAnySize_IsTakenAsItStands) {
+    const std::string large = box("ftyp", "qt  " + noise(3 << 20U));
+    const URL clip = damaged(large + boxHeader("mdat", 0) + proResFrame(100));
+
+    const auto boxes = rebuilt(clip, referenceOf({{}}));
+
+    EXPECT_TRUE(boxes.at(0) == large);
+    EXPECT_EQ(boxes.at(1), wideBox("mdat", proResFrame(100)));
+    EXPECT_EQ(chunkOffset(boxes.at(2), 0), large.size() + 16);
+}
+
+TEST_F(MoovRebuilderFiles, FileTypeThatClaimsMoreThanAFileCanHold_IsNotTaken) {
+    const URL clip = damaged(boxHeader("mdat", 116) + sound(8) + proResFrame(100) +
+                             wideBoxHeader("ftyp", 0x7FFFFFFFFFFFFFFF));
+
+    EXPECT_EQ(rebuilt(clip, referenceOf({{}})).at(0), fileTypeBox());
+}
+
+TEST_F(MoovRebuilderFiles, IndexOfAnySize_IsReadWhole) {
+    const std::int64_t gap = 280 << 20U;
+    const std::string track = TestSupport::TrackBoxes().trak();
+    const std::string front = TestSupport::movieHeader(0, 600);
+    const std::int64_t size = 8 + std::ssize(front) + gap + std::ssize(track);
+    const URL healthy = folder() / "healthy.mov";
+    TestSupport::writeSparse(healthy,
+                             {{0, boxHeader("moov", static_cast<std::uint32_t>(size)) + front +
+                                      boxHeader("edts", static_cast<std::uint32_t>(gap))},
+                              {size - std::ssize(track), track}},
+                             size);
+    const URL clip = damaged(boxHeader("mdat", 0) + proResFrame(100));
+
+    EXPECT_EQ(MoovRebuilder::rebuild(clip, healthy, output()).videoFrames, 1);
 }
 
 TEST_F(MoovRebuilderFiles, FileTypeThatIsCut_IsNotTaken) {

@@ -2,7 +2,13 @@
 #include "ReelCore/Platform/FileSystem.h"
 #include "Support/AwkwardNames.h"
 #include "Support/FakeTool.h"
+#include "Support/LoopMount.h"
 #include "Support/OwnMounts.h"
+#include "Support/Tool.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fstream>
 
 namespace ReelCore {
 
@@ -85,14 +91,23 @@ TEST_F(Remux, Arguments_AreThese) {
     EXPECT_EQ(ffmpeg.calls(), std::vector(1, expected));
 }
 
+TEST_F(Remux, ClipWhoseTitleIsAComplaint_IsRepairedAllTheSame) {
+    const FakeTool ffmpeg("FFMPEG_PATH",
+                          "for last; do :; done; echo media > \"$last\"\n"
+                          "echo '    title           : Host is down' >&2");
+
+    EXPECT_TRUE(repaired(cutClip()).succeeded);
+}
+
 TEST_F(Remux, WhatTheToolPrints_GoesNowhereAndItsInputIsEmpty) {
     const FakeTool ffmpeg("FFMPEG_PATH",
-                          "for last; do :; done; yes | head -c 1000000; cat > \"$last\"");
+                          "for last; do :; done; yes | head -c 1000000\n"
+                          "{ cat; echo media; } > \"$last\"");
 
     const RepairOutcome outcome = repaired(cutClip());
 
     EXPECT_EQ(outcome.method, "remux") << outcome.detail;
-    EXPECT_EQ(readFile(*outcome.output), "");
+    EXPECT_EQ(readFile(*outcome.output), "media\n");
 }
 
 TEST_F(Remux, ToolThatFails_GivesItsLastFourLinesThatAreNotEmpty) {
@@ -121,6 +136,8 @@ TEST_F(Remux, ToolThatIsKilled_HasFailed) {
 
 TEST_F(Remux, ToolThatSucceedsAndWritesNothing_HasFailed) {
     EXPECT_EQ(detailWith("echo all done >&2"), remuxFailed + "all done");
+    EXPECT_EQ(detailWith("for last; do :; done; echo opened >&2; : > \"$last\""),
+              remuxFailed + "opened");
 }
 
 TEST_F(Remux, ToolThatFailsAfterWriting_LeavesItsFileAndTheNextTryTakesANewName) {
@@ -148,6 +165,105 @@ TEST_F(Remux, ClipCutOffRightBehindItsIndex_IsNoSuccessThoughFFmpegCallsItOne) {
 
     EXPECT_EQ(outcome, (RepairOutcome{clip, std::nullopt, false, "repair", outcome.detail}));
     EXPECT_TRUE(outcome.detail.starts_with(remuxFailed)) << outcome.detail;
+}
+
+/// Told early, between much else.
+TEST_F(Remux, EveryKindOfFailedDrive_IsSeenHoweverMuchIsSaidBehindIt) {
+    for (const int code : {EIO, EHOSTDOWN, EREMOTEIO, ENODATA, ENOMEDIUM, EUCLEAN, ESTALE}) {
+        const std::string detail = detailWith(
+            "for last; do :; done; echo x > \"$last\"\necho \"$last: " +
+            std::string(std::strerror(code)) +
+            "\" >&2\nyes 'another complaint' | head -c 3000000 >&2; echo >&2; echo end >&2");
+
+        EXPECT_TRUE(detail.starts_with(remuxFailed)) << detail;
+        EXPECT_TRUE(detail.ends_with("\nend")) << detail;
+    }
+}
+
+TEST_F(Remux, FailedDriveInTheMiddleOfALine_IsAnotherComplaint) {
+    const FakeTool ffmpeg("FFMPEG_PATH",
+                          "for last; do :; done; echo x > \"$last\"\n"
+                          "echo 'a clip named: Input/output error.mov: Invalid data' >&2");
+
+    EXPECT_TRUE(repaired(cutClip()).succeeded);
+}
+
+TEST_F(Remux, NoTemporaryFolder_IsNoReasonToFail) {
+    const std::string whole = h264Clip();
+    const URL clip = file("A001.mp4", whole.substr(0, whole.size() / 2));
+    const EnvironmentVariable variable("TMPDIR", folder() / "missing");
+
+    const RepairOutcome outcome = repaired(clip);
+
+    EXPECT_TRUE(outcome.succeeded) << outcome.detail;
+}
+
+TEST_F(Remux, FullTemporaryFolder_IsNoReasonToFail) {
+    if (!LoopMount::isAvailable()) GTEST_SKIP() << "needs root and loop devices";
+    const std::string whole = h264Clip();
+    const URL clip = file("A001.mp4", whole.substr(0, whole.size() / 2));
+    const LoopMount drive("ext4", 4);
+    std::ofstream filler(drive.path() / "filler", std::ios::binary);
+    while (filler.write(whole.data(), 4096).flush()) {
+    }
+    const EnvironmentVariable variable("TMPDIR", drive.path().native());
+
+    const RepairOutcome outcome = repaired(clip);
+
+    EXPECT_TRUE(outcome.succeeded) << outcome.detail;
+}
+
+/// A sum over the first frame of a stream, as ffmpeg decodes it; nothing if there is none.
+std::string firstFrameOf(const URL& clip, const std::string& kind) {
+    const auto [status, output] =
+        runTool("ffmpeg", {"-nostdin", "-v", "quiet", "-i", clip.native(), "-map", "0:" + kind,
+                           "-frames:" + kind.substr(0, 1), "1", "-f", "md5", "-"});
+    return status == 0 ? output : std::string();
+}
+
+TEST_F(Remux, IndexCutShortWithNothingBehindIt_IsNoSuccess) {
+    const std::string whole = h264Clip();
+    const std::size_t index = beginOf(whole, "moov");
+    const std::size_t size = numberIn(whole.substr(index, 4));
+    for (const std::size_t missing : {8U, 40U, 100U, 400U}) {
+        const URL clip = file("A001.mp4", whole.substr(0, index + size - missing));
+
+        const RepairOutcome outcome = repaired(clip);
+
+        EXPECT_EQ(outcome, (RepairOutcome{clip, std::nullopt, false, "repair", outcome.detail}));
+        EXPECT_TRUE(outcome.detail.starts_with(remuxFailed)) << outcome.detail;
+    }
+}
+
+TEST_F(Remux, ClipWhoseSoundIsAllCutOff_SaysSoAndWhereTheRestIs) {
+    const std::string whole = mxfMovie();
+    const RepairOutcome outcome = repaired(file("C0001.mxf", whole.substr(0, 12'000)));
+
+    EXPECT_FALSE(outcome.succeeded);
+    EXPECT_EQ(outcome.output, std::nullopt);
+    EXPECT_EQ(outcome.detail, remuxFailed +
+                                  "no sound that plays came out of the clip; "
+                                  "what did come out is in C0001_repaired.mov");
+    EXPECT_TRUE(FileSystem::exists(output() / "C0001_repaired.mov"));
+}
+
+// Of a clip that is told as repaired, the first picture is the camera's own.
+TEST_F(Remux, MXFCutAtManyPlaces_IsASuccessOnlyWithAFirstFrameAndASound) {
+    const std::string whole = mxfMovie();
+    const std::string picture = firstFrameOf(file("whole.mxf", whole), "v:0");
+    ASSERT_NE(picture, "");
+    int succeeded = 0;
+    int failed = 0;
+    for (std::size_t cut = 2000; cut < 40'000; cut += 1'999) {
+        const URL clip = file("C.mxf", whole.substr(0, cut));
+        const RepairOutcome outcome = repairedInto(output() / std::to_string(cut), clip);
+        ++(outcome.succeeded ? succeeded : failed);
+        if (!outcome.succeeded) continue;
+        EXPECT_EQ(firstFrameOf(*outcome.output, "v:0"), picture) << cut;
+        EXPECT_NE(firstFrameOf(*outcome.output, "a:0"), "") << cut;
+    }
+    EXPECT_GT(succeeded, 3);
+    EXPECT_GT(failed, 3);
 }
 
 TEST_F(Remux, ClipOfNoStreams_GivesFFmpegsOwnWords) {

@@ -230,6 +230,19 @@ TEST_F(RepairDrive, DriveThatRefusesLate_IsAFailureOfEveryKindOfRepair) {
     EXPECT_EQ(copied, failure(remuxed, copied.detail));
 }
 
+TEST_F(RepairDrive, NameThatDoesNotReachTheDrive_IsAFailure) {
+    if (!FaultyFileSystem::isAvailable()) GTEST_SKIP() << "needs FUSE and the right to mount";
+    const URL recording = staleWave();
+    std::filesystem::create_directories(folder() / "backing");
+    const FaultyFileSystem drive(folder() / "backing", folder() / "mounted",
+                                 {.folderFlushError = EIO});
+
+    const RepairOutcome fixed = repairedInto(drive.path(), recording);
+
+    EXPECT_EQ(fixed, failure(recording, fixed.detail));
+    EXPECT_NE(fixed.detail.find("Input/output error"), std::string::npos) << fixed.detail;
+}
+
 TEST_F(RepairDrive, IndexThatNoMemoryHolds_IsAFailureAndNotACrash) {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
     GTEST_SKIP() << "a sanitizer needs more room itself";
@@ -242,7 +255,9 @@ TEST_F(RepairDrive, IndexThatNoMemoryHolds_IsAFailureAndNotACrash) {
     const int status = statusOfForked([&] {
         const rlimit room{240 * mebibyte, 240 * mebibyte};
         if (::setrlimit(RLIMIT_AS, &room) != 0) return 101;
-        return repaired(clip, huge) == failure(clip, "std::bad_alloc") ? 0 : 1;
+        return repaired(clip, huge) == failure(clip, "Not enough memory for the index of the clip.")
+                   ? 0
+                   : 1;
     });
 
     EXPECT_EQ(status, 0);

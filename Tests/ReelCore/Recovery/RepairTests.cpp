@@ -1,7 +1,12 @@
 #include "DoctorFixture.h"
 #include "ReelCore/Platform/FileSystem.h"
+#include "ReferenceMovie.h"
 #include "Support/FakeTool.h"
 #include "Support/Snapshot.h"
+#include "Support/SparseFile.h"
+
+#include <future>
+#include <latch>
 
 namespace ReelCore {
 
@@ -22,6 +27,13 @@ protected:
     }
 
     URL reference() const { return file("reference.mov", cameraClip(0.2)); }
+
+    /// The index of a clip with one channel of 16 bits.
+    URL monoReference() const {
+        TrackRecipe mono = stereoSound;
+        mono.sampleSize = 2;
+        return file("mono.mov", moovBox({{}, mono}));
+    }
 };
 
 TEST_F(Repair, MissingIndexWithAReference_IsRebuilt) {
@@ -76,6 +88,40 @@ TEST_F(Repair, MissingIndexWithoutFrames_IsAFailureAndNotRemuxed) {
     EXPECT_EQ(outcome, (RepairOutcome{clip, std::nullopt, false, "repair",
                                       "No recoverable media frames found in the damaged file."}));
     EXPECT_TRUE(ffmpeg.calls().empty());
+}
+
+TEST_F(Repair, PreallocatedClipOfNineGigabytes_IsAFailureThatIsTold) {
+    const URL clip = folder() / "A001.mov";
+    writeSparse(clip, {{0, boxHeader("mdat", 0) + proResFrame(100)}}, 9'000'000'000);
+
+    const RepairOutcome outcome = repaired(clip, monoReference());
+
+    EXPECT_EQ(outcome, (RepairOutcome{clip, std::nullopt, false, "repair",
+                                      "Clip is too large to rebuild."}));
+    EXPECT_TRUE(FileSystem::names(output()).empty()) << "something partial was written";
+}
+
+TEST_F(Repair, ClipWhoseIndexTellsImpossibleSizes_IsAnOutcome) {
+    const FakeTool ffmpeg("FFMPEG_PATH");
+    for (const std::uint64_t childSize : {0x8000000000000000U, ~0UL}) {
+        const std::string index = box("moov", wideBoxHeader("trak", childSize));
+        const URL clip = file("A001.mov", box("mdat", proResFrame(100)));
+        const URL cut = file("A002.mov", index + boxHeader("mdat", 1000) + proResFrame(100));
+
+        EXPECT_EQ(repaired(clip, file("R.mov", index)).detail,
+                  "Reference clip unusable: no video track in reference");
+        EXPECT_FALSE(ClipDoctor::diagnose(cut).isHealthy());
+        EXPECT_EQ(repaired(cut).method, "repair") << "neither rebuilt nor remuxed";
+    }
+}
+
+TEST_F(Repair, ReferenceWhoseClockRunsTooFast_IsAFailureThatIsTold) {
+    const URL clip = file("A001.mov", box("mdat", proResFrame(100) + proResFrame(100)));
+    const URL fast =
+        file("R.mov", box("moov", movieHeader(0, 0xFFFFFFFF) +
+                                      TrackBoxes({.timescale = 1, .delta = 0xFFFFFFFF}).trak()));
+
+    EXPECT_EQ(repaired(clip, fast).detail, "Clip is too large to rebuild.");
 }
 
 TEST_F(Repair, ReferenceThatIsTheClipItself_IsUnusable) {
@@ -139,6 +185,35 @@ TEST_F(Repair, NameThatIsTaken_GetsANumber) {
 
     EXPECT_EQ(readFile(output() / "clip_recovered.mov"), first);
     EXPECT_EQ(FileSystem::names(output()).size(), 3U);
+}
+
+TEST_F(Repair, TwoAtOnceIntoOneFolder_EachKeepTheirClip) {
+    const URL first = file("card 1/R001.wav", staleRecording(0.1));
+    const URL second = file("card 2/R001.wav", staleRecording(0.2));
+    const auto sizeOfRepaired = [&](const URL& clip, std::latch& start, const URL& into) {
+        start.arrive_and_wait();
+        const RepairOutcome outcome = repairedInto(into, clip);
+        return outcome.succeeded ? FileSystem::sizeOf(*outcome.output) : std::nullopt;
+    };
+    for (int round = 0; round < 100; ++round) {
+        const URL into = output() / std::to_string(round);
+        std::latch start(2);
+        auto other =
+            std::async(std::launch::async, [&] { return sizeOfRepaired(second, start, into); });
+
+        EXPECT_EQ(sizeOfRepaired(first, start, into), FileSystem::sizeOf(first)) << round;
+        EXPECT_EQ(other.get(), FileSystem::sizeOf(second)) << round;
+
+        EXPECT_EQ(FileSystem::names(into).size(), 2U) << round;
+    }
+}
+
+TEST_F(Repair, FailureBeforeAnythingIsWritten_LeavesNoEmptyClip) {
+    const URL clip = file("A001.mov", box("mdat", "no frames in here"));
+
+    EXPECT_FALSE(repaired(clip, reference()).succeeded);
+
+    EXPECT_TRUE(FileSystem::names(output()).empty());
 }
 
 TEST_F(Repair, NamesTakenByFoldersAndDanglingLinks_AreLeftAlone) {

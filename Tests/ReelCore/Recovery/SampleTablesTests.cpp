@@ -1,6 +1,7 @@
 #include "ReelCore/Recovery/SampleTables.h"
 
 #include "PatchedMovie.h"
+#include "ReelCore/Platform/Arithmetic.h"
 #include "ReelCore/Recovery/MdatHeader.h"
 
 #include <gtest/gtest.h>
@@ -65,12 +66,12 @@ TEST(SampleTables, SampleTable_KeepsItsDescriptionAndTakesFourTablesInOrder) {
     EXPECT_EQ(box("stsd", movie.table(1, "stsd")), sampleDescription("sowt"));
 }
 
-TEST(SampleTablesDeathTest, NumbersBeyond32Bits_EndTheProcess) {
+TEST(SampleTables, NumbersBeyond32Bits_AreRefused) {
     PatchedMovie movie(moovBox({{}, stereoSound}));
 
-    EXPECT_DEATH(movie.patched({{{0, 0x100000000}}, {}, 0}), "more than 32 bits");
-    EXPECT_DEATH(movie.patched({{{0, -1}}, {}, 0}), "more than 32 bits");
-    EXPECT_DEATH(movie.patched({{{0, 20}}, {{20, 0x400000000}}, 0}), "more than 32 bits");
+    EXPECT_THROW(movie.patched({{{0, 0x100000000}}, {}, 0}), OutOfRange);
+    EXPECT_THROW(movie.patched({{{0, -1}}, {}, 0}), OutOfRange);
+    EXPECT_THROW(movie.patched({{{0, 20}}, {{20, 0x400000000}}, 0}), OutOfRange);
 }
 
 TEST(SampleTablesDeathTest, NegativeOffset_EndsTheProcess) {
@@ -79,10 +80,18 @@ TEST(SampleTablesDeathTest, NegativeOffset_EndsTheProcess) {
     EXPECT_DEATH(movie.patched({{{-37, 20}}, {}, 0}), "negative offset");
 }
 
-TEST(SampleTablesDeathTest, OffsetThatOverflows_EndsTheProcess) {
+TEST(SampleTables, NumbersOf32Bits_AreTaken) {
+    PatchedMovie movie(moovBox({{}, stereoSound}));
+
+    movie.patched({{{0, 0xFFFFFFFF}}, {{20, 0x3FFFFFFFC}}, 0});
+
+    EXPECT_EQ(movie.table(1, "stsz"), words({0, 4, 0xFFFFFFFF}));
+}
+
+TEST(SampleTables, OffsetThatOverflows_IsRefused) {
     PatchedMovie movie(moovBox({{}}));
 
-    EXPECT_DEATH(movie.patched({{{0x7FFFFFFFFFFFFFFF, 20}}, {}, 0}), "arithmetic overflow");
+    EXPECT_THROW(movie.patched({{{0x7FFFFFFFFFFFFFFF, 20}}, {}, 0}), OutOfRange);
 }
 
 TEST(MdatHeader, Size_IsAlwaysOf64BitsAndCountsTheHeader) {

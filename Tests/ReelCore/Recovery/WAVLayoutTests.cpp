@@ -161,6 +161,18 @@ TEST_F(WAVLayoutTest, Cost_ZerosInPlaceOfChunks_AreReadOnceAndHolesNotAtAll) {
     EXPECT_LE(cost.calls, 80);
 }
 
+TEST_F(WAVLayoutTest, Cost_SingleEmptyChunksBetweenOthers_TakeAFewBytesEach) {
+    std::string chunks;
+    for (int i = 0; i < 1000; ++i) chunks += std::string(8, '\0') + riffChunk("junk", "odd");
+    writeFile(at("T001.WAV"), riffFile(chunks + riffChunk("data", "s")));
+    WAVLayout layout;
+
+    const Reads cost = readsOf([&] { layout = WAVLayout::read(at("T001.WAV")); });
+
+    EXPECT_EQ(layout.declaredData, 1);
+    EXPECT_LE(cost.bytes, 1000 * 40);
+}
+
 TEST_F(WAVLayoutTest, Format_Of16BytesOrMore_GivesRateAndBlockAlign) {
     const std::string format = formatPayload({.sampleRate = 96000, .channels = 8});
     for (const std::string& payload : {format, format + "xx", format + std::string(1000, 'x')}) {
