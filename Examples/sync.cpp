@@ -31,7 +31,7 @@ SyncResult scan(const URL& day) {
 void show(const SyncResult& result) {
     for (const SyncGroup& group : result.groups) {
         const auto best = group.best();
-        std::cout << group.video.name() << "  " << (best ? best->clip.name() : "no sound") << "\n";
+        std::cout << group.video.name() << "  " << (best ? best->clip->name() : "no sound") << "\n";
     }
     for (const AudioClip& clip : result.unmatchedAudio) {
         std::cout << clip.name() << "  no picture\n";

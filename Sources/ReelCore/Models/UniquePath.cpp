@@ -1,18 +1,49 @@
 #include "ReelCore/Models/UniquePath.h"
 
-#include "ReelCore/Platform/FileSystem.h"
+#include "ReelCore/Platform/SystemError.h"
 
 #include <string>
+#include <system_error>
 
 namespace ReelCore {
 
+namespace {
+
+/// 1 is the name itself.
+URL numbered(const URL& url, int number) {
+    if (number == 1) return url;
+    const std::string name = url.stem().native() + " " + std::to_string(number);
+    return url.parent_path() / (name + url.extension().native());
+}
+
+bool isFree(const URL& url) {
+    std::error_code failure;
+    const auto status = std::filesystem::symlink_status(url, failure);
+    if (status.type() == std::filesystem::file_type::not_found) return true;
+    if (failure) throw SystemError(failure.value(), url);
+    return false;
+}
+
+}  // namespace
+
 URL uniqueOutputURL(const URL& url) {
-    URL candidate = url;
-    for (int number = 2; FileSystem::exists(candidate); ++number) {
-        const std::string name = url.stem().native() + " " + std::to_string(number);
-        candidate = url.parent_path() / (name + url.extension().native());
+    int number = 1;
+    while (!isFree(numbered(url, number))) ++number;
+    return numbered(url, number);
+}
+
+ReservedOutput::ReservedOutput(const URL& wanted) {
+    for (int number = 1; !file_; ++number) {
+        url_ = numbered(wanted, number);
+        file_ = File::createExclusively(url_);
     }
-    return candidate;
+    identity_ = FileSystem::identity(url_);
+}
+
+ReservedOutput::~ReservedOutput() {
+    if (FileSystem::identity(url_) != identity_ || FileSystem::sizeOf(url_) != 0) return;
+    std::error_code ignored;
+    std::filesystem::remove(url_, ignored);
 }
 
 }  // namespace ReelCore

@@ -1,10 +1,9 @@
 #include "ReelCore/Sync/ALEWriter.h"
 
-#include "ReelCore/Platform/Fatal.h"
+#include "ReelCore/Platform/Arithmetic.h"
 #include "ReelCore/Platform/File.h"
 #include "ReelCore/Platform/Text.h"
 
-#include <cmath>
 #include <span>
 
 #include <fmt/format.h>
@@ -14,12 +13,8 @@ namespace ReelCore {
 
 namespace {
 
-std::int64_t framesIn(double seconds, const FrameRate& rate) {
-    return checkedInteger(std::round(seconds * rate.real()));
-}
-
 std::string label(double seconds, const FrameRate& rate) {
-    return Timecode(framesIn(seconds, rate), rate).formatted();
+    return Timecode(nearestInteger(seconds * rate.real()), rate).formatted();
 }
 
 std::string startOf(const VideoClip& video, const FrameRate& timelineRate) {
@@ -37,7 +32,7 @@ std::string line(const SyncGroup& group, const FrameRate& timelineRate) {
     std::vector<std::string> fields{group.video.name(), "V", startOf(group.video, timelineRate),
                                     endOf(group.video, timelineRate)};
     if (const auto best = group.best()) {
-        const AudioClip& sound = best->clip;
+        const AudioClip& sound = *best->clip;
         fields.insert(fields.end(),
                       {sound.tape.value_or(""), sound.scene.value_or(""), sound.take.value_or(""),
                        sound.name(), label(sound.startSeconds, timelineRate)});
@@ -61,7 +56,9 @@ std::string ALEWriter::ale(const SyncResult& result) {
 
 URL ALEWriter::write(const SyncResult& result, const URL& url) {
     const std::string text = ale(result);
-    File::create(url).write(std::as_bytes(std::span(text)));
+    File file = File::create(url);
+    file.write(std::as_bytes(std::span(text)));
+    file.flush();
     return url;
 }
 

@@ -1,8 +1,8 @@
 #include "ReelCore/Sync/FCP.h"
 
+#include "ReelCore/Platform/Arithmetic.h"
 #include "ReelCore/Platform/Fatal.h"
 
-#include <cmath>
 #include <cstdint>
 
 #include <fmt/format.h>
@@ -36,8 +36,7 @@ std::string FCP::frameDurationString(const FrameRate& rate) {
 std::string FCP::time(double seconds, const FrameRate& rate) {
     const auto [numerator, denominator] = frameDuration(rate);
     const double length = static_cast<double>(numerator) / static_cast<double>(denominator);
-    const std::int64_t frames = checkedInteger(std::round(seconds / length));
-    const std::int64_t value = checkedMultiply(frames, numerator);
+    const std::int64_t value = exactProduct(nearestInteger(seconds / length), numerator);
     const std::int64_t whole = checkedDivide(value, denominator);
     if (whole * denominator == value) return fmt::format("{}s", whole);
     return fmt::format("{}/{}s", value, denominator);

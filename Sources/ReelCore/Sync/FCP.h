@@ -11,8 +11,9 @@ struct FCP {
     /// The length of a frame, such as "1001/30000s"; "1/0s" for a rate that counts none.
     static std::string frameDurationString(const FrameRate& rate);
 
-    /// Seconds, moved to the nearest frame: "12s" or "12012/24000s", not reduced. A time that is no
-    /// number or too large, or a rate that counts no frames a second, is a fatal fault.
+    /// Seconds, moved to the nearest frame: "12s" or "12012/24000s", not reduced. Throws
+    /// OutOfRange where the time is no number or too large; a rate that counts no frames a second
+    /// is a fatal fault.
     static std::string time(double seconds, const FrameRate& rate);
 };
 

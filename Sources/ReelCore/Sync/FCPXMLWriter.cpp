@@ -102,7 +102,7 @@ std::string clipXML(const SyncGroup& group, double offset, const Format& format,
                 <audio ref="{}" lane="-1" offset="0s" duration="{}" start="{}" role="dialogue"/>
             </asset-clip>
 )",
-        clip, assets.idOf(best->clip), duration,
+        clip, assets.idOf(*best->clip), duration,
         FCP::time(std::max(best->audioOffset, 0.0), format.rate));
 }
 
@@ -143,7 +143,9 @@ std::string FCPXMLWriter::fcpxml(const SyncResult& result, std::string_view proj
 
 URL FCPXMLWriter::write(const SyncResult& result, const URL& url, std::string_view project) {
     const std::string text = fcpxml(result, project, "keldobay");
-    File::create(url).write(std::as_bytes(std::span(text)));
+    File file = File::create(url);
+    file.write(std::as_bytes(std::span(text)));
+    file.flush();
     return url;
 }
 

@@ -5,8 +5,10 @@
 #include "ReelCore/Transcribe/Timecode.h"
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace ReelCore {
@@ -29,6 +31,24 @@ struct AudioClip {
     double endSeconds() const { return startSeconds + duration; }
 };
 
+/// A recording that many matches name and that is held once for all of them: copies share it. It is
+/// never changed, so any number of threads may read it. Equal where the recordings are.
+class SharedAudioClip {
+public:
+    SharedAudioClip(AudioClip clip = {})
+        : clip_(std::make_shared<const AudioClip>(std::move(clip))) {}
+
+    const AudioClip& operator*() const { return *clip_; }
+    const AudioClip* operator->() const { return clip_.get(); }
+
+    bool operator==(const SharedAudioClip& other) const {
+        return clip_ == other.clip_ || *clip_ == *other.clip_;
+    }
+
+private:
+    std::shared_ptr<const AudioClip> clip_;
+};
+
 /// One clip of a camera. Times are seconds.
 struct VideoClip {
     URL url;
@@ -48,7 +68,7 @@ struct VideoClip {
 /// A camera clip with the recordings that overlap it.
 struct SyncGroup {
     struct Match {
-        AudioClip clip;
+        SharedAudioClip clip;
         /// Where in the recording the picture's first frame falls, in seconds: negative where the
         /// camera rolled first.
         double audioOffset = 0.0;

@@ -9,7 +9,6 @@
 #include "ReelCore/Transcribe/AudioExtractor.h"
 
 #include <algorithm>
-#include <cmath>
 #include <functional>
 #include <string>
 #include <vector>
@@ -31,15 +30,34 @@ std::vector<Interval> intervalsOf(std::span<const Clip> clips) {
     return intervals;
 }
 
-SyncGroup::Match matchOf(const VideoClip& video, const AudioClip& audio, double overlap) {
-    const double coverage = video.duration > 0.0 ? std::min(overlap / video.duration, 1.0) : 0.0;
-    return {audio, video.startSeconds - audio.startSeconds, coverage};
+/// A recording that overlaps a clip, by its place among the recordings.
+struct Candidate {
+    std::size_t audio;
+    double coverage;
+};
+
+double coverageOf(const VideoClip& video, double overlap) {
+    return video.duration > 0.0 ? std::min(overlap / video.duration, 1.0) : 0.0;
+}
+
+/// Best first. The room that `candidates` has is used again from clip to clip.
+void findCandidates(const VideoClip& video, std::span<const Interval> sounds, double minOverlap,
+                    std::vector<Candidate>& candidates) {
+    candidates.clear();
+    const Interval picture{video.startSeconds, video.endSeconds()};
+    for (std::size_t i = 0; i < sounds.size(); ++i) {
+        const Interval& sound = sounds[i];
+        const double overlap =
+            std::min(sound.end, picture.end) - std::max(picture.start, sound.start);
+        if (overlap < minOverlap) continue;
+        candidates.push_back({i, coverageOf(video, overlap)});
+    }
+    std::ranges::stable_sort(candidates, std::greater(), &Candidate::coverage);
 }
 
 double durationOf(const URL& url) {
     try {
-        const double seconds = Transcoder().probeDuration(url);
-        return std::isfinite(seconds) ? seconds : 0.0;
+        return Transcoder().probeDuration(url);
     } catch (const Error&) {
         return 0.0;
     }
@@ -91,22 +109,21 @@ AudioClip Synchronizer::readAudio(const URL& url) {
 
 SyncResult Synchronizer::match(std::span<const VideoClip> videos, std::span<const AudioClip> audios,
                                double minOverlap) {
-    const std::vector<Interval> audioIntervals = intervalsOf(audios);
+    const std::vector<Interval> sounds = intervalsOf(audios);
+    const std::vector<SharedAudioClip> clips(audios.begin(), audios.end());
     std::vector<bool> isUsed(audios.size());
+    std::vector<Candidate> candidates;
     SyncResult result;
+    result.groups.reserve(videos.size());
     for (const VideoClip& video : videos) {
-        SyncGroup group{video, {}};
-        const Interval picture{video.startSeconds, video.endSeconds()};
-        for (std::size_t i = 0; i < audios.size(); ++i) {
-            const Interval& sound = audioIntervals[i];
-            const double overlap =
-                std::min(sound.end, picture.end) - std::max(picture.start, sound.start);
-            if (overlap < minOverlap) continue;
-            group.audio.push_back(matchOf(video, audios[i], overlap));
-            isUsed[i] = true;
+        findCandidates(video, sounds, minOverlap, candidates);
+        SyncGroup& group = result.groups.emplace_back(SyncGroup{video, {}});
+        group.audio.reserve(candidates.size());
+        for (const auto& [audio, coverage] : candidates) {
+            const double offset = video.startSeconds - sounds[audio].start;
+            group.audio.push_back({clips[audio], offset, coverage});
+            isUsed[audio] = true;
         }
-        std::ranges::stable_sort(group.audio, std::greater(), &SyncGroup::Match::coverage);
-        result.groups.push_back(std::move(group));
     }
     for (std::size_t i = 0; i < audios.size(); ++i) {
         if (!isUsed[i]) result.unmatchedAudio.push_back(audios[i]);

@@ -27,9 +27,8 @@ struct Synchronizer {
     static constexpr std::array<std::string_view, 2> audioExtensions{"wav", "bwf"};
 
     /// Reads every clip and recording below a folder and matches those that overlap by half a
-    /// second or more. What can't be read is left out without a word; a folder that is missing has
-    /// nothing in it. Throws SystemError only where the listing of a folder breaks off, or where
-    /// this process has no means left to read one.
+    /// second or more. What can't be read, file or folder, is left out without a word; a folder
+    /// that is missing has nothing in it. No failure of a file or a folder ends the scan.
     static SyncResult scan(const URL& directory);
 
     /// Throws what AudioExtractor::probe throws. A clip whose length can't be learned has the

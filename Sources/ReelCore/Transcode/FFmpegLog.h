@@ -2,13 +2,13 @@
 
 #include "ReelCore/Platform/File.h"
 #include "ReelCore/Platform/TemporaryPath.h"
-
-#include <string>
+#include "ReelCore/Transcode/FFmpegComplaints.h"
 
 namespace ReelCore {
 
-/// The file that one run of ffmpeg writes its complaints to: made empty in the temporary folder,
-/// with room for some complaints even if the drive runs full, and removed at the end.
+/// The file that one run of ffmpeg writes its complaints to, where its other stream is the one that
+/// is read: made empty in the temporary folder, with room for some complaints even if the drive
+/// runs full, and removed at the end.
 class FFmpegLog {
 public:
     /// Throws SystemError where the file can't be made or has no room.
@@ -16,16 +16,8 @@ public:
 
     const File& file() const { return file_; }
 
-    /// The last 256 KiB; nothing where the file can't be read.
-    std::string lastText() const;
-
-    /// The last 8 lines that are not empty, of the last 256 KiB; nothing where the file can't be
-    /// read. Bytes that are not UTF-8, as in a name, become U+FFFD.
-    std::string tail() const;
-
-    /// True if a drive failed or ran full. ffmpeg then ends what it has and, unless that fails at
-    /// once, calls it a success.
-    bool tellsOfFailedDrive() const;
+    /// What stands in the file, as far as it can be read.
+    FFmpegComplaints complaints() const;
 
 private:
     TemporaryPath path_;

@@ -10,7 +10,9 @@ std::string LUT::name() const {
 }
 
 void LUT::validate() const {
-    if (!FileSystem::leadsSomewhere(url)) throw TranscodeError(TranscodeError::LUTNotFound{url});
+    if (!FileSystem::leadsSomewhere(url) || FileSystem::isPipeOrDevice(url)) {
+        throw TranscodeError(TranscodeError::LUTNotFound{url});
+    }
     const std::string extension = lowerCasedExtension(url);
     if (extension == "cube" || extension == "3dl") return;
     throw TranscodeError(TranscodeError::UnsupportedLUT{extension});

@@ -15,8 +15,9 @@ struct LUT {
     /// The file's name without its extension.
     std::string name() const;
 
-    /// Throws TranscodeError: LUTNotFound where no file stands, UnsupportedLUT where its extension
-    /// is neither "cube" nor "3dl", in upper or lower case.
+    /// Throws TranscodeError: LUTNotFound where no file stands, or a pipe or a device, on which
+    /// ffmpeg would wait; UnsupportedLUT where its extension is neither "cube" nor "3dl", in upper
+    /// or lower case.
     void validate() const;
 };
 

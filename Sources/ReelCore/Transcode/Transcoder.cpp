@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <cmath>
 #include <utility>
 
 #include <fmt/format.h>
@@ -24,12 +25,20 @@ namespace ReelCore {
 
 namespace {
 
+constexpr std::chrono::milliseconds betweenLooks(100);
+
 using Fields = std::map<std::string, std::string>;
 
 std::optional<std::string> value(const Fields& fields, const std::string& key) {
     const auto found = fields.find(key);
     if (found == fields.end()) return std::nullopt;
     return found->second;
+}
+
+/// A number that can be reckoned with, which no infinity is.
+std::optional<double> finiteNumber(std::string_view text) {
+    const auto number = parseDouble(text);
+    return number && std::isfinite(*number) ? number : std::nullopt;
 }
 
 /// The request with every path as ffmpeg takes it for a file and nothing else.
@@ -42,7 +51,6 @@ TranscodeRequest forTool(TranscodeRequest request, const std::optional<PlainLUT>
 /// Reads ffmpeg's reports until it closes them. False once the run is cancelled.
 bool readReports(RunningChild& ffmpeg, ProgressReports& reports,
                  const std::function<bool()>& isCancelled) {
-    constexpr std::chrono::milliseconds betweenLooks(100);
     std::array<char, 4096> block;
     while (!isCancelled()) {
         const auto count = ffmpeg.read(block, betweenLooks);
@@ -52,9 +60,20 @@ bool readReports(RunningChild& ffmpeg, ProgressReports& reports,
     return false;
 }
 
+/// ffmpeg closes the clip first, so that what is there can be played.
+void endCancelled(RunningChild& ffmpeg, const std::function<bool()>& mustEndNow) {
+    ffmpeg.askToEnd();
+    while (!ffmpeg.waitForEnd(betweenLooks)) {
+        if (!mustEndNow()) continue;
+        ffmpeg.kill();
+        return;
+    }
+}
+
 }  // namespace
 
-Transcoder::Transcoder(std::function<bool()> asked) : isCancelled(std::move(asked)) {}
+Transcoder::Transcoder(std::function<bool()> asked, std::function<bool()> askedAgain)
+    : isCancelled(std::move(asked)), mustEndNow(std::move(askedAgain)) {}
 
 double Transcoder::probeDuration(const URL& url) const {
     const auto ffprobe = locator.ffprobe();
@@ -63,7 +82,7 @@ double Transcoder::probeDuration(const URL& url) const {
                                         {"-v", "error", "-show_entries", "format=duration", "-of",
                                          "default=nokey=1:noprint_wrappers=1"},
                                         url);
-    const auto seconds = parseDouble(answer);
+    const auto seconds = finiteNumber(answer);
     if (!seconds) {
         throw TranscodeError(
             TranscodeError::ProbeFailed{"no duration for " + lastPathComponent(url)});
@@ -90,7 +109,8 @@ TranscodeResult Transcoder::run(
     } catch (const Error&) {
         // Without a length the fraction stays at 0, and the clip is transcoded all the same.
     }
-    result.outputURL = uniqueOutputURL(request.outputURL());
+    const ReservedOutput output(request.outputURL());
+    result.outputURL = output.url();
 
     std::optional<PlainLUT> lut;
     if (request.lut) lut.emplace(request.lut->url);
@@ -100,12 +120,13 @@ TranscodeResult Transcoder::run(
     ProgressReports reports(
         [&](const Fields& fields) { progress(parseProgress(fields, result.durationSeconds)); });
     if (!readReports(child, reports, isCancelled)) {
-        child.end();
+        endCancelled(child, mustEndNow);
         throw TranscodeError(TranscodeError::Cancelled{});
     }
     const int status = child.wait();
-    if (status != 0 || log.tellsOfFailedDrive()) {
-        throw TranscodeError(TranscodeError::FFmpegFailed{status, log.tail()});
+    const FFmpegComplaints complaints = log.complaints();
+    if (status != 0 || complaints.tellOfFailedDrive()) {
+        throw TranscodeError(TranscodeError::FFmpegFailed{status, complaints.tail()});
     }
     result.finishedAt = now();
     return result;
@@ -154,12 +175,12 @@ TranscodeProgress Transcoder::parseProgress(const Fields& fields, double totalSe
     auto time = value(fields, "out_time_us");
     if (!time) time = value(fields, "out_time_ms");
     TranscodeProgress progress;
-    progress.currentSeconds = parseDouble(time.value_or("")).value_or(0.0) / 1e6;
+    progress.currentSeconds = finiteNumber(time.value_or("")).value_or(0.0) / 1e6;
     progress.totalSeconds = totalSeconds;
     if (totalSeconds > 0.0) {
         progress.fractionComplete = std::min(progress.currentSeconds / totalSeconds, 1.0);
     }
-    if (const auto fps = value(fields, "fps")) progress.fps = parseDouble(*fps);
+    if (const auto fps = value(fields, "fps")) progress.fps = finiteNumber(*fps);
     progress.speed = value(fields, "speed");
     if (progress.speed == "N/A") progress.speed.reset();
     return progress;

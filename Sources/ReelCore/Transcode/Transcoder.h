@@ -16,26 +16,34 @@ namespace ReelCore {
 /// operation blocks the thread that calls it for as long as its child runs.
 class Transcoder {
 public:
-    /// `isCancelled` may be asked often, and always on the thread of `run`.
-    explicit Transcoder(std::function<bool()> isCancelled = [] { return false; });
+    /// A cancel has two strengths. Once `isCancelled` says so, ffmpeg is asked to end and may take
+    /// the time that it needs to close the clip, which makes what is there playable; from then on
+    /// `mustEndNow` is asked, for a person who does not want to wait for that: it is killed, and
+    /// what is there may not be playable. Both may be asked often, and always on the thread of
+    /// `run`.
+    explicit Transcoder(
+        std::function<bool()> isCancelled = [] { return false; },
+        std::function<bool()> mustEndNow = [] { return false; });
 
     bool isFFmpegAvailable() const { return locator.isAvailable(); }
 
     /// The length of a clip in seconds. Throws TranscodeError: FFmpegNotFound where there is no
-    /// ffprobe, ProbeFailed where it gives no number; SystemError where it can't be started.
+    /// ffprobe, ProbeFailed where it gives no finite number; SystemError where it can't be started.
     double probeDuration(const URL& url) const;
 
     /// Transcodes one clip and returns once ffmpeg has ended. Writes to the request's outputURL or,
-    /// where that is taken, to the next free name, so that nothing is replaced; makes the folder.
+    /// where that is taken, to the next free name, which it takes for itself before ffmpeg starts:
+    /// nothing is replaced, whoever else writes to that folder. Makes the folder.
     /// `progress` is called on this thread with each of ffmpeg's reports.
     ///
     /// Throws TranscodeError: FFmpegNotFound, InputNotFound, LUTNotFound, UnsupportedLUT before
     /// anything is made; Cancelled once `isCancelled` says so, which is seen within a tenth of a
-    /// second and ends ffmpeg within half a second more; FFmpegFailed with the last 8 lines of what
-    /// ffmpeg said, also where it calls a clip done that a failing or full drive cut short (status
-    /// 0). Throws SystemError where the folder can't be made or ffmpeg not be started. A
-    /// partial output is left where it is. On no way out does ffmpeg run on, or a file of ours stay
-    /// in the temporary folder.
+    /// second, and ffmpeg has ended, or within a tenth of a second more once `mustEndNow` says so;
+    /// FFmpegFailed with the last 8 lines of what ffmpeg said, also where it calls a clip done that
+    /// a failing or full drive cut short (status 0). Throws SystemError where the folder can't be
+    /// made, no name in it be taken or ffmpeg not be started. A partial output is left where it is,
+    /// but none that is empty. On no way out does ffmpeg run on, or a file of ours stay in the
+    /// temporary folder.
     TranscodeResult run(const TranscodeRequest& request,
                         const std::function<void(const TranscodeProgress&)>& progress) const;
 
@@ -58,6 +66,7 @@ public:
 
     const FFmpegLocator locator{};
     std::function<bool()> isCancelled;
+    std::function<bool()> mustEndNow;
 };
 
 }  // namespace ReelCore

@@ -1,10 +1,11 @@
 #include "ReelCore/Transcribe/AudioExtractor.h"
 
-#include "ReelCore/Platform/ChildProcess.h"
 #include "ReelCore/Platform/FileSystem.h"
 #include "ReelCore/Platform/Number.h"
+#include "ReelCore/Platform/RunningChild.h"
 #include "ReelCore/Platform/Split.h"
 #include "ReelCore/Platform/Text.h"
+#include "ReelCore/Transcode/FFmpegComplaints.h"
 #include "ReelCore/Transcode/MediaQuery.h"
 #include "ReelCore/Transcribe/TranscribeError.h"
 
@@ -24,8 +25,12 @@ using Arguments = std::vector<std::string>;
 
 void runFFmpeg(const URL& ffmpeg, const Arguments& arguments) {
     constexpr std::int64_t tailLength = 500;
-    const auto [status, said] = ChildProcess::readError(ffmpeg, arguments);
-    if (status == 0) return;
+    RunningChild child(ffmpeg, arguments,
+                       {.output = ChildStream::nowhere(), .error = ChildStream::pipe()});
+    FFmpegComplaints complaints;
+    child.readAll([&](std::string_view piece) { complaints.take(piece); });
+    if (child.wait() == 0 && !complaints.tellOfFailedDrive()) return;
+    const std::string said = complaints.lastText();
     const std::string text = Text::isWellFormed(said) ? said : "";
     throw TranscribeError(TranscribeError::ExtractionFailed{Text::suffix(text, tailLength)});
 }
@@ -43,8 +48,8 @@ Arguments monoArguments(const SpeakerTrack& track) {
             "[a]"};
 }
 
-/// A tag in a file may hold anything, and a label that can't be counted is a fatal fault: at such a
-/// rate, or with such fields, it counts as unreadable.
+/// A tag in a file may hold anything: a label at a rate that counts no frames, or with fields that
+/// no day on earth has, counts as unreadable.
 std::optional<Timecode> readTimecode(const std::string& text, const FrameRate& rate) {
     constexpr std::size_t longestField = 9;
     for (const std::string_view field : piecesOf(text, ":;.")) {

@@ -1,6 +1,6 @@
 #include "ReelCore/Transcribe/FrameRate.h"
 
-#include "ReelCore/Platform/Fatal.h"
+#include "ReelCore/Platform/Arithmetic.h"
 #include "ReelCore/Platform/Number.h"
 #include "ReelCore/Platform/Split.h"
 
@@ -38,7 +38,11 @@ FrameRate FrameRate::fromFFmpeg(std::string_view text) {
     for (const auto& [value, result] : known) {
         if (toThousandths == value) return result;
     }
-    return other(checkedInteger(std::round(rate)), rate);
+    try {
+        return other(nearestInteger(rate), rate);
+    } catch (const OutOfRange&) {
+        return fps24;
+    }
 }
 
 FrameRate FrameRate::dropFrameVariant() const {

@@ -21,8 +21,8 @@ public:
     }
 
     /// Reads what ffprobe prints for a rate: "30000/1001", "25/1" or a bare decimal. What is no
-    /// number, or is divided by zero, is 24. A true 60 counts as 59.94. Never a drop-frame rate: a
-    /// rate alone does not tell. A rate that is not finite, or beyond 64 bits, is a fatal fault.
+    /// number, is divided by zero, is not finite or is beyond 64 bits is 24. A true 60 counts as
+    /// 59.94. Never a drop-frame rate: a rate alone does not tell.
     static FrameRate fromFFmpeg(std::string_view text);
 
     /// Frames that a second of timecode counts.

@@ -1,10 +1,10 @@
 #include "ReelCore/Transcribe/Timecode.h"
 
+#include "ReelCore/Platform/Arithmetic.h"
 #include "ReelCore/Platform/Fatal.h"
 #include "ReelCore/Platform/Number.h"
 #include "ReelCore/Platform/Split.h"
 
-#include <cmath>
 #include <vector>
 
 #include <fmt/format.h>
@@ -14,7 +14,7 @@ namespace ReelCore {
 namespace {
 
 std::int64_t plusProduct(std::int64_t sum, std::int64_t left, std::int64_t right) {
-    return checkedAdd(sum, checkedMultiply(left, right));
+    return exactSum(sum, exactProduct(left, right));
 }
 
 std::int64_t frameNumberOf(const Timecode::Components& label, FrameRate rate) {
@@ -22,21 +22,28 @@ std::int64_t frameNumberOf(const Timecode::Components& label, FrameRate rate) {
     const std::int64_t seconds = plusProduct(label.s, minutes, 60);
     const std::int64_t labels = plusProduct(label.f, seconds, rate.nominal());
     if (!rate.isDrop()) return labels;
-    return checkedSubtract(labels,
-                           checkedMultiply(rate.dropFramesPerMinute(), minutes - minutes / 10));
+    return plusProduct(labels, -rate.dropFramesPerMinute(), minutes - minutes / 10);
 }
 
+/// A label as whole seconds and frames: no count of labels, which may be too large, is needed.
+struct Position {
+    std::int64_t seconds;
+    std::int64_t frames;
+};
+
 /// Counts the dropped labels in again.
-std::int64_t labelNumberOf(std::int64_t frame, FrameRate rate) {
-    if (!rate.isDrop()) return frame;
-    const std::int64_t dropped = rate.dropFramesPerMinute();
-    const std::int64_t perMinute = rate.nominal() * 60 - dropped;
-    const std::int64_t perTenMinutes = rate.nominal() * 600 - 9 * dropped;
-    const std::int64_t tens = frame / perTenMinutes;
-    const std::int64_t rest = frame % perTenMinutes;
-    const std::int64_t labels = plusProduct(frame, 9 * dropped, tens);
-    if (rest <= dropped) return labels;
-    return plusProduct(labels, dropped, (rest - dropped) / perMinute);
+Position positionOf(std::int64_t frame, FrameRate rate) {
+    std::int64_t tens = 0;
+    if (rate.isDrop()) {
+        const std::int64_t dropped = rate.dropFramesPerMinute();
+        const std::int64_t perMinute = rate.nominal() * 60 - dropped;
+        const std::int64_t perTenMinutes = rate.nominal() * 600 - 9 * dropped;
+        tens = frame / perTenMinutes;
+        frame %= perTenMinutes;
+        if (frame > dropped) frame += dropped * ((frame - dropped) / perMinute);
+    }
+    const std::int64_t seconds = checkedDivide(frame, rate.nominal());
+    return {tens * 600 + seconds, frame - seconds * rate.nominal()};
 }
 
 }  // namespace
@@ -56,14 +63,17 @@ std::optional<Timecode> Timecode::parse(std::string_view text, FrameRate itsRate
     }
     if (numbers.size() != 4) return std::nullopt;
     const bool drops = text.find(';') != text.npos;
-    return Timecode(numbers[0], numbers[1], numbers[2], numbers[3],
-                    drops ? itsRate.dropFrameVariant() : itsRate);
+    try {
+        return Timecode(numbers[0], numbers[1], numbers[2], numbers[3],
+                        drops ? itsRate.dropFrameVariant() : itsRate);
+    } catch (const OutOfRange&) {
+        return std::nullopt;
+    }
 }
 
 Timecode::Components Timecode::components() const {
-    const std::int64_t number = labelNumberOf(frameNumber, rate);
-    const std::int64_t seconds = checkedDivide(number, rate.nominal());
-    return {seconds / 3600, seconds / 60 % 60, seconds % 60, number - seconds * rate.nominal()};
+    const auto [seconds, frames] = positionOf(frameNumber, rate);
+    return {seconds / 3600, seconds / 60 % 60, seconds % 60, frames};
 }
 
 std::string Timecode::formatted() const {
@@ -72,7 +82,7 @@ std::string Timecode::formatted() const {
 }
 
 Timecode Timecode::adding(double seconds) const {
-    return {checkedAdd(frameNumber, checkedInteger(std::round(seconds * rate.real()))), rate};
+    return {exactSum(frameNumber, nearestInteger(seconds * rate.real())), rate};
 }
 
 }  // namespace ReelCore

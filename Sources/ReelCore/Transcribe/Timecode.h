@@ -11,8 +11,8 @@ namespace ReelCore {
 
 /// A position in frames at a rate, and its label (SMPTE ST 12-1). A plain value. The frame number
 /// counts the frames that really elapsed since 00:00:00:00, so dropped labels are not in it; it may
-/// be negative, and nothing wraps at 24 hours. Arithmetic overflow, and labels at a nominal rate
-/// of 0, are fatal faults.
+/// be negative, and nothing wraps at 24 hours. A position beyond 64 bits is OutOfRange, thrown by
+/// what would make one; labels at a nominal rate of 0 are a fatal fault.
 struct Timecode {
     struct Components {
         std::int64_t h = 0;
@@ -30,7 +30,7 @@ struct Timecode {
              FrameRate rate);
 
     /// Reads a label: four whole numbers with ":", ";" or "." between them. A ";" anywhere stands
-    /// for the drop-frame variant of `rate`. Absent for any other text.
+    /// for the drop-frame variant of `rate`. Absent for any other text, and beyond 64 bits.
     static std::optional<Timecode> parse(std::string_view text, FrameRate rate);
 
     /// The frame number by its other name.

@@ -1,14 +1,13 @@
 #include "ReelCore/Vision/FrameGrabber.h"
 
+#include "ReelCore/Platform/Arithmetic.h"
 #include "ReelCore/Platform/ChildProcess.h"
-#include "ReelCore/Platform/Fatal.h"
 #include "ReelCore/Platform/File.h"
 #include "ReelCore/Platform/FileSystem.h"
 #include "ReelCore/Platform/Number.h"
 #include "ReelCore/Transcode/MediaQuery.h"
 #include "ReelCore/Transcribe/TranscribeError.h"
 
-#include <cmath>
 #include <exception>
 #include <system_error>
 
@@ -28,7 +27,7 @@ URL FrameGrabber::grabFile(const URL& url, double seconds, const URL& directory)
     const auto ffmpeg = ff.ffmpeg();
     if (!ffmpeg) throw TranscribeError(TranscribeError::FFmpegNotFound{});
     FileSystem::createFolders(directory);
-    const std::int64_t milliseconds = checkedInteger(std::round(seconds * 1000.0));
+    const std::int64_t milliseconds = nearestInteger(seconds * 1000.0);
     URL output = directory / fmt::format("frame_{}.jpg", milliseconds);
     std::error_code ignored;
     std::filesystem::remove(output, ignored);  // no earlier frame may be taken for this one

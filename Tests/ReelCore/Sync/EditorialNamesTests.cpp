@@ -70,7 +70,7 @@ TEST(FCPXMLWriter, NamesOfAnyBytes_AreFoundAtTheirLocationByteForByte) {
     std::vector<std::string> paths;
     for (const SyncGroup& group : result.groups) {
         paths.push_back(group.video.url.native());
-        paths.push_back(group.best()->clip.url.native());
+        paths.push_back(group.best()->clip->url.native());
     }
 
     const URL timeline = FCPXMLWriter::write(result, folder.path() / "day.fcpxml", "Day 1");

@@ -1,5 +1,8 @@
 #include "ReelCore/Sync/Synchronizer.h"
+#include "Support/Forked.h"
+#include "Support/PeakMemory.h"
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -35,7 +38,7 @@ SyncResult matchOf(const Videos& videos, const Audios& audios, double minOverlap
 
 Names namesOf(const SyncGroup& group) {
     Names names;
-    for (const SyncGroup::Match& match : group.audio) names.push_back(match.clip.name());
+    for (const SyncGroup::Match& match : group.audio) names.push_back(match.clip->name());
     return names;
 }
 
@@ -257,6 +260,25 @@ TEST(Match, HoursAbove23_AreNotFoldedBack) {
 
 TEST(Match, NoTimes_SitAtMidnightTogether) {
     EXPECT_EQ(matchOf({video(0, 60)}, {audio(0, 90)}).syncedCount(), 1);
+}
+
+// Recordings without a time all sit at midnight, under every clip that has none either.
+TEST(Match, ThousandsWithoutTimes_HoldEachRecordingOnce) {
+    constexpr int count = 2000;
+    Audios sounds(count, audio(0, 90, "/Volumes/DAY/SOUND/251121/an untimed recording.wav"));
+    for (AudioClip& sound : sounds) sound.trackNames = {"MixL", "MixR", "Boom", "Lav 1", "Lav 2"};
+    const Videos pictures(count, video(0, 60));
+
+    const int mebibytes = TestSupport::statusOfForked([&] {
+        const std::int64_t before = TestSupport::peakMemoryInKiB();
+        const SyncResult result = matchOf(pictures, sounds);
+        if (result.groups.back().audio.size() != std::size_t{count}) return 255;
+        return static_cast<int>(
+            std::min<std::int64_t>(254, (TestSupport::peakMemoryInKiB() - before) / 1024));
+    });
+
+    // A recording for each match would take more than 2 GiB.
+    EXPECT_LT(mebibytes, 240);
 }
 
 TEST(Match, NothingGiven_GivesNothing) {

@@ -29,7 +29,7 @@ Lines groupsOf(const SyncResult& result, const URL& folder) {
         lines.push_back(fmt::format("{} | {:.3f} | {}", below(video.url), video.startSeconds,
                                     video.startTimecode ? video.startTimecode->formatted() : "-"));
         for (const SyncGroup::Match& match : group.audio) {
-            lines.push_back(fmt::format("  {} | {:.3f} | {:.2f}", below(match.clip.url),
+            lines.push_back(fmt::format("  {} | {:.3f} | {:.2f}", below(match.clip->url),
                                         match.audioOffset, match.coverage));
         }
     }

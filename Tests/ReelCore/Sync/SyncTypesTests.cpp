@@ -9,10 +9,9 @@ using namespace ReelCore;
 namespace {
 
 SyncGroup::Match matchOf(const URL& url, double coverage) {
-    SyncGroup::Match match;
-    match.clip.url = url;
-    match.coverage = coverage;
-    return match;
+    AudioClip clip;
+    clip.url = url;
+    return {clip, 0.0, coverage};
 }
 
 SyncGroup groupOf(const std::vector<SyncGroup::Match>& matches) {
@@ -56,7 +55,7 @@ TEST(SyncTypes, Best_HighestCoverageNotInFront_IsFound) {
     const SyncGroup group = groupOf({matchOf("a", 0.2), matchOf("b", 0.9), matchOf("c", 0.5)});
 
     ASSERT_TRUE(group.best().has_value());
-    EXPECT_EQ(group.best()->clip.url, "b");
+    EXPECT_EQ(group.best()->clip->url, "b");
     EXPECT_TRUE(group.isSynced());
 }
 
@@ -65,14 +64,14 @@ TEST(SyncTypes, Best_EqualCoverage_IsTheFirst) {
         groupOf({matchOf("a", 0.5), matchOf("b", 1.0), matchOf("c", 1.0), matchOf("d", 1.0)});
 
     ASSERT_TRUE(group.best().has_value());
-    EXPECT_EQ(group.best()->clip.url, "b");
+    EXPECT_EQ(group.best()->clip->url, "b");
 }
 
 TEST(SyncTypes, Best_CoverageOfZero_StillCounts) {
     const SyncGroup group = groupOf({matchOf("a", 0.0), matchOf("b", 0.0)});
 
     ASSERT_TRUE(group.best().has_value());
-    EXPECT_EQ(group.best()->clip.url, "a");
+    EXPECT_EQ(group.best()->clip->url, "a");
 }
 
 TEST(SyncTypes, SyncedCount_SomeGroupsWithSound_CountsThose) {

@@ -97,6 +97,27 @@ TEST_F(SynchronizerReadTest, Video_MXF_HasTheTimecodeOfItsContainer) {
     EXPECT_EQ(clip.height, 72);
 }
 
+TEST_F(SynchronizerReadTest, Video_TransportStream_HasTheSizeOfItsPicture) {
+    const std::vector<std::string> h264{"-c:v", "libx264", "-pix_fmt", "yuv420p"};
+    // Side data of the stream, which ffprobe marks in its answer.
+    const std::vector<std::string> mpeg2{"-c:v",     "mpeg2video", "-b:v",     "4M",
+                                         "-maxrate", "8M",         "-bufsize", "2M"};
+    for (const auto& video : {h264, mpeg2}) {
+        ClipRecipe recipe;
+        recipe.size = "320x180";
+        recipe.video = video;
+        recipe.audio = {"-c:a", "ac3"};
+        makeClip(at("00001.MTS"), recipe);
+
+        const VideoClip clip = Synchronizer::readVideo(at("00001.MTS"));
+
+        EXPECT_EQ(clip.frameRate, FrameRate::fps25) << video[1];
+        EXPECT_NEAR(clip.duration, 1.0, 0.1) << video[1];
+        EXPECT_EQ(clip.width, 320) << video[1];
+        EXPECT_EQ(clip.height, 180) << video[1];
+    }
+}
+
 TEST_F(SynchronizerReadTest, Video_WithoutTimecode_StartsAtMidnight) {
     makeClip(at("clip.mov"));
 
@@ -146,7 +167,7 @@ TEST_F(SynchronizerReadTest, Video_NoTimecodeInTheStream_IsASeventhQuery) {
 }
 
 TEST_F(SynchronizerReadTest, Video_OddDuration_IsNone) {
-    for (const char* odd : {"", "N/A", "1.0 s", "1.0\\n2.0"}) {
+    for (const char* odd : {"", "N/A", "1.0 s", "1.0\\n2.0", "inf", "-inf", "nan", "1e400"}) {
         const FakeTool ffprobe("FFPROBE_PATH", answers("25/1", "00:00:01:00", "", odd, "64x36"));
 
         const VideoClip clip = Synchronizer::readVideo(at("clip.mov"));

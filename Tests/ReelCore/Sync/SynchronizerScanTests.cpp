@@ -1,4 +1,3 @@
-#include "ReelCore/Platform/SystemError.h"
 #include "ReelCore/Sync/Synchronizer.h"
 #include "Support/Clip.h"
 #include "Support/FakeTool.h"
@@ -13,7 +12,9 @@
 #include <string>
 #include <vector>
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -51,6 +52,20 @@ case "$*" in
 *stream_tags*) cat "$file";;
 *format=duration*) echo 10.0;;
 esac)";
+
+/// Folders of names of `length`, one in the other; deeper than a path may be long.
+void makeDeepFolders(const URL& top, std::size_t length, int depth) {
+    std::filesystem::create_directory(top);
+    const std::string name(length, 'd');
+    int folder = ::open(top.c_str(), O_RDONLY | O_DIRECTORY);
+    for (int i = 0; i < depth; ++i) {
+        ASSERT_EQ(::mkdirat(folder, name.c_str(), 0755), 0);
+        const int below = ::openat(folder, name.c_str(), O_RDONLY | O_DIRECTORY);
+        ::close(folder);
+        folder = below;
+    }
+    ::close(folder);
+}
 
 class SynchronizerScanTest : public testing::Test {
 protected:
@@ -132,7 +147,7 @@ TEST_F(SynchronizerScanTest, Scan_LeastOverlap_IsHalfASecond) {
 
     ASSERT_EQ(result.groups.size(), 1U);
     ASSERT_EQ(result.groups[0].audio.size(), 1U);
-    EXPECT_EQ(result.groups[0].audio[0].clip.name(), "half.wav");
+    EXPECT_EQ(result.groups[0].audio[0].clip->name(), "half.wav");
     EXPECT_EQ(namesOf(result.unmatchedAudio), Names{"less.wav"});
 }
 
@@ -200,16 +215,75 @@ TEST_F(SynchronizerScanTest, Scan_FoldersAndFilesOfAnotherUser_AreReadAsFarAsThe
         if (namesOf(result.groups) != Names{"locked.mov", "open.mov"}) return 3;
         if (result.groups[0].isSynced() || result.groups[0].video.duration != 0.0) return 4;
         if (result.groups[1].audio.size() != 1) return 5;
-        return result.groups[1].audio[0].clip.name() == "open.wav" ? 0 : 6;
+        return result.groups[1].audio[0].clip->name() == "open.wav" ? 0 : 6;
     });
 
     EXPECT_EQ(status, 0);
 }
 
-TEST_F(SynchronizerScanTest, Scan_ListingBreaksOff_FailsRatherThanTakeHalfForAll) {
+TEST_F(SynchronizerScanTest, Scan_BrokenFolder_IsPassedOverAndTheRestIsRead) {
     if (!FaultyFileSystem::isAvailable()) GTEST_SKIP() << "needs FUSE";
-    writeTree(at("back"), {{"a.wav", recordingAt(0)}, {"bad/b.wav", recordingAt(0)}});
-    const FaultyFileSystem drive(at("back"), at("drive"), {.breakListingOf = "bad"});
+    writeTree(
+        at("back"),
+        {{"a.wav", recordingAt(0)}, {"bad/b.wav", recordingAt(0)}, {"day/c.wav", recordingAt(0)}});
+    for (const int error : {EIO, ENOMEM, ENAMETOOLONG}) {
+        const FaultyFileSystem drive(at("back"), at("drive"),
+                                     {.breakListingOf = "bad", .listingError = error});
 
-    EXPECT_THROW(Synchronizer::scan(drive.path()), SystemError);
+        EXPECT_EQ(namesOf(Synchronizer::scan(drive.path()).unmatchedAudio),
+                  (Names{"a.wav", "c.wav"}))
+            << error;
+        EXPECT_EQ(Synchronizer::scan(drive.path() / "bad"), SyncResult{}) << error;
+    }
+}
+
+TEST_F(SynchronizerScanTest, Scan_ListingThatBreaksOffHalfWay_GivesWhatItGave) {
+    if (!FaultyFileSystem::isAvailable()) GTEST_SKIP() << "needs FUSE";
+    for (int i = 0; i < 400; ++i) {
+        writeFile(at("back/bad/" + std::to_string(1000 + i) + ".wav"), recordingAt(0));
+    }
+    writeFile(at("back/good/last.wav"), recordingAt(0));
+    const FaultyFileSystem drive(at("back"), at("drive"),
+                                 {.breakListingOf = "bad", .listedBeforeThat = 200});
+
+    const Names names = namesOf(Synchronizer::scan(drive.path()).unmatchedAudio);
+
+    EXPECT_EQ(names.size(), 201U);
+    EXPECT_EQ(std::ranges::count(names, "last.wav"), 1);
+}
+
+TEST_F(SynchronizerScanTest, Scan_PathLongerThanTheSystemAllows_IsPassedOver) {
+    writeFile(at("a.wav"), recordingAt(0));
+    makeDeepFolders(at("deep"), 200, 40);
+    writeFile(at("z/z.wav"), recordingAt(0));
+
+    EXPECT_EQ(namesOf(Synchronizer::scan(at("")).unmatchedAudio), (Names{"a.wav", "z.wav"}));
+}
+
+TEST_F(SynchronizerScanTest, Scan_ProcessWithoutDescriptors_GivesNothing) {
+    writeFile(at("a.wav"), recordingAt(0));
+
+    const int status = statusOfForked([&] {
+        const rlimit none{0, 0};
+        ::setrlimit(RLIMIT_NOFILE, &none);
+        return Synchronizer::scan(at("")) == SyncResult{} ? 0 : 1;
+    });
+
+    EXPECT_EQ(status, 0);
+}
+
+TEST_F(SynchronizerScanTest, Scan_PipesAndDevices_ArePassedOver) {
+    const FakeTool ffprobe("FFPROBE_PATH", readsText);
+    writeTree(at(""), {{"clip.mov", "10:00:00:00"}, {"sound.wav", recordingAt(36000)}});
+    for (const char* name : {"pipe.mov", "pipe.wav"}) {
+        ASSERT_EQ(::mkfifo(at(name).c_str(), 0666), 0);
+    }
+    std::filesystem::create_symlink("pipe.mov", at("to pipe.mov"));
+    std::filesystem::create_symlink("/dev/zero", at("to device.wav"));
+
+    const SyncResult result = Synchronizer::scan(at(""));
+
+    EXPECT_EQ(namesOf(result.groups), Names{"clip.mov"});
+    EXPECT_EQ(result.syncedCount(), 1);
+    EXPECT_TRUE(result.unmatchedAudio.empty());
 }

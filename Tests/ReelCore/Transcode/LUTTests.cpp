@@ -7,6 +7,7 @@
 #include <optional>
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 namespace ReelCore {
 
@@ -89,6 +90,19 @@ TEST(LUTValidate, Links_AreFollowed) {
     EXPECT_NO_THROW(LUT{folder.path() / "link.cube"}.validate());
     const auto failure = failureOf(LUT{folder.path() / "dangling.cube"});
     EXPECT_TRUE(failure && failure->is<TranscodeError::LUTNotFound>());
+}
+
+// ffmpeg would wait for a writer that never comes.
+TEST(LUTValidate, PipesAndDevices_AreNotFound) {
+    const TemporaryFolder folder;
+    ASSERT_EQ(::mkfifo((folder.path() / "pipe.cube").c_str(), 0600), 0);
+    std::filesystem::create_symlink("pipe.cube", folder.path() / "to pipe.cube");
+    std::filesystem::create_symlink("/dev/zero", folder.path() / "to device.3dl");
+
+    for (const char* name : {"pipe.cube", "to pipe.cube", "to device.3dl"}) {
+        const auto failure = failureOf(LUT{folder.path() / name});
+        EXPECT_TRUE(failure && failure->is<TranscodeError::LUTNotFound>()) << name;
+    }
 }
 
 TEST(LUTValidate, Content_IsNotLookedAt) {

@@ -54,6 +54,13 @@ TEST(MediaQuery, AnswerOf_HasNoWhiteSpaceAtItsEnds) {
     EXPECT_EQ(answer(""), "");
 }
 
+TEST(MediaQuery, LineThatIsRepeated_IsGivenOnce) {
+    EXPECT_EQ(answer(R"(printf '25/1\n25/1\n')"), "25/1");
+    EXPECT_EQ(answer(R"(printf '320x180\n\n\n320x180\n')"), "320x180");
+    EXPECT_EQ(answer(R"(printf '1\n2\n1\n2\n')"), "1\n2");
+    EXPECT_EQ(answer(R"(printf '1\n11\n1')"), "1\n11");
+}
+
 TEST(MediaQuery, AnswerThatIsNotUTF8_IsEmpty) {
     EXPECT_EQ(answer(R"(printf '01:00:00:00\377')"), "");
 }

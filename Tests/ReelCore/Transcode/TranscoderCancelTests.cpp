@@ -36,15 +36,19 @@ protected:
         return FileSystem::exists("/proc/" + number.substr(0, number.find('\n')));
     }
 
-    /// Runs the job, cancelled once `isTime`; how long it goes on from there.
+    /// Runs the job, cancelled once `isTime`, and again once `isTimeToKill`; how long it goes on
+    /// from the first of the two.
     Clock::duration timeToEnd(
         const TranscodeRequest& job, const std::function<bool()>& isTime,
-        const std::function<void(const TranscodeProgress&)>& progress = ignoreProgress) const {
+        const std::function<void(const TranscodeProgress&)>& progress = ignoreProgress,
+        const std::function<bool()>& isTimeToKill = [] { return false; }) const {
         std::optional<Clock::time_point> asked;
-        const Transcoder transcoder([&] {
-            if (!asked && isTime()) asked = Clock::now();
-            return asked.has_value();
-        });
+        const Transcoder transcoder(
+            [&] {
+                if (!asked && isTime()) asked = Clock::now();
+                return asked.has_value();
+            },
+            isTimeToKill);
         try {
             transcoder.run(job, progress);
         } catch (const TranscodeError& error) {
@@ -56,16 +60,49 @@ protected:
     }
 };
 
-TEST_F(TranscoderCancel, LongJob_EndsWithinASecondAndLeavesWhatIsWritten) {
-    const URL input = clip("A001.mov", {.seconds = 10.0});
-    const TranscodeRequest job{input, folder() / "out", TranscodePreset::h264Review, {}, 3840};
-    bool isUnderWay = false;
+/// ffmpeg holds back some forty frames of H.264 until the end.
+TEST_F(TranscoderCancel, OnePress_LeavesAClipThatCanBePlayed) {
+    const URL input = clip("A001.mov", {.seconds = 20.0, .channels = {}, .audio = {}});
+    const TranscodeRequest job{input, folder() / "out", TranscodePreset::h264Review, {}, 1280};
+    double reached = 0.0;
+
+    timeToEnd(
+        job, [&] { return reached > 0.0; },
+        [&](const TranscodeProgress& progress) { reached = progress.currentSeconds; });
+
+    const URL output = folder() / "out/A001.mp4";
+    const std::string duration = TestSupport::probed(output, "format=duration");
+    ASSERT_NE(duration, "");
+    EXPECT_GE(std::stod(duration), reached);
+    EXPECT_LT(std::stod(duration), 19.9);
+}
+
+TEST_F(TranscoderCancel, OnePress_LeavesAllTheTimeThatClosingAClipTakes) {
+    const URL closed = folder() / "closed";
+    const FakeTool ffmpeg(
+        "FFMPEG_PATH",
+        afterItsNumber(numberFile(), "trap 'sleep 1.5; echo index >" + closed.native() +
+                                         "; exit 255' TERM\n"
+                                         "while :; do sleep 0.01; done"));
+
+    const auto time = timeToEnd(anyJob(), [&] { return hasStarted(); });
+
+    EXPECT_GE(time, 1500ms);
+    EXPECT_TRUE(FileSystem::exists(closed));
+}
+
+TEST_F(TranscoderCancel, SecondPress_EndsFFmpegThoughItIsStillClosingTheClip) {
+    const URL closed = folder() / "closed";
+    const FakeTool ffmpeg("FFMPEG_PATH",
+                          "trap 'sleep 100; echo index >" + closed.native() + "' TERM\n" +
+                              afterItsNumber(numberFile(), "while :; do sleep 0.01; done"));
 
     const auto time = timeToEnd(
-        job, [&] { return isUnderWay; }, [&](const TranscodeProgress&) { isUnderWay = true; });
+        anyJob(), [&] { return hasStarted(); }, ignoreProgress, [] { return true; });
 
     EXPECT_LT(time, 1s);
-    EXPECT_TRUE(FileSystem::exists(folder() / "out/A001.mp4"));
+    EXPECT_FALSE(isRunning());
+    EXPECT_FALSE(FileSystem::exists(closed));
 }
 
 TEST_F(TranscoderCancel, SilentChild_EndsWithinASecond) {
@@ -75,12 +112,32 @@ TEST_F(TranscoderCancel, SilentChild_EndsWithinASecond) {
     EXPECT_FALSE(isRunning());
 }
 
-TEST_F(TranscoderCancel, ChildThatIgnoresTheSignal_EndsWithinASecond) {
+TEST_F(TranscoderCancel, ChildThatIgnoresTheSignal_HasAllTheTimeUntilTheSecondPress) {
     const FakeTool ffmpeg("FFMPEG_PATH",
                           "trap '' TERM\n" + afterItsNumber(numberFile(), "exec sleep 100"));
+    const auto patience = 1500ms;
+    std::optional<Clock::time_point> begin;
 
-    EXPECT_LT(timeToEnd(anyJob(), [&] { return hasStarted(); }), 1s);
+    const auto time = timeToEnd(
+        anyJob(),
+        [&] {
+            if (hasStarted()) begin = Clock::now();
+            return begin.has_value();
+        },
+        ignoreProgress, [&] { return Clock::now() - *begin > patience; });
+
+    EXPECT_GE(time, patience);
+    EXPECT_LT(time, patience + 1s);
     EXPECT_FALSE(isRunning());
+}
+
+TEST_F(TranscoderCancel, BeforeTheFirstPress_TheSecondIsNotAskedFor) {
+    const FakeTool ffmpeg("FFMPEG_PATH", "sleep 0.3");
+    bool isAsked = false;
+    const Transcoder transcoder([] { return false; }, [&] { return isAsked = true; });
+
+    EXPECT_NO_THROW(transcoder.run(anyJob(), ignoreProgress));
+    EXPECT_FALSE(isAsked);
 }
 
 TEST_F(TranscoderCancel, ChildThatNeverStopsWriting_EndsWithinASecond) {

@@ -18,9 +18,11 @@ using TestSupport::FakeTool;
 using TestSupport::FaultyFileSystem;
 using TestSupport::LoopMount;
 
-/// How ffmpeg failed: its status and the last line; -1 and nothing if it did not.
+/// How ffmpeg failed: its status, its last lines and the last of them; -1 and nothing if it did
+/// not.
 struct Failure {
     int status = -1;
+    std::string tail;
     std::string lastLine;
 };
 
@@ -29,7 +31,8 @@ Failure failureOf(const TranscodeRequest& job) {
         Transcoder().run(job, ignoreProgress);
     } catch (const TranscodeError& error) {
         if (const auto* failed = error.get<TranscodeError::FFmpegFailed>()) {
-            return {failed->status, failed->tail.substr(failed->tail.rfind('\n') + 1)};
+            return {failed->status, failed->tail,
+                    failed->tail.substr(failed->tail.rfind('\n') + 1)};
         }
     }
     return {};
@@ -126,15 +129,21 @@ TEST_F(TranscoderDrive, NoRoomForALog_FailsBeforeFFmpegStarts) {
     }
 }
 
-TEST_F(TranscoderDrive, ReadOnlyDrive_Fails) {
-    const URL input = clip("A001.mov", {.seconds = 0.2});
+TEST_F(TranscoderDrive, ReadOnlyDrive_PassesTheSystemsFailureOnBeforeFFmpegStarts) {
+    const FakeTool ffmpeg("FFMPEG_PATH");
     LoopMount drive("ext4", 8);
     drive.makeReadOnly();
+    TranscodeRequest job = anyJob();
+    job.outputDirectory = drive.path();
 
-    const Failure failure = failureOf({input, drive.path(), TranscodePreset::proRes422, {}, {}});
-
-    EXPECT_EQ(failure.status, 1);
-    EXPECT_TRUE(failure.lastLine.ends_with(": Read-only file system")) << failure.lastLine;
+    try {
+        Transcoder().run(job, ignoreProgress);
+        FAIL() << "no failure";
+    } catch (const SystemError& error) {
+        EXPECT_EQ(error.description(),
+                  "Read-only file system: " + (drive.path() / "A001.mov").native());
+    }
+    EXPECT_TRUE(ffmpeg.calls().empty());
 }
 
 TEST_F(TranscoderDrive, FolderOnAReadOnlyDrive_PassesTheSystemsFailureOn) {
@@ -179,6 +188,35 @@ TEST_F(TranscoderDrive, ClipThatCannotBeReadToItsEnd_Fails) {
         {card.path() / "A001.mxf", folder() / "out", TranscodePreset::h264Review, {}, {}});
 
     EXPECT_EQ(failure.status, 0) << "ffmpeg alone calls it a success";
+}
+
+/// What a device, a file system or a network may answer to who reads or writes an open file.
+constexpr int failuresOfDrives[]{
+    EIO,       ENXIO,         ENODEV,      ENOMEDIUM,    EMEDIUMTYPE,  EREMOTEIO,    ENODATA,
+    EILSEQ,    ETIME,         EBADE,       EREMCHG,      EBUSY,        ENOLINK,      ECANCELED,
+    EPROTO,    ESHUTDOWN,     ENOSTR,      ENOSR,        ECOMM,        ETOOMANYREFS, EOVERFLOW,
+    ENOSPC,    EDQUOT,        EFBIG,       EROFS,        EUCLEAN,      EBADMSG,      EBADF,
+    EACCES,    ESTALE,        ENOTCONN,    ECONNABORTED, ETIMEDOUT,    ECONNRESET,   ECONNREFUSED,
+    EHOSTDOWN, EHOSTUNREACH,  ENETDOWN,    ENETUNREACH,  ENETRESET,    ENONET,       EPIPE,
+    ENOBUFS,   EADDRNOTAVAIL, EKEYEXPIRED, EKEYREVOKED,  EKEYREJECTED, ENOKEY,
+};
+
+TEST_F(TranscoderDrive, EachFailureThatADriveCanTell_FailsThoughFFmpegCallsItASuccess) {
+    const URL input =
+        clip("card/A001.mxf",
+             {.size = "160x96", .seconds = 2.0, .video = {"-c:v", "mpeg2video", "-q:v", "2"}});
+    const auto size = static_cast<std::int64_t>(std::filesystem::file_size(input));
+    for (const int code : failuresOfDrives) {
+        const FaultyFileSystem card(folder() / "card", folder() / "mounted",
+                                    {.readError = code, .failReadAt = size / 2});
+
+        const Failure failure = failureOf(
+            {card.path() / "A001.mxf", folder() / "out", TranscodePreset::proRes422, {}, {}});
+
+        const std::string sentence = SystemError(code).sentence();
+        EXPECT_EQ(failure.status, 0) << sentence << ": ffmpeg alone calls it a success";
+        EXPECT_NE(failure.tail.find(": " + sentence + "\n"), std::string::npos) << failure.tail;
+    }
 }
 
 TEST_F(TranscoderDrive, DamagedClip_IsTranscodedAsFarAsItGoes) {

@@ -4,11 +4,12 @@
 #include "Support/FakeTool.h"
 #include "Support/Forked.h"
 #include "Support/OwnMounts.h"
+#include "Support/PeakMemory.h"
 #include "TranscodeFixture.h"
 
 #include <optional>
 
-#include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace ReelCore {
@@ -18,6 +19,7 @@ namespace {
 using TestSupport::EnvironmentVariable;
 using TestSupport::FakeTool;
 using TestSupport::ownMountsMissing;
+using TestSupport::peakMemoryInKiB;
 using TestSupport::writeFile;
 
 /// The job's failure of this kind, if that is how it ends.
@@ -35,12 +37,6 @@ std::optional<Case> failureOf(const TranscodeRequest& job) {
 std::pair<int, std::string> ffmpegFailureOf(const TranscodeRequest& job) {
     const auto failure = failureOf<TranscodeError::FFmpegFailed>(job);
     return failure ? std::pair(failure->status, failure->tail) : std::pair(-1, std::string());
-}
-
-std::int64_t peakMemoryInKiB() {
-    rusage usage{};
-    ::getrusage(RUSAGE_SELF, &usage);
-    return usage.ru_maxrss;
 }
 
 class TranscoderFailure : public TranscodeFixture {
@@ -210,6 +206,14 @@ TEST_F(TranscoderFailure, PipeAsInput_IsNotWaitedFor) {
     EXPECT_TRUE(failureOf<TranscodeError::InputNotFound>(job));
 }
 
+TEST_F(TranscoderFailure, PipeAsLUT_IsNotWaitedFor) {
+    TranscodeRequest job = anyJob();
+    job.lut = LUT{folder() / "a.cube"};
+    ASSERT_EQ(::mkfifo(job.lut->url.c_str(), 0600), 0);
+
+    EXPECT_TRUE(failureOf<TranscodeError::LUTNotFound>(job));
+}
+
 TEST_F(TranscoderFailure, Input_IsAskedForBeforeLUTAndFolder) {
     const FakeTool ffmpeg("FFMPEG_PATH");
     const TranscodeRequest job{folder() / "missing.mov", folder() / "out",
@@ -281,14 +285,15 @@ TEST_F(TranscoderFailure, LUTThatIsNone_IsFFmpegsFailure) {
     EXPECT_NE(tail.find("lut3d"), std::string::npos) << tail;
 }
 
-TEST_F(TranscoderFailure, NameTooLongForItsNumber_IsFFmpegsFailure) {
+TEST_F(TranscoderFailure, NameTooLongForItsNumber_PassesTheSystemsFailureOn) {
     const URL input = clip(std::string(251, 'a') + ".mov", {.seconds = 0.2});
 
-    const auto [status, tail] =
-        ffmpegFailureOf({input, folder(), TranscodePreset::proRes422, {}, {}});
-
-    EXPECT_EQ(status, 1);
-    EXPECT_TRUE(tail.ends_with(": File name too long")) << tail;
+    try {
+        Transcoder().run({input, folder(), TranscodePreset::proRes422, {}, {}}, ignoreProgress);
+        FAIL() << "no failure";
+    } catch (const SystemError& error) {
+        EXPECT_EQ(error.code(), ENAMETOOLONG);
+    }
 }
 
 }  // namespace

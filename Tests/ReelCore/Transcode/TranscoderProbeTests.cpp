@@ -59,6 +59,27 @@ TEST_F(TranscoderProbe, AnswerThatIsNoNumber_FailsWithTheFilesName) {
     }
 }
 
+TEST_F(TranscoderProbe, LengthWithoutAnEnd_IsNoNumber) {
+    for (const char* answer : {"inf", "-inf", "INFINITY", "nan", "-nan", "1e400", "-1e400"}) {
+        const FakeTool ffprobe("FFPROBE_PATH", std::string("echo ") + answer);
+        EXPECT_EQ(failureOf("/in/A001.mov"), "ffprobe failed: no duration for A001.mov") << answer;
+    }
+}
+
+TEST_F(TranscoderProbe, LengthWithoutAnEnd_LeavesTheLengthUnknownAndRuns) {
+    const FakeTool ffmpeg("FFMPEG_PATH", "printf 'out_time_us=1000000\\nprogress=end\\n'");
+    for (const char* answer : {"inf", "nan", "1e400"}) {
+        const FakeTool ffprobe("FFPROBE_PATH", std::string("echo ") + answer);
+        std::vector<TranscodeProgress> reports;
+
+        const TranscodeResult result = Transcoder().run(
+            anyJob(), [&](const TranscodeProgress& report) { reports.push_back(report); });
+
+        EXPECT_EQ(result.durationSeconds, 0.0) << answer;
+        EXPECT_EQ(reports, (std::vector<TranscodeProgress>{{0.0, 1.0, 0.0, {}, {}}})) << answer;
+    }
+}
+
 TEST_F(TranscoderProbe, FileThatIsNoClip_Fails) {
     writeFile(folder() / "empty.mov", "");
     writeFile(folder() / "noise.mov", TestSupport::noise(100'000));

@@ -127,7 +127,7 @@ TEST(TranscoderParseProgress, BothKeys_TheMicrosecondsStand) {
 }
 
 TEST(TranscoderParseProgress, TimeThatIsNoNumber_IsZero) {
-    for (const char* time : {"N/A", "", "12x", "1 2", " 1"}) {
+    for (const char* time : {"N/A", "", "12x", "1 2", " 1", "inf", "-inf", "nan", "1e400"}) {
         const TranscodeProgress progress = parsed({{"out_time_us", time}, {"fps", "25"}});
         EXPECT_EQ(progress.currentSeconds, 0.0) << time;
         EXPECT_EQ(progress.fractionComplete, 0.0) << time;
@@ -151,6 +151,8 @@ TEST(TranscoderParseProgress, UnknownLength_StaysAtZero) {
 TEST(TranscoderParseProgress, RateThatIsNoNumber_IsAbsent) {
     EXPECT_EQ(parsed({{"fps", "N/A"}}).fps, std::nullopt);
     EXPECT_EQ(parsed({{"fps", ""}}).fps, std::nullopt);
+    EXPECT_EQ(parsed({{"fps", "inf"}}).fps, std::nullopt);
+    EXPECT_EQ(parsed({{"fps", "nan"}}).fps, std::nullopt);
     EXPECT_EQ(parsed({{"fps", "0.00"}}).fps, 0.0);
 }
 

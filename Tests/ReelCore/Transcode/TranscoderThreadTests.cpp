@@ -3,7 +3,9 @@
 #include "Support/FakeTool.h"
 #include "TranscodeFixture.h"
 
+#include <array>
 #include <atomic>
+#include <set>
 #include <thread>
 
 namespace ReelCore {
@@ -55,6 +57,30 @@ TEST_F(TranscoderThreads, JobsOfTwoThreads_RunBesideEachOtherOnOneTranscoder) {
     }
 
     EXPECT_EQ(halves, 10);
+}
+
+TEST_F(TranscoderThreads, JobsOfTwoThreadsIntoOneFolder_EachHaveANameOfTheirOwn) {
+    const TestSupport::FakeTool ffprobe("FFPROBE_PATH", "echo 2");
+    const TestSupport::FakeTool ffmpeg(
+        "FFMPEG_PATH", "for last; do :; done; sleep 0.1; printf '%s' \"$last\" >\"$last\"");
+    const TranscodeRequest job = anyJob();
+    constexpr int runs = 5;
+    std::array<std::vector<URL>, 2> outputs;
+    {
+        std::vector<std::jthread> threads;
+        for (std::vector<URL>& own : outputs) {
+            threads.emplace_back([&] {
+                for (int run = 0; run < runs; ++run) {
+                    own.push_back(Transcoder().run(job, ignoreProgress).outputURL);
+                }
+            });
+        }
+    }
+
+    std::set<URL> names;
+    for (const std::vector<URL>& own : outputs) names.insert(own.begin(), own.end());
+    EXPECT_EQ(names.size(), 2U * runs);
+    for (const URL& name : names) EXPECT_EQ(TestSupport::readFile(name), name.native());
 }
 
 }  // namespace

@@ -2,6 +2,8 @@
 #include "ReelCore/Transcribe/TranscribeError.h"
 #include "Support/FakeTool.h"
 #include "Support/FolderTree.h"
+#include "Support/Forked.h"
+#include "Support/PeakMemory.h"
 
 #include <filesystem>
 
@@ -12,6 +14,7 @@ namespace ReelCore {
 namespace {
 
 using TestSupport::FakeTool;
+using TestSupport::peakMemoryInKiB;
 using TestSupport::TemporaryFolder;
 using Arguments = std::vector<std::string>;
 using Calls = std::vector<Arguments>;
@@ -106,7 +109,7 @@ TEST(AudioExtractorProbe, UnreadableStreamTimecode_HidesTheContainers) {
 }
 
 TEST(AudioExtractorProbe, ChannelsThatAreNoNumber_AreNone) {
-    for (const char* answer : {"two", "2.0", "0x2", "2 3", "2\\n\\n2", "99999999999999999999"}) {
+    for (const char* answer : {"two", "2.0", "0x2", "2 3", "2\\n6", "99999999999999999999"}) {
         EXPECT_EQ(probed({.channels = answer}).audioChannels, 0) << answer;
     }
 }
@@ -214,6 +217,33 @@ TEST(AudioExtractorFailure, LongReason_IsItsLast500Characters) {
 
 TEST(AudioExtractorFailure, ReasonThatIsNotUTF8_IsEmpty) {
     EXPECT_EQ(reasonOf(R"(printf 'no such file: \377' >&2; exit 1)"), "");
+}
+
+TEST(AudioExtractorFailure, EndlessComplaints_TakeNoMemoryAndEndInWhatWasSaidLast) {
+    const std::string script =
+        "yes 'the same complaint' | head -c 64000000 >&2\n"
+        "printf '\\nthe last one' >&2; exit 1";
+
+    // In a process of its own, whose peak no other test has raised.
+    const int mebibytes = TestSupport::statusOfForked([&] {
+        const std::int64_t before = peakMemoryInKiB();
+        if (!reasonOf(script).ends_with("the same complaint\nt\nthe last one")) return 255;
+        return static_cast<int>((peakMemoryInKiB() - before) / 1024);
+    });
+
+    EXPECT_LT(mebibytes, 16);
+}
+
+// The three bytes of each character come to no whole number of them in what is kept.
+TEST(AudioExtractorFailure, EndlessComplaintsCutWithinACharacter_AreStillText) {
+    std::string euros;
+    for (int i = 0; i < 500; ++i) euros += "\xE2\x82\xAC";
+
+    for (const char* more : {"", "a", "ab"}) {
+        EXPECT_EQ(reasonOf("yes € | tr -d '\\n' | head -c 3000000 >&2; printf '%s' '" + euros +
+                           more + "' >&2; exit 1"),
+                  euros.substr(3 * std::string(more).size()) + more);
+    }
 }
 
 TEST(AudioExtractorFailure, FFmpegEndedByASignal_IsAFailure) {

@@ -16,6 +16,7 @@
 #include <filesystem>
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 
 namespace ReelCore {
@@ -117,6 +118,29 @@ TEST_F(AudioExtractorOnClips, Channels_AreThoseOfTheFirstAudioStream) {
     EXPECT_EQ(sound("two streams.mov", {2, 2}), Sound(2, 2));
     EXPECT_EQ(sound("different.mov", {1, 2, 2}), Sound(1, 3));
     EXPECT_EQ(sound("six.mov", {6}), Sound(6, 1));
+}
+
+// ffprobe tells of a stream once for each program that it is in, and once more for itself.
+TEST_F(AudioExtractorOnClips, TransportStream_CountsEachStreamOnce) {
+    const std::vector<std::string> ac3{"-c:a", "ac3"};
+
+    EXPECT_EQ(infoOf("one.mts", {.video = h264, .audio = ac3}),
+              (Info{FrameRate::fps25, std::nullopt, 2, 1}));
+    EXPECT_EQ(infoOf("three.m2ts", {.rate = "30000/1001",
+                                    .video = h264,
+                                    .channels = {1, 2, 2},
+                                    .audio = ac3,
+                                    .more = {"-mpegts_m2ts_mode", "1"}}),
+              (Info{FrameRate::fps29_97, std::nullopt, 1, 3}));
+    EXPECT_EQ(infoOf("silent.ts", {.video = h264, .channels = {}}),
+              (Info{FrameRate::fps25, std::nullopt, 0, 0}));
+    EXPECT_EQ(infoOf("programs.ts", {.rate = "50",
+                                     .video = h264,
+                                     .channels = {2, 2},
+                                     .audio = ac3,
+                                     .more = {"-program", "title=a:st=0:st=1", "-program",
+                                              "title=b:st=0:st=1:st=2"}}),
+              (Info{FrameRate::fromFFmpeg("50"), std::nullopt, 2, 2}));
 }
 
 TEST_F(AudioExtractorOnClips, SoundWithoutAPicture_HasTheRateOfNone) {
@@ -299,6 +323,18 @@ TEST_F(AudioExtractorOnClips, OneToolAlone_ServesWhatNeedsNoOther) {
     });
 
     EXPECT_EQ(asPromised, 1);
+}
+
+// ffmpeg would wait for a writer that never comes.
+TEST_F(AudioExtractorOnClips, PipeUnderTheNameOfAClip_IsRefused) {
+    const URL pipe = path("pipe.wav");
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+
+    EXPECT_EQ(extractor_.probe(pipe), Info{});
+    EXPECT_THROW(extractor_.extractMix(pipe, folder_.path()), SystemError);
+    EXPECT_THROW(extractor_.extract({"A", {}, {}}, pipe, folder_.path()), SystemError);
+    EXPECT_THROW(extractor_.extract({"A", {}, pipe}, path("clip.mov"), folder_.path()),
+                 SystemError);
 }
 
 TEST_F(AudioExtractorOnClips, ToolThatCannotBeStarted_IsTheSystemsFailure) {

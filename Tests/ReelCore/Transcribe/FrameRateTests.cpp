@@ -1,6 +1,5 @@
 #include "ReelCore/Transcribe/FrameRate.h"
 
-#include <csignal>
 #include <string>
 #include <vector>
 
@@ -111,11 +110,9 @@ TEST(FrameRateFromFFmpeg, AnyRate_IsNeverADropFrameRate) {
     }
 }
 
-TEST(FrameRateFromFFmpegDeathTest, RateThatNoWholeNumberIsNear_IsFatal) {
+TEST(FrameRateFromFFmpeg, RateThatNoWholeNumberIsNear_IsTwentyFour) {
     for (const std::string text : {"inf", "nan", "-inf", "1e300", "1e300/1e-300", "inf/inf"}) {
-        EXPECT_EXIT(FrameRate::fromFFmpeg(text), testing::KilledBySignal(SIGABRT),
-                    "fatal: impossible conversion in .*FrameRate\\.cpp")
-            << text;
+        EXPECT_EQ(FrameRate::fromFFmpeg(text), FrameRate::fps24) << text;
     }
 }
 
