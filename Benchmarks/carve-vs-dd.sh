@@ -21,7 +21,7 @@ for round in $(seq "$rounds"); do
     echo "round $round: cold $a s, dd $b s; warm $c s, dd $d s" >&2
 done
 status=0
-verdict "rate of a scan / dd, cold" "$(median <"$work/cold")" 0.8 at-least || status=1
-verdict "rate of a scan / dd, warm" "$(median <"$work/warm")" 0.8 at-least || status=1
+verdict "rate of a scan / dd, cold" "$(median <"$work/cold")" 0.95 at-least || status=1
+verdict "rate of a scan / dd, warm" "$(median <"$work/warm")" 0.6 at-least || status=1
 verdict "peak memory of a scan, MiB" "$(divide "$(median <"$work/peak")" 1024)" 96 at-most || status=1
 exit $status

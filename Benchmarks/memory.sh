@@ -22,5 +22,5 @@ a=$(peak "$work/FEW")
 b=$(peak "$work/MANY")
 status=0
 verdict "peak for one long file in MiB" "$(divide "$long" 1024)" 64 at-most || status=1
-verdict "bytes of memory a file" "$(divide $(((b - a) * 1024)) $((many - few)))" 2304 at-most || status=1
+verdict "bytes of memory a file" "$(divide $(((b - a) * 1024)) $((many - few)))" 1160 at-most || status=1
 exit $status

@@ -64,12 +64,12 @@ class LayersTests(unittest.TestCase):
             with self.subTest(f"{path} -> {target}"):
                 self.refuses(f"Sources/ReelCore/{path}/A.cpp", f"Sources/ReelCore/{target}/B.h")
 
-    def test_Library_EngineAloneIncludesTheHashListOfReports(self):
-        engine = "Sources/ReelCore/Offload/OffloadEngine"
-        self.allows(f"{engine}.cpp", "Sources/ReelCore/Reports/MHLWriter.h")
-        self.allows(f"{engine}.cpp", "Sources/ReelCore/Offload/ReelFolder.h")
-        self.assertEqual(self.includes(f"{engine}.cpp", "Sources/ReelCore/Reports/Report.h"),
-                         [f"{engine}.cpp:1: {engine} may not include "
+    def test_Library_RunAloneIncludesTheHashListOfReports(self):
+        run = "Sources/ReelCore/Offload/OffloadRun"
+        self.allows(f"{run}.cpp", "Sources/ReelCore/Reports/MHLWriter.h")
+        self.allows(f"{run}.cpp", "Sources/ReelCore/Offload/ReelFolder.h")
+        self.assertEqual(self.includes(f"{run}.cpp", "Sources/ReelCore/Reports/Report.h"),
+                         [f"{run}.cpp:1: {run} may not include "
                           "Sources/ReelCore/Reports/Report.h"])
         self.refuses("Sources/ReelCore/Offload/A.cpp", "Sources/ReelCore/Reports/MHLWriter.h")
 

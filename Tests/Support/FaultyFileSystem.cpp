@@ -37,6 +37,7 @@ FaultyFileSystem::FaultyFileSystem(const ReelCore::URL& backing, const ReelCore:
     add(arguments, "write-error", std::optional<std::int64_t>(faults.writeError));
     add(arguments, "fail-write-at", faults.failWriteAt);
     add(arguments, "fail-write-after", faults.failWriteAfter);
+    add(arguments, "read-error", std::optional<std::int64_t>(faults.readError));
     add(arguments, "fail-read-at", faults.failReadAt);
     add(arguments, "fail-open-for-reading", faults.failOpenForReading);
     add(arguments, "flip-bit-at", faults.flipBitAt);
@@ -51,8 +52,10 @@ FaultyFileSystem::FaultyFileSystem(const ReelCore::URL& backing, const ReelCore:
     add(arguments, "fail-listing-of", faults.failListingOf);
     add(arguments, "break-listing-of", faults.breakListingOf);
     add(arguments, "listing-error", std::optional<std::int64_t>(faults.listingError));
+    add(arguments, "listed-before-that", faults.listedBeforeThat);
     add(arguments, "vanish-at-listing-of", faults.vanishAtListingOf);
     add(arguments, "fail-flush", faults.failFlush);
+    add(arguments, "folder-flush-error", std::optional<std::int64_t>(faults.folderFlushError));
     add(arguments, "fail-dates", faults.failDates);
     add(arguments, "write-late", faults.writeLate);
     outputOf(KELDO_FAULTYFS, arguments);

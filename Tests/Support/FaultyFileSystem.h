@@ -23,7 +23,8 @@ public:
         std::optional<std::int64_t> failWriteAt = {};  ///< Byte of a file.
         std::optional<std::int64_t> failWriteAfter = {};  ///< Bytes written in total.
 
-        std::optional<std::int64_t> failReadAt = {};  ///< Byte of a file; EIO.
+        int readError = 5;                            ///< An `errno`, EIO unless said otherwise.
+        std::optional<std::int64_t> failReadAt = {};  ///< Byte of a file.
         bool failOpenForReading = false;              ///< EIO.
         std::optional<std::int64_t> flipBitAt = {};   ///< Byte of a file whose bit 0 reads wrong.
 
@@ -41,14 +42,18 @@ public:
         /// Names differ by more than the case of letters; the backing folder holds lower case.
         bool ignoreCase = false;
 
-        std::string failAttributesOf = {};   ///< A name whose attributes can't be read; EIO.
-        std::string failListingOf = {};      ///< The name of a folder that can't be opened; EACCES.
-        std::string breakListingOf = {};     ///< The name of a folder that opens but can't be read.
-        int listingError = 5;                ///< An `errno` for that, EIO unless said otherwise.
+        std::string failAttributesOf = {};  ///< A name whose attributes can't be read; EIO.
+        std::string failListingOf = {};     ///< The name of a folder that can't be opened; EACCES.
+        std::string breakListingOf = {};    ///< The name of a folder that opens but can't be read.
+        int listingError = 5;               ///< An `errno` for that, EIO unless said otherwise.
+        std::optional<std::int64_t> listedBeforeThat =
+            {};                              ///< Entries; none unless said otherwise.
         std::string vanishAtListingOf = {};  ///< The name of a folder; the server exits.
 
         bool failFlush = false;  ///< Of one file; EIO.
         bool failDates = false;  ///< EPERM for who sets the date of a file.
+
+        int folderFlushError = 0;  ///< An `errno` for who asks that a folder's names be durable.
 
         /// Writes stay in memory until a file is flushed or closed, so that they fail that late.
         bool writeLate = false;

@@ -36,9 +36,25 @@ private:
     int number_;
 };
 
+/// Where the bytes that stand in a file around `at` are found in the image: for a file system that
+/// does not tell. They must be there once only.
+std::int64_t offsetInImage(const URL& image, const URL& file, std::int64_t at) {
+    constexpr std::size_t length = 64;
+    const std::string content = readFile(file);
+    const std::string device = readFile(image);
+    const auto begin = std::min(static_cast<std::size_t>(at), content.size() - length);
+    const std::string wanted = content.substr(begin, length);
+    const auto found = device.find(wanted);
+    if (found == std::string::npos || device.find(wanted, found + 1) != std::string::npos) {
+        throw std::runtime_error("not once in the image: " + file.native());
+    }
+    return static_cast<std::int64_t>(found - begin) + at;
+}
+
 /// Where a file's byte stands on the device, with everything written there before.
-std::int64_t deviceOffset(const URL& file, std::int64_t at) {
+std::int64_t deviceOffset(const URL& image, const URL& file, std::int64_t at) {
     const Descriptor open(file, O_RDONLY);
+    if (::fsync(open.number()) != 0) ReelCore::throwSystemError(file);
     if (::syncfs(open.number()) != 0) ReelCore::throwSystemError(file);
     alignas(fiemap) std::array<std::byte, sizeof(fiemap) + sizeof(fiemap_extent)> memory{};
     auto* map = reinterpret_cast<fiemap*>(memory.data());
@@ -46,7 +62,7 @@ std::int64_t deviceOffset(const URL& file, std::int64_t at) {
     map->fm_length = 1;
     map->fm_flags = FIEMAP_FLAG_SYNC;
     map->fm_extent_count = 1;
-    if (::ioctl(open.number(), FS_IOC_FIEMAP, map) != 0) ReelCore::throwSystemError(file);
+    if (::ioctl(open.number(), FS_IOC_FIEMAP, map) != 0) return offsetInImage(image, file, at);
     if (map->fm_mapped_extents != 1) throw std::runtime_error("no extent: " + file.native());
     const fiemap_extent& extent = map->fm_extents[0];
     return static_cast<std::int64_t>(extent.fe_physical - extent.fe_logical) + at;
@@ -65,7 +81,9 @@ LoopMount::LoopMount(const std::string& fileSystem, std::int64_t mebibytes,
     writeFile(image_, "");
     std::filesystem::resize_file(image_, static_cast<std::uintmax_t>(mebibytes) << 20U);
     std::filesystem::create_directory(path_);
-    outputOf("mkfs." + fileSystem, {"-q", image_.native()});
+    std::vector<std::string> making{"-q", image_.native()};
+    if (fileSystem == "ntfs") making.insert(making.begin(), {"-F", "-f"});
+    outputOf("mkfs." + fileSystem, making);
     outputOf("mount", {"-o", "loop," + options, image_.native(), path_.native()});
 }
 
@@ -90,7 +108,7 @@ void LoopMount::mountAgainAt(const URL& mountPoint) {
 }
 
 void LoopMount::flipBitBelow(const URL& file, std::int64_t at) {
-    const std::int64_t offset = deviceOffset(file, at);
+    const std::int64_t offset = deviceOffset(image_, file, at);
     const Descriptor device(image_, O_RDWR);
     std::byte byte{};
     if (::pread(device.number(), &byte, 1, offset) != 1) ReelCore::throwSystemError(image_);

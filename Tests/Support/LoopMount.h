@@ -15,7 +15,8 @@ namespace TestSupport {
 /// unmounted, with loop device and image gone, by the destructor.
 class LoopMount {
 public:
-    /// `fileSystem` is "ext4" or "xfs" (of which the smallest is 300 MiB; images are sparse).
+    /// `fileSystem` is "ext4", "xfs" (of which the smallest is 300 MiB; images are sparse), or
+    /// "ntfs", which a program serves over the block device.
     /// `options` are those of mount(8).
     LoopMount(const std::string& fileSystem, std::int64_t mebibytes,
               const std::string& options = "rw");

@@ -103,7 +103,7 @@ int readBytes(const char* path, char* bytes, std::size_t size, off_t at, fuse_fi
     takeTime();
     if (isSet("refuse-direct-reads") && (info->flags & O_DIRECT) != 0) return -EINVAL;
     const std::int64_t failAt = concerns(path) ? numberOf("fail-read-at", never) : never;
-    if (at >= failAt) return -EIO;
+    if (at >= failAt) return -static_cast<int>(numberOf("read-error", EIO));
     size = std::min(size, static_cast<std::size_t>(failAt - at));
     const ssize_t count = ::pread(descriptorOf(info), bytes, size, at);
     if (count < 0) return -errno;
@@ -129,9 +129,27 @@ int writeBytes(const char* path, const char* bytes, std::size_t size, off_t at,
     return static_cast<int>(count);
 }
 
-int listFolder(const char* path, void* buffer, fuse_fill_dir_t fill, off_t, fuse_file_info*,
+/// Some entries, and then the failure: in a call of its own, which would take those of the same
+/// call with it.
+int listInPart(const char* path, void* buffer, fuse_fill_dir_t fill, off_t offset) {
+    const off_t end = numberOf("listed-before-that", 0);
+    if (offset >= end) return -static_cast<int>(numberOf("listing-error", EIO));
+    DIR* folder = ::opendir(real(path).c_str());
+    if (!folder) return -errno;
+    off_t place = 0;
+    while (const dirent* entry = ::readdir(folder)) {
+        const std::string_view name = entry->d_name;
+        if (name == "." || name == ".." || place++ < offset) continue;
+        if (place > end || fill(buffer, entry->d_name, nullptr, place, fuse_fill_dir_flags{}) != 0)
+            break;
+    }
+    ::closedir(folder);
+    return 0;
+}
+
+int listFolder(const char* path, void* buffer, fuse_fill_dir_t fill, off_t offset, fuse_file_info*,
                fuse_readdir_flags) {
-    if (names("break-listing-of", path)) return -static_cast<int>(numberOf("listing-error", EIO));
+    if (names("break-listing-of", path)) return listInPart(path, buffer, fill, offset);
     DIR* folder = ::opendir(real(path).c_str());
     if (!folder) return -errno;
     while (const dirent* entry = ::readdir(folder)) {
@@ -191,6 +209,9 @@ fuse_operations operations() {
     };
     all.utimens = setDates;
     all.fsync = flushFile;
+    all.fsyncdir = [](const char*, int, fuse_file_info*) {
+        return -static_cast<int>(numberOf("folder-flush-error", 0));
+    };
     all.release = [](const char*, fuse_file_info* info) { return ::close(descriptorOf(info)); };
     all.statfs = [](const char* path, struct statvfs* status) {
         return answer(::statvfs(real(path).c_str(), status));
