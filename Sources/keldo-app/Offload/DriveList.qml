@@ -27,7 +27,7 @@ Column {
 
     PlainText {
         objectName: "offload.nodrives"
-        visible: list.model.destinations.length === 0
+        visible: list.model.destinations.count === 0
         text: "Add at least two drives for a safe, format-eligible offload."
         color: Theme.secondary
     }
@@ -39,7 +39,8 @@ Column {
             id: row
 
             required property int index
-            required property var modelData
+            required property string name
+            required property string path
 
             function focusRemove() {
                 remove.forceActiveFocus(Qt.TabFocusReason);
@@ -63,14 +64,14 @@ Column {
                 PlainText {
                     objectName: "offload.drive." + row.index
                     width: parent.width
-                    text: row.modelData.name
+                    text: row.name
                     font: Theme.emphasis
                     elide: Text.ElideMiddle
                 }
                 PlainText {
                     objectName: "offload.path." + row.index
                     width: parent.width
-                    text: row.modelData.path
+                    text: row.path
                     color: Theme.secondary
                     font: Theme.print
                     elide: Text.ElideMiddle
@@ -81,7 +82,7 @@ Column {
                 objectName: "offload.remove." + row.index
                 anchors { right: parent.right; rightMargin: Theme.small - 4; verticalCenter: parent.verticalCenter }
                 symbol: "minus.circle.fill"
-                label: "Remove " + row.modelData.name
+                label: "Remove " + row.name
                 color: Theme.danger
                 onClicked: list.remove(row.index, visualFocus)
             }

@@ -69,13 +69,17 @@ ResultFacts ResultFacts::of(const ReelCore::OffloadResult& result) {
                       static_cast<qint64>(result.request.destinations.size()),
                       Format::text(rawValue(result.request.algorithm)),
                       {},
-                      {},
                       {}};
-    for (const auto& one : result.files) {
-        if (!one.verified()) facts.failedFiles.append(Format::text(one.file.relativePath));
-    }
     addStates(facts, result);
     return facts;
+}
+
+std::vector<FailedFileRow> ResultFacts::failedFiles(const ReelCore::OffloadResult& result) {
+    std::vector<FailedFileRow> rows;
+    for (const auto& one : result.files) {
+        if (!one.verified()) rows.push_back({Format::text(one.file.relativePath)});
+    }
+    return rows;
 }
 
 GateFacts GateFacts::of(const ReelCore::CardFormatter::FormatGate& gate) {

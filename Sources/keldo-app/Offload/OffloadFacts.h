@@ -3,8 +3,8 @@
 #include "ReelCore/CardFormat/CardFormatter.h"
 #include "ReelCore/Offload/OffloadTypes.h"
 #include "ReelCore/Offload/SourceScanner.h"
+#include "keldo-app/Support/ViewModel.h"
 
-#include <QObject>
 #include <QString>
 #include <QStringList>
 
@@ -13,88 +13,62 @@ namespace keldo_app {
 /// A backup drive as a row shows it.
 struct DriveRow {
     Q_GADGET
-    Q_PROPERTY(QString name MEMBER name)
-    Q_PROPERTY(QString path MEMBER path)
+    KELDO_FIELD(QString, name)
+    KELDO_FIELD(QString, path)
+};
 
-public:
-    QString name;
-    QString path;
+/// A file that failed verification.
+struct FailedFileRow {
+    Q_GADGET
+    KELDO_FIELD(QString, path)
 };
 
 /// A scan as the source card sums it up.
 struct ScanFacts {
     Q_GADGET
-    Q_PROPERTY(QString camera MEMBER camera)
-    Q_PROPERTY(qint64 fileCount MEMBER fileCount)
-    Q_PROPERTY(QString total MEMBER total)
+    KELDO_FIELD(QString, camera)
+    KELDO_FIELD(qint64, fileCount)
+    KELDO_FIELD(QString, total)
 
-public:
     static ScanFacts of(const ReelCore::SourceScanner::ScanResult& scan);
-
-    QString camera;
-    qint64 fileCount = 0;
-    QString total;
 };
 
 /// Where a run stands, as the running view shows it.
 struct ProgressFacts {
     Q_GADGET
-    Q_PROPERTY(QString phase MEMBER phase)
-    Q_PROPERTY(double fraction MEMBER fraction)
-    Q_PROPERTY(QString currentFile MEMBER currentFile)
-    Q_PROPERTY(qint64 filesCompleted MEMBER filesCompleted)
-    Q_PROPERTY(qint64 totalFiles MEMBER totalFiles)
-    Q_PROPERTY(QString completed MEMBER completed)
-    Q_PROPERTY(QString total MEMBER total)
+    KELDO_FIELD(QString, phase)
+    KELDO_FIELD(double, fraction)
+    KELDO_FIELD(QString, currentFile)
+    KELDO_FIELD(qint64, filesCompleted)
+    KELDO_FIELD(qint64, totalFiles)
+    KELDO_FIELD(QString, completed)
+    KELDO_FIELD(QString, total)
 
-public:
     static ProgressFacts of(const ReelCore::OffloadProgress& progress);
-
-    QString phase;
-    double fraction = 0;
-    QString currentFile;
-    qint64 filesCompleted = 0;
-    qint64 totalFiles = 0;
-    QString completed;
-    QString total;
 };
 
 /// The outcome of a run, as the finished view shows it.
 struct ResultFacts {
     Q_GADGET
-    Q_PROPERTY(bool allVerified MEMBER allVerified)
-    Q_PROPERTY(qint64 fileCount MEMBER fileCount)
-    Q_PROPERTY(QString total MEMBER total)
-    Q_PROPERTY(qint64 driveCount MEMBER driveCount)
-    Q_PROPERTY(QString algorithm MEMBER algorithm)
-    Q_PROPERTY(QStringList failedFiles MEMBER failedFiles)
-    Q_PROPERTY(QStringList weakerProofs MEMBER weakerProofs)
-    Q_PROPERTY(QStringList missingLists MEMBER missingLists)
+    KELDO_FIELD(bool, allVerified)
+    KELDO_FIELD(qint64, fileCount)
+    KELDO_FIELD(QString, total)
+    KELDO_FIELD(qint64, driveCount)
+    KELDO_FIELD(QString, algorithm)
+    KELDO_FIELD(QStringList, weakerProofs)  ///< A sentence for each drive so proved.
+    KELDO_FIELD(QStringList, missingLists)  ///< A sentence for each drive without a new hash list.
 
-public:
     static ResultFacts of(const ReelCore::OffloadResult& result);
-
-    bool allVerified = false;
-    qint64 fileCount = 0;
-    QString total;
-    qint64 driveCount = 0;
-    QString algorithm;
-    QStringList failedFiles;
-    QStringList weakerProofs;  ///< A sentence for each drive whose read-back may be of memory.
-    QStringList missingLists;  ///< A sentence for each drive that has no new hash list.
+    static std::vector<FailedFileRow> failedFiles(const ReelCore::OffloadResult& result);
 };
 
 /// The verdict on erasing.
 struct GateFacts {
     Q_GADGET
-    Q_PROPERTY(bool eligible MEMBER eligible)
-    Q_PROPERTY(QString reason MEMBER reason)
+    KELDO_FIELD(bool, eligible)
+    KELDO_FIELD(QString, reason)
 
-public:
     static GateFacts of(const ReelCore::CardFormatter::FormatGate& gate);
-
-    bool eligible = false;
-    QString reason;
 };
 
 }  // namespace keldo_app

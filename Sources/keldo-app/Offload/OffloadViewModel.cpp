@@ -1,6 +1,6 @@
 #include "keldo-app/Offload/OffloadViewModel.h"
 
-#include "keldo-app/Offload/OffloadJobs.h"
+#include "ReelCore/Reports/Report.h"
 #include "keldo-app/Support/Format.h"
 
 #include <algorithm>
@@ -10,6 +10,7 @@ namespace keldo_app {
 
 using ReelCore::CardFormatter;
 using ReelCore::URL;
+using Purpose = InUse::Purpose;
 
 namespace {
 
@@ -22,18 +23,38 @@ QVariant facts(const std::optional<Value>& value) {
 
 }  // namespace
 
-OffloadViewModel::OffloadViewModel(QObject* parent) : QObject(parent) {
-    for (const auto changed :
-         {&OffloadViewModel::stageChanged, &OffloadViewModel::sourceChanged,
-          &OffloadViewModel::destinationsChanged, &OffloadViewModel::reelNameChanged}) {
-        connect(this, changed, this, &OffloadViewModel::canStartChanged);
-    }
-    connect(this, &OffloadViewModel::sourceChanged, this, &OffloadViewModel::formatPlanChanged);
-    connect(this, &OffloadViewModel::reelNameChanged, this, &OffloadViewModel::formatPlanChanged);
+OffloadViewModel::OffloadViewModel(QObject* parent) : ViewModel(parent) {
+    connect(&InUse::shared(), &InUse::changed, this, [this] {
+        if (stage_ == Stage::setup && source_ && !scan_) scanSource();
+        emit changed();
+    });
 }
 
 bool OffloadViewModel::canStart() const {
-    return source_ && !destinations_.empty() && !reelName_.isEmpty() && stage_ == Stage::setup;
+    return source_ && !destinations_.empty() && !reelName_.isEmpty() && stage_ == Stage::setup &&
+           startObjection().isEmpty();
+}
+
+std::vector<InUse::Use> OffloadViewModel::uses() const {
+    std::vector<InUse::Use> uses{{*source_, Purpose::reading}};
+    for (const URL& drive : destinations_) {
+        uses.push_back({drive / reelName_.toStdString(), Purpose::writing});
+    }
+    return uses;
+}
+
+QString OffloadViewModel::startObjection() const {
+    if (!source_ || stage_ != Stage::setup) return {};
+    for (const InUse::Use& use : uses()) {
+        const QString objection = InUse::shared().objection(use);
+        if (!objection.isEmpty()) return objection;
+    }
+    return {};
+}
+
+QString OffloadViewModel::formatObjection() const {
+    if (!source_ || isFormatting_) return {};
+    return InUse::shared().objection({*source_, Purpose::erasing});
 }
 
 std::optional<CardFormatter::FormatPlan> OffloadViewModel::formatPlan() const {
@@ -45,15 +66,21 @@ void OffloadViewModel::chooseSource() {
     const auto chosen = desktop->chooseFolder("Choose Camera Card / Source");
     if (!chosen) return;
     source_ = *chosen;
-    emit sourceChanged();
-    setReelName(Format::defaultReel(*chosen));
+    reelName_ = Format::defaultReel(*chosen);
     scan_.reset();
-    emit scanChanged();
-    setStage(Stage::scanning);
-    scanJob_ = OffloadJobs::scan(*chosen, [this](auto scan) {
+    scanSource();
+}
+
+void OffloadViewModel::scanSource() {
+    // A card under erase is let be: whoever reads it keeps it from being unmounted.
+    const bool isFree = InUse::shared().objection({*source_, Purpose::reading}).isEmpty();
+    stage_ = isFree ? Stage::scanning : Stage::setup;
+    emit changed();
+    if (!isFree) return;
+    scanJob_ = OffloadJobs::scan(*source_, [this](auto scan) {
         scan_ = std::move(scan);
-        emit scanChanged();
-        setStage(Stage::setup);
+        stage_ = Stage::setup;
+        emit changed();
     });
 }
 
@@ -61,28 +88,32 @@ void OffloadViewModel::addDestination() {
     const auto chosen = desktop->chooseFolder("Add Backup Drive");
     if (!chosen || std::ranges::find(destinations_, *chosen) != destinations_.end()) return;
     destinations_.push_back(*chosen);
-    emit destinationsChanged();
+    destinationRows_.append({Format::name(*chosen), Format::path(*chosen)});
+    emit changed();
 }
 
 void OffloadViewModel::removeDestination(qsizetype row) {
     if (row < 0 || row >= std::ssize(destinations_)) return;
-    const URL removed = destinations_[static_cast<std::size_t>(row)];
-    std::erase(destinations_, removed);
-    emit destinationsChanged();
+    destinations_.erase(destinations_.begin() + row);
+    destinationRows_.remove(static_cast<std::size_t>(row));
+    emit changed();
 }
 
 void OffloadViewModel::start() {
     if (!canStart()) return;
     cancelFlag_->clear();
     clearOutcome();
-    setStage(Stage::running);
+    stage_ = Stage::running;
     offloadJob_ =
         OffloadJobs::offload({*source_, destinations_, algorithm_, reelName_.toStdString()},
-                             cancelFlag_, [this](OffloadEvent event) { apply(std::move(event)); });
+                             InUse::shared().take(uses()), cancelFlag_,
+                             [this](OffloadEvent event) { apply(std::move(event)); });
+    emit changed();
 }
 
 void OffloadViewModel::apply(OffloadEvent event) {
     std::visit([this](auto one) { apply(std::move(one)); }, std::move(event.value));
+    emit changed();
 }
 
 void OffloadViewModel::cancel() {
@@ -91,102 +122,71 @@ void OffloadViewModel::cancel() {
 
 void OffloadViewModel::apply(OffloadEvent::Progress event) {
     progress_ = std::move(event.progress);
-    emit progressChanged();
 }
 
 void OffloadViewModel::apply(OffloadEvent::Finished event) {
     result_ = std::move(event.result);
     resultFacts_ = QVariant::fromValue(ResultFacts::of(*result_));
+    failedFiles_.reset(ResultFacts::failedFiles(*result_));
     gate_ = CardFormatter::gate(*result_, minimumCopies);
-    emit resultChanged();
-    emit gateChanged();
-    setStage(Stage::finished);
+    stage_ = Stage::finished;
 }
 
 void OffloadViewModel::apply(OffloadEvent::Failed event) {
     errorMessage_ = Format::text(event.description);
     errorReason_ = Format::text(event.reason);
-    emit errorMessageChanged();
-    setStage(Stage::finished);
+    stage_ = Stage::finished;
 }
 
 void OffloadViewModel::saveReport() {
     if (!result_) return;
-    const auto folder = desktop->chooseFolder("Save Offload Report to…");
-    if (!folder) return;
-    setReportStatus({});
-    reportJob_ = OffloadJobs::report(
-        result_, *folder, [this, folder](const auto& written) { applyReport(written, *folder); });
-}
-
-void OffloadViewModel::applyReport(const std::vector<URL>& written, const URL& folder) {
-    if (written.empty()) return setReportStatus("Could not write report.");
-    setReportStatus(
-        QStringLiteral("Saved %1 file(s) to %2.").arg(written.size()).arg(Format::name(folder)));
-    const auto pdf =
-        std::ranges::find_if(written, [](const URL& url) { return url.extension() == ".pdf"; });
-    if (pdf != written.end()) desktop->reveal(*pdf);
+    report_.save(
+        *desktop, "Save Offload Report to…",
+        [result = result_] {
+            return ReelCore::Report::offload(*result, std::nullopt, std::nullopt);
+        },
+        [this] { emit changed(); });
 }
 
 void OffloadViewModel::formatCard() {
     const auto plan = formatPlan();
     if (!gate_ || !gate_->eligible || !plan || isFormatting_) return;
+    if (!formatObjection().isEmpty()) return;
     isFormatting_ = true;
-    emit isFormattingChanged();
-    setFormatStatus({});
-    formatJob_ = OffloadJobs::format(*plan, *gate_, result_, [this](const QString& status) {
-        setFormatStatus(status);
-        isFormatting_ = false;
-        emit isFormattingChanged();
-    });
+    formatStatus_.clear();
+    formatJob_ = OffloadJobs::format(*plan, *gate_, result_,
+                                     InUse::shared().take({{*source_, Purpose::erasing}}),
+                                     [this](const QString& status) {
+                                         formatStatus_ = status;
+                                         isFormatting_ = false;
+                                         emit changed();
+                                     });
+    emit changed();
 }
 
 void OffloadViewModel::reset() {
     if (isFormatting_) return;
     clearOutcome();
-    setStage(Stage::setup);
+    stage_ = Stage::setup;
+    emit changed();
 }
 
 void OffloadViewModel::clearOutcome() {
     progress_.reset();
-    emit progressChanged();
     result_.reset();
     resultFacts_.clear();
-    emit resultChanged();
+    failedFiles_.reset();
     gate_.reset();
-    emit gateChanged();
     errorMessage_.clear();
     errorReason_.clear();
-    emit errorMessageChanged();
-    setFormatStatus({});
-}
-
-void OffloadViewModel::setStage(Stage stage) {
-    stage_ = stage;
-    emit stageChanged();
-}
-
-void OffloadViewModel::setReelName(const QString& reelName) {
-    if (reelName_ == reelName) return;
-    reelName_ = reelName;
-    emit reelNameChanged();
-}
-
-void OffloadViewModel::setFormatStatus(const QString& status) {
-    formatStatus_ = status;
-    emit formatStatusChanged();
-}
-
-void OffloadViewModel::setReportStatus(const QString& status) {
-    reportStatus_ = status;
-    emit reportStatusChanged();
+    formatStatus_.clear();
 }
 
 void OffloadViewModel::setAlgorithmName(const QString& name) {
     const auto chosen = ReelCore::fromRawValue<ReelCore::HashAlgorithm>(name.toStdString());
-    if (!chosen || *chosen == algorithm_) return;
+    if (!chosen) return;
     algorithm_ = *chosen;
-    emit algorithmChanged();
+    emit changed();
 }
 
 QString OffloadViewModel::algorithmName() const {
@@ -199,16 +199,6 @@ QStringList OffloadViewModel::algorithmNames() const {
         names.append(Format::text(rawValue(one)));
     }
     return names;
-}
-
-QString OffloadViewModel::sourceText() const {
-    return source_ ? Format::path(*source_) : "";
-}
-
-QList<DriveRow> OffloadViewModel::driveRows() const {
-    QList<DriveRow> rows;
-    for (const URL& url : destinations_) rows.append({Format::name(url), Format::path(url)});
-    return rows;
 }
 
 QString OffloadViewModel::formatCommand() const {

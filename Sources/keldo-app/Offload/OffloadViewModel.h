@@ -3,15 +3,12 @@
 #include "ReelCore/CardFormat/CardFormatter.h"
 #include "ReelCore/Offload/OffloadTypes.h"
 #include "ReelCore/Offload/SourceScanner.h"
-#include "keldo-app/Offload/OffloadEvent.h"
 #include "keldo-app/Offload/OffloadFacts.h"
-#include "keldo-app/Support/CancellationFlag.h"
-#include "keldo-app/Support/Desktop.h"
-#include "keldo-app/Support/Job.h"
+#include "keldo-app/Offload/OffloadJobs.h"
+#include "keldo-app/Support/ReportSaver.h"
+#include "keldo-app/Support/Rows.h"
+#include "keldo-app/Support/ViewModel.h"
 
-#include <QObject>
-#include <QString>
-#include <QStringList>
 #include <QVariant>
 #include <memory>
 #include <optional>
@@ -21,30 +18,24 @@
 
 namespace keldo_app {
 
-/// All state and all actions of the Offload screen. Main thread only; long work goes through jobs.
-/// What is absent is an invalid QVariant or an empty text. `desktop` must be set before an action
-/// and must outlive this.
-class OffloadViewModel : public QObject {
+/// All state and all actions of the Offload screen. What is absent is an invalid QVariant or an
+/// empty text.
+class OffloadViewModel : public ViewModel {
     Q_OBJECT
     QML_ELEMENT
-    Q_PROPERTY(keldo_app::Desktop* desktop MEMBER desktop NOTIFY desktopChanged REQUIRED)
-    Q_PROPERTY(Stage stage READ stage NOTIFY stageChanged)
-    Q_PROPERTY(QString source READ sourceText NOTIFY sourceChanged)
-    Q_PROPERTY(QVariant scan READ scanFacts NOTIFY scanChanged)
-    Q_PROPERTY(QList<keldo_app::DriveRow> destinations READ driveRows NOTIFY destinationsChanged)
-    Q_PROPERTY(QString reelName READ reelName WRITE setReelName NOTIFY reelNameChanged)
-    Q_PROPERTY(QString algorithm READ algorithmName WRITE setAlgorithmName NOTIFY algorithmChanged)
+    Q_PROPERTY(keldo_app::RowModel* destinations READ destinationRows CONSTANT)
     Q_PROPERTY(QStringList algorithms READ algorithmNames CONSTANT)
-    Q_PROPERTY(QVariant progress READ progressFacts NOTIFY progressChanged)
-    Q_PROPERTY(QVariant result READ resultFacts NOTIFY resultChanged)
-    Q_PROPERTY(QVariant gate READ gateFacts NOTIFY gateChanged)
-    Q_PROPERTY(QString errorMessage READ errorMessage NOTIFY errorMessageChanged)
-    Q_PROPERTY(QString errorReason READ errorReason NOTIFY errorMessageChanged)
-    Q_PROPERTY(QString formatStatus READ formatStatus NOTIFY formatStatusChanged)
-    Q_PROPERTY(bool isFormatting READ isFormatting NOTIFY isFormattingChanged)
-    Q_PROPERTY(QString reportStatus READ reportStatus NOTIFY reportStatusChanged)
-    Q_PROPERTY(bool canStart READ canStart NOTIFY canStartChanged)
-    Q_PROPERTY(QString formatCommand READ formatCommand NOTIFY formatPlanChanged)
+    Q_PROPERTY(QString algorithm READ algorithmName WRITE setAlgorithmName NOTIFY changed)
+    Q_PROPERTY(QVariant scan READ scanFacts NOTIFY changed)
+    Q_PROPERTY(QVariant progress READ progressFacts NOTIFY changed)
+    Q_PROPERTY(QVariant result READ resultFacts NOTIFY changed)
+    Q_PROPERTY(keldo_app::RowModel* failedFiles READ failedFileRows CONSTANT)
+    Q_PROPERTY(QVariant gate READ gateFacts NOTIFY changed)
+    Q_PROPERTY(QString reportStatus READ reportStatus NOTIFY changed)
+    Q_PROPERTY(QString startObjection READ startObjection NOTIFY changed)
+    Q_PROPERTY(QString formatObjection READ formatObjection NOTIFY changed)
+    Q_PROPERTY(bool canStart READ canStart NOTIFY changed)
+    Q_PROPERTY(QString formatCommand READ formatCommand NOTIFY changed)
 
 public:
     enum class Stage { setup, scanning, running, finished };
@@ -52,26 +43,33 @@ public:
 
     explicit OffloadViewModel(QObject* parent = nullptr);
 
-    Stage stage() const { return stage_; }
-    const std::optional<ReelCore::URL>& source() const { return source_; }
+    KELDO_PUBLISHED(Stage, stage, Stage::setup)
+    KELDO_PUBLISHED(keldo_app::OptionalURL, source, {})
+    KELDO_EDITED(QString, reelName, setReelName, {})
+    KELDO_PUBLISHED(QString, errorMessage, {})
+    /// What there is to add to the error; empty where its message says it all.
+    KELDO_PUBLISHED(QString, errorReason, {})
+    KELDO_PUBLISHED(QString, formatStatus, {})
+    KELDO_PUBLISHED(bool, isFormatting, false)
+
+public:
     const std::optional<ReelCore::SourceScanner::ScanResult>& scan() const { return scan_; }
     const std::vector<ReelCore::URL>& destinations() const { return destinations_; }
-    QString reelName() const { return reelName_; }
     ReelCore::HashAlgorithm algorithm() const { return algorithm_; }
     const std::optional<ReelCore::OffloadProgress>& progress() const { return progress_; }
     /// Null while there is none. Shared, since a large card's result takes long to copy.
-    const std::shared_ptr<const ReelCore::OffloadResult>& result() const { return result_; }
+    const OffloadJobs::Result& result() const { return result_; }
     const std::optional<ReelCore::CardFormatter::FormatGate>& gate() const { return gate_; }
-    QString errorMessage() const { return errorMessage_; }
-    /// What there is to add to the error; empty where its message says it all.
-    QString errorReason() const { return errorReason_; }
-    QString formatStatus() const { return formatStatus_; }
-    bool isFormatting() const { return isFormatting_; }
-    QString reportStatus() const { return reportStatus_; }
+    const QString& reportStatus() const { return report_.status(); }
 
-    void setReelName(const QString& reelName);
+    /// Why the chosen places can't be offloaded now: another job works on one of them.
+    QString startObjection() const;
 
-    /// True only at the setup stage with a source, a destination and a reel name.
+    /// Why the card can't be erased now, though the gate may be open.
+    QString formatObjection() const;
+
+    /// True only at the setup stage with a source, a destination and a reel name, none of them in
+    /// use.
     bool canStart() const;
 
     /// Absent without a source; otherwise the source, to become an exFAT volume named as the reel.
@@ -89,67 +87,39 @@ public:
     /// Back to the setup with all that was chosen; not while an erase is running.
     Q_INVOKABLE void reset();
 
-    Desktop* desktop = nullptr;
-
-signals:
-    void desktopChanged();
-    void stageChanged();
-    void sourceChanged();
-    void scanChanged();
-    void destinationsChanged();
-    void reelNameChanged();
-    void algorithmChanged();
-    void progressChanged();
-    void resultChanged();
-    void gateChanged();
-    void errorMessageChanged();
-    void formatStatusChanged();
-    void isFormattingChanged();
-    void reportStatusChanged();
-    void canStartChanged();
-    void formatPlanChanged();
-
 private:
-    QString sourceText() const;
-    QVariant scanFacts() const;
-    QList<DriveRow> driveRows() const;
+    RowModel* destinationRows() { return &destinationRows_; }
+    RowModel* failedFileRows() { return &failedFiles_; }
     QString algorithmName() const;
     void setAlgorithmName(const QString& name);
     QStringList algorithmNames() const;
+    QVariant scanFacts() const;
     QVariant progressFacts() const;
     QVariant resultFacts() const { return resultFacts_; }
     QVariant gateFacts() const;
     QString formatCommand() const;
 
-    void setStage(Stage stage);
-    void setFormatStatus(const QString& status);
-    void setReportStatus(const QString& status);
+    std::vector<InUse::Use> uses() const;
+    void scanSource();
     void clearOutcome();
     void apply(OffloadEvent::Progress event);
     void apply(OffloadEvent::Finished event);
     void apply(OffloadEvent::Failed event);
-    void applyReport(const std::vector<ReelCore::URL>& written, const ReelCore::URL& folder);
 
-    Stage stage_ = Stage::setup;
-    std::optional<ReelCore::URL> source_;
     std::optional<ReelCore::SourceScanner::ScanResult> scan_;
     std::vector<ReelCore::URL> destinations_;
-    QString reelName_;
+    Rows<DriveRow> destinationRows_;
     ReelCore::HashAlgorithm algorithm_ = ReelCore::HashAlgorithm::xxhash64;
     std::optional<ReelCore::OffloadProgress> progress_;
-    std::shared_ptr<const ReelCore::OffloadResult> result_;
+    OffloadJobs::Result result_;
     QVariant resultFacts_;
+    Rows<FailedFileRow> failedFiles_;
     std::optional<ReelCore::CardFormatter::FormatGate> gate_;
-    QString errorMessage_;
-    QString errorReason_;
-    QString formatStatus_;
-    bool isFormatting_ = false;
-    QString reportStatus_;
+    ReportSaver report_;
 
     const std::shared_ptr<CancellationFlag> cancelFlag_ = std::make_shared<CancellationFlag>();
-    std::optional<Job<std::optional<ReelCore::SourceScanner::ScanResult>>> scanJob_;
+    std::optional<Job<OffloadJobs::ScanResult>> scanJob_;
     std::optional<Job<OffloadEvent>> offloadJob_;
-    std::optional<Job<std::vector<ReelCore::URL>>> reportJob_;
     std::optional<Job<QString>> formatJob_;
 };
 

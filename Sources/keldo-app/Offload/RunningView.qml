@@ -79,7 +79,7 @@ Card {
             }
             StatBadge {
                 objectName: "offload.drives"
-                text: view.model.destinations.length + " drives"
+                text: view.model.destinations.count + " drives"
                 symbol: "externaldrive"
             }
         }

@@ -21,8 +21,8 @@ Column {
             PathField {
                 objectName: "offload.source"
                 width: parent.width - choose.width - Theme.tiny
-                text: view.model.source || "No card selected"
-                isPlaceholder: view.model.source === ""
+                text: view.model.source.path || "No card selected"
+                isPlaceholder: view.model.source.path === ""
             }
             ActionButton {
                 id: choose
@@ -128,7 +128,7 @@ Column {
         SymbolLabel {
             objectName: "offload.warning"
             anchors.verticalCenter: parent.verticalCenter
-            visible: view.model.destinations.length === 1
+            visible: view.model.destinations.count === 1
             text: "One drive copies fine, but formatting stays locked until you add a second."
             symbol: "exclamationmark.triangle.fill"
             color: Theme.attention

@@ -62,7 +62,7 @@ Card {
         activeFocusOnTab: contentHeight > height
         Accessible.role: Accessible.List
         Accessible.name: "Failed files"
-        model: card.result?.failedFiles ?? []
+        model: card.model.failedFiles
         ScrollBar.vertical: ScrollBar {
             policy: failures.contentHeight > failures.height ? ScrollBar.AlwaysOn : ScrollBar.AlwaysOff
         }
@@ -72,10 +72,10 @@ Card {
             anchors.margins: 0
         }
         delegate: SymbolLabel {
-            required property string modelData
+            required property string path
             required property int index
             objectName: "offload.failures." + index
-            text: modelData
+            text: path
             symbol: "xmark.circle.fill"
             color: Theme.danger
             font: Theme.print

@@ -3,6 +3,7 @@
 #include "ReelCore/Platform/Fatal.h"
 #include "keldo-app/Support/Format.h"
 
+#include <QFile>
 #include <array>
 
 namespace keldo_app {
@@ -31,6 +32,11 @@ QStringList AppModes::labels() const {
         labels.append(Format::text(rawValue(mode)));
     }
     return labels;
+}
+
+QUrl AppModes::screen(const QString& label) const {
+    const QString file = QStringLiteral(":/qt/qml/Keldo/%1/%1Screen.qml").arg(label);
+    return QFile::exists(file) ? QUrl("qrc" + file) : QUrl();
 }
 
 }  // namespace keldo_app

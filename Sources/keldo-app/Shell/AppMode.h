@@ -4,6 +4,7 @@
 
 #include <QObject>
 #include <QStringList>
+#include <QUrl>
 #include <string_view>
 
 #include <QtQml/qqmlregistration.h>
@@ -27,6 +28,10 @@ public:
     using QObject::QObject;
 
     QStringList labels() const;
+
+    /// The screen of a mode: the file `<label>Screen.qml` of the module of that name. Empty where
+    /// there is none.
+    Q_INVOKABLE QUrl screen(const QString& label) const;
     int offload() const { return static_cast<int>(AppMode::offload); }
 };
 

@@ -1,7 +1,6 @@
 import QtQuick
 import QtQuick.Controls.Basic
 import Keldo.Components
-import Keldo.Offload
 import Keldo.Shell
 import Keldo.Support
 
@@ -11,6 +10,7 @@ ApplicationWindow {
     id: view
 
     required property Desktop desktop
+    property var modes: AppModes.labels
     property int mode: AppModes.offload
 
     title: "keldobay"
@@ -57,7 +57,7 @@ ApplicationWindow {
             name: "Mode"
             anchors { right: parent.right; rightMargin: Theme.wide; verticalCenter: parent.verticalCenter }
             width: Theme.modeWidth
-            labels: AppModes.labels
+            labels: view.modes
             currentIndex: view.mode
             onChosen: index => view.mode = index
         }
@@ -71,18 +71,13 @@ ApplicationWindow {
     Loader {
         anchors.fill: parent
         focus: true
-        sourceComponent: view.mode === AppModes.offload ? offload : later
+
+        readonly property url screen: AppModes.screen(view.modes[view.mode])
+        onScreenChanged: setSource(screen, {desktop: view.desktop})
     }
-    Component {
-        id: offload
-        OffloadScreen {
-            desktop: view.desktop
-        }
-    }
-    Component {
-        id: later
-        LaterScreen {
-            label: AppModes.labels[view.mode]
-        }
+    LaterScreen {
+        anchors.fill: parent
+        visible: AppModes.screen(label).toString() === ""
+        label: view.modes[view.mode]
     }
 }

@@ -10,7 +10,6 @@
 #include <QtQml/qqmlextensionplugin.h>
 
 Q_IMPORT_QML_PLUGIN(Keldo_ComponentsPlugin)
-Q_IMPORT_QML_PLUGIN(Keldo_OffloadPlugin)
 Q_IMPORT_QML_PLUGIN(Keldo_ShellPlugin)
 Q_IMPORT_QML_PLUGIN(Keldo_SupportPlugin)
 

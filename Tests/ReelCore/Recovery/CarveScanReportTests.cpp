@@ -5,8 +5,9 @@
 #include "Support/RIFF.h"
 #include "Support/Snapshot.h"
 
-#include <gtest/gtest.h>
 #include <set>
+
+#include <gtest/gtest.h>
 #include <sys/stat.h>
 
 namespace {

@@ -111,8 +111,8 @@ TEST_F(LabelTests, Setup_WithACardAndOneDrive) {
 TEST_F(LabelTests, Scanning) {
     openWindow();
     std::optional<Shown> shown;
-    QObject::connect(driver_->offload(), &keldo_app::OffloadViewModel::stageChanged,
-                     driver_->offload(), [&] {
+    QObject::connect(driver_->offload(), &keldo_app::OffloadViewModel::changed, driver_->offload(),
+                     [&] {
                          if (driver_->offload()->stage() == Stage::scanning)
                              shown = driver_->shown("offload.scanning");
                      });

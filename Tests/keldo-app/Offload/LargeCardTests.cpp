@@ -89,8 +89,8 @@ protected:
 TEST_F(LargeCardTests, AHundredThousandFiles_NeverBlockTheWindowAndTheProgressMoves) {
     openWindow();
     QSet<QString> counts;
-    QObject::connect(driver_->offload(), &keldo_app::OffloadViewModel::progressChanged,
-                     driver_->offload(), [&] {
+    QObject::connect(driver_->offload(), &keldo_app::OffloadViewModel::changed, driver_->offload(),
+                     [&] {
                          if (driver_->isShown("offload.files"))
                              counts += driver_->text("offload.files");
                      });

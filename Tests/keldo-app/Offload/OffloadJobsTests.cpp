@@ -38,7 +38,8 @@ protected:
         QString status;
         const auto job = OffloadJobs::format(
             CardFormatter::plan(card(), "A001", CardFormatter::FileSystem::exFAT),
-            CardFormatter::gate(*result, 2), result, [&](const QString& text) { status = text; });
+            CardFormatter::gate(*result, 2), result, nullptr,
+            [&](const QString& text) { status = text; });
         EXPECT_TRUE(QTest::qWaitFor([&] { return !status.isEmpty(); }, 30'000));
         return status;
     }
@@ -53,7 +54,7 @@ const QString changedCard =
 
 TEST_F(OffloadJobsTests, Offload_EndsWithTheResultAfterItsProgress) {
     std::vector<OffloadEvent> events;
-    const auto job = OffloadJobs::offload(request(), std::make_shared<CancellationFlag>(),
+    const auto job = OffloadJobs::offload(request(), nullptr, std::make_shared<CancellationFlag>(),
                                           [&](OffloadEvent event) { events.push_back(event); });
     ASSERT_TRUE(QTest::qWaitFor(
         [&] {
@@ -71,7 +72,7 @@ TEST_F(OffloadJobsTests, Offload_IntoTheCard_EndsWithTheErrorAndItsReason) {
     std::optional<OffloadEvent> last;
     auto inside = request();
     inside.destinations.push_back(card() / "BACKUP");
-    const auto job = OffloadJobs::offload(inside, std::make_shared<CancellationFlag>(),
+    const auto job = OffloadJobs::offload(inside, nullptr, std::make_shared<CancellationFlag>(),
                                           [&](OffloadEvent event) { last = std::move(event); });
     const auto failed = [&] {
         return last ? std::get_if<OffloadEvent::Failed>(&last->value) : nullptr;

@@ -38,7 +38,7 @@ TEST_F(OffloadViewModelReportTests, SaveReport_Dismissed_KeepsTheTextOfTheSaveBe
     model_.saveReport();
     ASSERT_TRUE(QTest::qWaitFor([&] { return !model_.reportStatus().isEmpty(); }, 30'000));
     QStringList texts;
-    QObject::connect(&model_, &keldo_app::OffloadViewModel::reportStatusChanged, &model_,
+    QObject::connect(&model_, &keldo_app::OffloadViewModel::changed, &model_,
                      [&] { texts += model_.reportStatus(); });
     model_.saveReport();
     EXPECT_EQ(desktop_.messages.constLast(), "Save Offload Report to…");
@@ -51,7 +51,7 @@ TEST_F(OffloadViewModelReportTests, SaveReport_Again_ClearsTheTextUntilItIsDone)
     add(one());
     runToEnd();
     QStringList texts;
-    QObject::connect(&model_, &keldo_app::OffloadViewModel::reportStatusChanged, &model_,
+    QObject::connect(&model_, &keldo_app::OffloadViewModel::changed, &model_,
                      [&] { texts += model_.reportStatus(); });
     desktop_.answers = {two(), two()};
     model_.saveReport();

@@ -61,7 +61,7 @@ TEST_F(OffloadViewModelRunTests, DuringALongFile_TheFractionStandsStill) {
     add(slowDrive(20));
     model_.setReelName("A001");
     std::vector<std::pair<std::int64_t, double>> seen;
-    QObject::connect(&model_, &keldo_app::OffloadViewModel::progressChanged, &model_, [&] {
+    QObject::connect(&model_, &keldo_app::OffloadViewModel::changed, &model_, [&] {
         if (const auto& now = model_.progress())
             seen.emplace_back(now->filesCompleted, now->fractionComplete());
     });
@@ -94,16 +94,17 @@ TEST_F(OffloadViewModelRunTests, StartWhileRunning_DoesNothing) {
     choose(card());
     add(slowDrive(100));
     model_.setReelName("A001");
-    int stages = 0;
-    QObject::connect(&model_, &keldo_app::OffloadViewModel::stageChanged, &model_,
-                     [&] { ++stages; });
+    std::vector<Stage> stages;
+    QObject::connect(&model_, &keldo_app::OffloadViewModel::changed, &model_, [&] {
+        if (stages.empty() || stages.back() != model_.stage()) stages.push_back(model_.stage());
+    });
     model_.start();
     ASSERT_TRUE(QTest::qWaitFor([&] { return model_.progress().has_value(); }, 30'000));
     model_.start();
     EXPECT_EQ(model_.stage(), Stage::running);
     EXPECT_TRUE(model_.progress());
     ASSERT_TRUE(waitForStage(Stage::finished));
-    EXPECT_EQ(stages, 2);
+    EXPECT_EQ(stages, (std::vector{Stage::running, Stage::finished}));
     EXPECT_TRUE(model_.result()->allVerified());
 }
 

@@ -83,7 +83,7 @@ TEST_F(RunningViewTests, TheWordsFollowThePhase) {
     std::map<Phase, QString> words;
     // Once the view has heard of the change as well.
     QObject::connect(
-        driver_->offload(), &keldo_app::OffloadViewModel::progressChanged, driver_->offload(),
+        driver_->offload(), &keldo_app::OffloadViewModel::changed, driver_->offload(),
         [&] {
             const auto& progress = driver_->offload()->progress();
             if (progress && driver_->isShown("offload.phase"))

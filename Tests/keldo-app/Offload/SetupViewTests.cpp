@@ -59,8 +59,8 @@ TEST_F(SetupViewTests, WhileScanning_SaysSoAndCantStart) {
         EXPECT_FALSE(driver_->isShown("offload.scan"));
         driver_->screenshot(ReelCore::URL(KELDO_SCREENSHOTS) / ("scanning-" + picture + ".png"));
     };
-    QObject::connect(driver_->offload(), &keldo_app::OffloadViewModel::stageChanged,
-                     driver_->offload(), look);
+    QObject::connect(driver_->offload(), &keldo_app::OffloadViewModel::changed, driver_->offload(),
+                     look);
     for (const auto& [colors, width] : {std::pair("light-", 940), std::pair("dark-", 1600)}) {
         WindowSupport::setLook(width == 940 ? WindowSupport::Look::light
                                             : WindowSupport::Look::dark);

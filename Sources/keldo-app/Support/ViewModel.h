@@ -1,0 +1,78 @@
+#pragma once
+
+#include "ReelCore/Platform/URL.h"
+#include "keldo-app/Support/Desktop.h"
+
+#include <QObject>
+#include <QString>
+#include <optional>
+
+/// A published field in one line: a property for QML to read, `name()` for C++, and `name_` for the
+/// view model itself, which emits `changed` after it has altered fields.
+#define KELDO_PUBLISHED(Type, name, ...)           \
+    Q_PROPERTY(Type name READ name NOTIFY changed) \
+public:                                            \
+    const Type& name() const {                     \
+        return name##_;                            \
+    }                                              \
+                                                   \
+private:                                           \
+    Type name##_ = __VA_ARGS__;
+
+/// A published field that the user edits: QML writes it as well, through `setter`.
+#define KELDO_EDITED(Type, name, setter, ...)                   \
+    Q_PROPERTY(Type name READ name WRITE setter NOTIFY changed) \
+public:                                                         \
+    const Type& name() const {                                  \
+        return name##_;                                         \
+    }                                                           \
+    void setter(const Type& name) {                             \
+        if (name##_ == name) return;                            \
+        name##_ = name;                                         \
+        emit changed();                                         \
+    }                                                           \
+                                                                \
+private:                                                        \
+    Type name##_ = __VA_ARGS__;
+
+/// A field of a gadget, read by QML and C++ alike.
+#define KELDO_FIELD(Type, name)       \
+    Q_PROPERTY(Type name MEMBER name) \
+public:                               \
+    Type name{};
+
+namespace keldo_app {
+
+/// All state and all actions of one screen. Main thread only. One signal tells that something has
+/// changed: a screen has some dozens of bindings, and looking at all of them costs less than a
+/// signal and a setter for each field costs a reader.
+class ViewModel : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(keldo_app::Desktop* desktop MEMBER desktop NOTIFY changed REQUIRED)
+
+public:
+    using QObject::QObject;
+
+    /// Must be set before an action and must outlive this.
+    Desktop* desktop = nullptr;
+
+signals:
+    void changed();
+};
+
+/// A place that a user has chosen, or none; QML sees its texts, which are empty where there is
+/// none.
+struct OptionalURL : std::optional<ReelCore::URL> {
+    Q_GADGET
+    Q_PROPERTY(QString path READ path)
+    Q_PROPERTY(QString name READ name)
+
+public:
+    using std::optional<ReelCore::URL>::optional;
+
+    QString path() const;
+    /// The last part of the path.
+    QString name() const;
+};
+
+}  // namespace keldo_app
