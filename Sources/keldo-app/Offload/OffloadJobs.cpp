@@ -5,7 +5,6 @@
 #include "ReelCore/Offload/OffloadError.h"
 #include "keldo-app/Support/Format.h"
 
-#include <thread>
 #include <utility>
 
 namespace keldo_app {
@@ -17,13 +16,6 @@ using ReelCore::OffloadResult;
 namespace {
 
 constexpr std::size_t bufferSize = 4'194'304;  // 4 MiB
-
-/// A large card's result takes longer to take apart than the window may stand still, so the last
-/// owner leaves that to a thread of its own.
-OffloadJobs::Result share(OffloadResult result) {
-    return {new OffloadResult(std::move(result)),
-            [](const OffloadResult* last) { std::thread([last] { delete last; }).detach(); }};
-}
 
 OffloadEvent failed(const std::exception& error) {
     const auto* offload = dynamic_cast<const OffloadError*>(&error);
@@ -65,7 +57,7 @@ Job<OffloadEvent> OffloadJobs::offload(const ReelCore::OffloadRequest& request, 
                                        std::function<void(OffloadEvent)> consume) {
     auto run = [request, inUse = std::move(inUse), cancelFlag](const auto& send) mutable {
         auto result = [&, ends = std::move(inUse)] { return copy(request, *cancelFlag, send); }();
-        send({OffloadEvent::Finished{share(std::move(result))}});
+        send({OffloadEvent::Finished{shareLarge(std::move(result))}});
     };
     return Job<OffloadEvent>({.run = std::move(run),
                               .consume = std::move(consume),

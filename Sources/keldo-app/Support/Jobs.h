@@ -169,6 +169,19 @@ private:
     std::shared_ptr<EventChannel<Event>> channel_;
 };
 
+/// A large result shared by a job and its screen. It can take longer to take apart than the window
+/// may stand still, so the last owner leaves that to a thread of its own, where one can be had.
+template <class Value>
+std::shared_ptr<const Value> shareLarge(Value value) {
+    return {new Value(std::move(value)), [](const Value* last) {
+                try {
+                    std::thread([last] { delete last; }).detach();
+                } catch (const std::exception&) {
+                    delete last;
+                }
+            }};
+}
+
 /// Work with one answer: `work` on a thread of its own, its value or that of `failed` to `done` on
 /// the main thread.
 template <class Value>

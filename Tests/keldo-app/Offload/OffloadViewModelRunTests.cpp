@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+using keldo_app::InUse;
 using ReelCore::URL;
 
 namespace {
@@ -137,4 +138,45 @@ TEST_F(OffloadViewModelRunTests, TheChosenAlgorithmIsUsedAndKept) {
     EXPECT_EQ(model_.result()->files.front().sourceHash.size(), 64U);
     model_.reset();
     EXPECT_EQ(model_.algorithm(), ReelCore::HashAlgorithm::sha256);
+}
+
+TEST_F(OffloadViewModelRunTests, CardUnderErase_IsNeitherScannedNorOffloadedUntilThatHasEnded) {
+    auto erase = InUse::shared().take({{card(), InUse::Purpose::erasing}});
+    desktop_.answers = {card()};
+    model_.chooseSource();
+    add(one());
+    EXPECT_EQ(model_.stage(), Stage::setup);
+    EXPECT_EQ(model_.source(), card());
+    EXPECT_FALSE(model_.canStart());
+    EXPECT_EQ(model_.startObjection(), "“card” is being erased. Wait until that has ended.");
+    model_.start();
+    EXPECT_EQ(model_.stage(), Stage::setup);
+    erase.reset();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return model_.scan().has_value(); }, 30'000));
+    EXPECT_EQ(model_.startObjection(), "");
+    EXPECT_TRUE(model_.canStart());
+}
+
+TEST_F(OffloadViewModelRunTests, RunThatNobodySees_KeepsItsReelAndItsCard) {
+    const URL drive = slowDrive(300);
+    std::optional<keldo_app::OffloadViewModel> dropped(std::in_place);
+    dropped->desktop = &desktop_;
+    desktop_.answers = {card(), drive};
+    dropped->chooseSource();
+    dropped->addDestination();
+    dropped->setReelName("A001");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return dropped->canStart(); }, 30'000));
+    dropped->start();
+    dropped.reset();
+
+    choose(card());
+    add(drive);
+    model_.setReelName("A001");
+    EXPECT_EQ(model_.startObjection(), "“A001” is being written to. Wait until that has ended.");
+    EXPECT_FALSE(model_.canStart());
+    EXPECT_EQ(model_.formatObjection(), "“card” is being copied. Wait until that has ended.");
+    model_.setReelName("A002");
+    EXPECT_EQ(model_.startObjection(), "") << "two runs may read one card";
+    model_.setReelName("A001");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return model_.canStart(); }, 60'000));
 }

@@ -1,0 +1,33 @@
+import QtQuick
+import QtQuick.Layouts
+import Keldo.Components
+import Keldo.Recover
+
+// The healthy clip that repairs go by, and where they are written.
+ColumnLayout {
+    id: places
+
+    required property RecoverViewModel recover
+
+    spacing: Theme.medium
+
+    Note {
+        objectName: places.objectName + ".referenceNote"
+        font: Theme.body
+        text: "Reference clip (for clips missing their index — a healthy clip from the same camera & settings):"
+    }
+    PathRow {
+        objectName: places.objectName + ".reference"
+        path: places.recover.reference.name
+        placeholder: "None — auto-picks the largest healthy clip"
+        buttonDescription: "Choose the reference clip"
+        onChosen: places.recover.chooseReference()
+    }
+    PathRow {
+        objectName: places.objectName + ".output"
+        path: places.recover.outputDir.name
+        placeholder: "No output folder"
+        buttonDescription: "Choose where to write recovered clips"
+        onChosen: places.recover.chooseOutput()
+    }
+}
