@@ -1,6 +1,7 @@
 #include "Tour/SampleCard.h"
 #include "Window/FakeDesktop.h"
 #include "Window/WindowDriver.h"
+#include "keldo-app/Offload/OffloadDriver.h"
 
 #include <QApplication>
 #include <cstdio>
@@ -51,8 +52,8 @@ void require(bool holds, const std::string& what) {
 
 void offload(WindowDriver& driver, Guide& guide, const fs::path& folder) {
     guide.picture("start");
-    guide.press("offload.choose", "Choose…");
-    driver.waitForStage(OffloadViewModel::Stage::setup);
+    guide.press("offload.source.choose", "Choose…");
+    WindowSupport::waitForStage(driver, OffloadViewModel::Stage::setup);
     guide.picture("card-chosen");
     guide.press("offload.add", "Add Drive…");
     guide.picture("one-drive");
@@ -62,15 +63,15 @@ void offload(WindowDriver& driver, Guide& guide, const fs::path& folder) {
     // A picture of the run itself, once a third is done.
     guide.press("offload.start", "Start Offload");
     driver.waitFor("a third to be done", [&] {
-        const auto& progress = driver.offload()->progress();
+        const auto& progress = WindowSupport::offloadOf(driver)->progress();
         return (progress && progress->fractionComplete() > 0.3) ||
-               driver.offload()->stage() == OffloadViewModel::Stage::finished;
+               WindowSupport::offloadOf(driver)->stage() == OffloadViewModel::Stage::finished;
     });
-    if (driver.isShown("offload.cancel")) guide.picture("running");
-    driver.waitForStage(OffloadViewModel::Stage::finished);
+    if (driver.isShown("offload.running.cancel")) guide.picture("running");
+    WindowSupport::waitForStage(driver, OffloadViewModel::Stage::finished);
     guide.picture("finished");
     require(driver.text("offload.verdict") == "All Files Verified", "“All Files Verified”");
-    require(driver.offload()->gate()->eligible, "an open gate");
+    require(WindowSupport::offloadOf(driver)->gate()->eligible, "an open gate");
     Guide::say("     " + driver.text("offload.reason").toStdString());
 
     guide.press("offload.save", "Save Report (PDF + CSV)…");
@@ -91,7 +92,7 @@ void offload(WindowDriver& driver, Guide& guide, const fs::path& folder) {
     driver.key(Qt::Key_Escape);
     driver.waitFor("the sheet to close", [&] { return !driver.isShown("sheet.typed"); });
     guide.press("offload.new", "New Offload");
-    driver.waitForStage(OffloadViewModel::Stage::setup);
+    WindowSupport::waitForStage(driver, OffloadViewModel::Stage::setup);
     guide.picture("new-offload");
     Guide::say("\nWhat was made:");
     for (const auto& entry : fs::recursive_directory_iterator(folder)) {
@@ -122,7 +123,7 @@ void tour(const fs::path& folder) {
         fs::create_directories(folder / name);
     }
     desktop.answers = {card, folder / "SHUTTLE_01", folder / "RAID_MASTER", folder / "Reports"};
-    WindowDriver driver(desktop);
+    WindowDriver driver(WindowSupport::application(desktop));
     Guide guide(driver, folder / "screenshots");
     offload(driver, guide, folder);
     require(driver.warnings().isEmpty(), "no complaint from the toolkit");

@@ -77,9 +77,9 @@ void setLook(Look look) {
     QApplication::setPalette(palette);
 }
 
-WindowDriver::WindowDriver(keldo_app::Desktop& desktop) {
+WindowDriver::WindowDriver(const Load& load) {
     complaints().clear();
-    if (!keldo_app::loadWindow(engine_, desktop)) {
+    if (!load(engine_)) {
         throw std::runtime_error("no window: " + complaints().join("; ").toStdString());
     }
     window_ = qobject_cast<QQuickWindow*>(engine_.rootObjects().constFirst());
@@ -89,12 +89,14 @@ WindowDriver::WindowDriver(keldo_app::Desktop& desktop) {
 
 WindowDriver::~WindowDriver() = default;
 
-keldo_app::OffloadViewModel* WindowDriver::offload() const {
-    return window_->findChild<keldo_app::OffloadViewModel*>("offload");
-}
-
 QQuickItem* WindowDriver::find(const QString& name) const {
     return findBelow(window_->contentItem(), name);
+}
+
+QQuickItem& WindowDriver::at(const QString& name) const {
+    QQuickItem* item = find(name);
+    if (!item) throw std::runtime_error("does not show: " + name.toStdString());
+    return *item;
 }
 
 bool WindowDriver::isEnabled(const QString& name) const {
@@ -103,17 +105,14 @@ bool WindowDriver::isEnabled(const QString& name) const {
 }
 
 QString WindowDriver::text(const QString& name) const {
-    const QQuickItem* item = find(name);
-    if (!item) throw std::runtime_error("nothing to read: " + name.toStdString());
-    const QVariant text = item->property("text");
-    return text.isValid() ? text.toString() : item->property("title").toString();
+    const QQuickItem& item = at(name);
+    const QVariant text = item.property("text");
+    return text.isValid() ? text.toString() : item.property("title").toString();
 }
 
 Shown WindowDriver::shown(const QString& name) const {
-    const QQuickItem* item = find(name);
-    if (!item) throw std::runtime_error("nothing to look at: " + name.toStdString());
     Shown shown;
-    readBelow(*item, shown);
+    readBelow(at(name), shown);
     return shown;
 }
 
@@ -141,10 +140,9 @@ void WindowDriver::hover(const QString& name) {
 
 QPoint WindowDriver::reach(const QString& name) const {
     settle();
-    QQuickItem* item = find(name);
-    if (!item) throw std::runtime_error("nothing to point at: " + name.toStdString());
-    scrollTo(*item);
-    return item->mapToScene(QPointF(item->width() / 2, item->height() / 2)).toPoint();
+    const QQuickItem& item = at(name);
+    scrollTo(item);
+    return item.mapToScene(QPointF(item.width() / 2, item.height() / 2)).toPoint();
 }
 
 void WindowDriver::settle() const {
@@ -152,15 +150,14 @@ void WindowDriver::settle() const {
         throw std::runtime_error("the window does not settle");
 }
 
-void WindowDriver::scrollTo(QQuickItem& item) const {
-    QQuickItem* scroll = find("offload.scroll");
-    if (!scroll || !scroll->isAncestorOf(&item)) return;
-    const double top = item.mapToItem(scroll, QPointF(0, 0)).y();
-    const double bottom = top + item.height();
-    const double now = scroll->property("contentY").toDouble();
-    if (top < 0) scroll->setProperty("contentY", now + top);
-    if (bottom > scroll->height()) {
-        scroll->setProperty("contentY", now + bottom - scroll->height());
+void WindowDriver::scrollTo(const QQuickItem& item) {
+    for (QQuickItem* view = item.parentItem(); view; view = view->parentItem()) {
+        if (!view->inherits("QQuickFlickable")) continue;
+        const double top = item.mapToItem(view, QPointF(0, 0)).y();
+        const double bottom = top + item.height();
+        const double now = view->property("contentY").toDouble();
+        if (top < 0) view->setProperty("contentY", now + top);
+        if (bottom > view->height()) view->setProperty("contentY", now + bottom - view->height());
     }
 }
 
@@ -172,8 +169,53 @@ void WindowDriver::type(const QString& text) {
     }
 }
 
-void WindowDriver::key(Qt::Key key) {
-    QTest::keyClick(window_, key);
+void WindowDriver::key(Qt::Key key, Qt::KeyboardModifiers modifiers) {
+    QTest::keyClick(window_, key, modifiers);
+}
+
+void WindowDriver::focus(const QString& name) {
+    at(name).forceActiveFocus(Qt::TabFocusReason);
+}
+
+QString WindowDriver::focused() const {
+    const QQuickItem* item = window_->activeFocusItem();
+    while (item && item->objectName().isEmpty()) item = item->parentItem();
+    return item ? item->objectName() : QString();
+}
+
+QStringList WindowDriver::tabRound() {
+    constexpr int most = 300;
+    QStringList names;
+    while (names.size() < most) {
+        key(Qt::Key_Tab);
+        if (names.contains(focused())) break;
+        names += focused();
+    }
+    return names;
+}
+
+void WindowDriver::wheel(const QString& name, int steps) {
+    constexpr int eighths = 120;
+    const QPoint place = reach(name);
+    QWheelEvent event(place, window_->mapToGlobal(place), {}, QPoint(0, -steps * eighths),
+                      Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(window_, &event);
+}
+
+void WindowDriver::drag(QPoint from, QPoint to) {
+    constexpr int steps = 10;
+    QTest::mousePress(window_, Qt::LeftButton, Qt::NoModifier, from);
+    for (int i = 1; i <= steps; ++i) QTest::mouseMove(window_, from + (to - from) * i / steps);
+    QTest::mouseRelease(window_, Qt::LeftButton, Qt::NoModifier, to);
+    QCoreApplication::processEvents();
+}
+
+AccessibleNode WindowDriver::accessible(const QString& name) const {
+    return AccessibleNode::of(at(name));
+}
+
+void WindowDriver::accessiblePress(const QString& name) {
+    AccessibleNode::act(at(name), "Press");
 }
 
 void WindowDriver::heldKey(Qt::Key key) {
@@ -187,13 +229,6 @@ void WindowDriver::waitFor(const std::string& what, const std::function<bool()>&
     if (!QTest::qWaitFor(condition, milliseconds)) {
         throw std::runtime_error("waited in vain for " + what);
     }
-}
-
-void WindowDriver::waitForStage(keldo_app::OffloadViewModel::Stage stage, int milliseconds) const {
-    waitFor(
-        "stage " + std::to_string(static_cast<int>(stage)),
-        [&] { return offload() && offload()->stage() == stage; }, milliseconds);
-    QCoreApplication::processEvents();
 }
 
 void WindowDriver::resize(int width, int height) {
@@ -212,6 +247,12 @@ void WindowDriver::screenshot(const ReelCore::URL& path) const {
 
 const QStringList& WindowDriver::warnings() const {
     return complaints();
+}
+
+WindowDriver::Load application(keldo_app::Desktop& desktop) {
+    return [&desktop](QQmlApplicationEngine& engine) {
+        return keldo_app::loadWindow(engine, desktop);
+    };
 }
 
 }  // namespace WindowSupport

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "ReelCore/Platform/URL.h"
-#include "keldo-app/Offload/OffloadViewModel.h"
+#include "Window/AccessibleNode.h"
 #include "keldo-app/Support/Desktop.h"
 
 #include <QColor>
@@ -35,12 +35,15 @@ void startOffscreen(int& argc, char** argv);
 /// Gives the application a light or a dark system palette.
 void setLook(Look look);
 
-/// The real window, used as a person would use it: things are found by their names, pressed where
-/// they stand and read as they show. Whatever does not come in time is thrown as
+/// A window, used as a person would use it: things are found by their names, pressed where they stand
+/// and read as they show. It knows no screen. Whatever does not come in time is thrown as
 /// std::runtime_error, with what was waited for.
 class WindowDriver {
 public:
-    explicit WindowDriver(keldo_app::Desktop& desktop);
+    /// Loads a window into the engine and shows it; false if it could not be made.
+    using Load = std::function<bool(QQmlApplicationEngine&)>;
+
+    explicit WindowDriver(const Load& load);
     ~WindowDriver();
 
     WindowDriver(const WindowDriver&) = delete;
@@ -48,11 +51,11 @@ public:
 
     QQuickWindow& window() const { return *window_; }
 
-    /// The Offload screen's view model; null while another mode shows.
-    keldo_app::OffloadViewModel* offload() const;
-
     /// The visible item of that name, or null.
     QQuickItem* find(const QString& name) const;
+
+    /// The visible item of that name; throws std::runtime_error if it does not show.
+    QQuickItem& at(const QString& name) const;
 
     bool isShown(const QString& name) const { return find(name) != nullptr; }
     bool isEnabled(const QString& name) const;
@@ -74,14 +77,32 @@ public:
 
     /// Types into whatever has the focus.
     void type(const QString& text);
-    void key(Qt::Key key);
+    void key(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
+
+    /// Gives the item the focus as Tab would.
+    void focus(const QString& name);
+
+    /// The name of what has the focus, or of the nearest thing around it that has a name.
+    QString focused() const;
+
+    /// The names that Tab reaches from where the focus is, in their order, once around.
+    QStringList tabRound();
+
+    /// Turns the wheel over the item's middle: positive steps show what is further down.
+    void wheel(const QString& name, int steps);
+
+    /// Presses the left button at one place of the window and lets it go at another.
+    void drag(QPoint from, QPoint to);
+
+    /// What an assistive tool is told of the item, and the tool's press.
+    AccessibleNode accessible(const QString& name) const;
+    void accessiblePress(const QString& name);
 
     /// A key that was pressed elsewhere and is held: all that comes of it are its repeats.
     void heldKey(Qt::Key key);
 
     void waitFor(const std::string& what, const std::function<bool()>& condition,
                  int milliseconds = 30'000) const;
-    void waitForStage(keldo_app::OffloadViewModel::Stage stage, int milliseconds = 120'000) const;
 
     void resize(int width, int height);
     void screenshot(const ReelCore::URL& path) const;
@@ -92,12 +113,15 @@ public:
 private:
     /// Waits until everything has its place.
     void settle() const;
-    void scrollTo(QQuickItem& item) const;
+    static void scrollTo(const QQuickItem& item);
     /// Scrolls the item into view; where its middle is then.
     QPoint reach(const QString& name) const;
 
     QQmlApplicationEngine engine_;
     QQuickWindow* window_ = nullptr;
 };
+
+/// Loads the application's window over a desktop, which must outlive it.
+WindowDriver::Load application(keldo_app::Desktop& desktop);
 
 }  // namespace WindowSupport

@@ -1,50 +1,40 @@
 import QtQuick
-import QtQuick.Controls.Basic
 
-// A button. `role` says what pressing it means: an ordinary step, the one to take next
-// ("prominent"), or a loss ("destructive").
-Button {
+// A button. `role` says what pressing it means: an ordinary step, the one to take next, or a loss.
+PressButton {
     id: button
 
-    property string symbol: ""
-    property string role: "plain"
+    enum Role { Plain, Prominent, Destructive }
 
-    readonly property bool isFilled: role !== "plain"
+    property int role: ActionButton.Role.Plain
+    property string symbol: ""
+    property string trailingSymbol: ""
+
+    readonly property bool isFilled: role !== ActionButton.Role.Plain
     readonly property color foreground: !enabled ? Theme.secondary : isFilled ? Theme.onProminent : Theme.primary
     readonly property color base: !enabled ? Theme.troughBackground
-                                : role === "prominent" ? Theme.prominentBackground
-                                : role === "destructive" ? Theme.dangerBackground
-                                : Theme.buttonBackground
-    readonly property color pressedBase: role === "prominent" ? Theme.prominentPressed
-                                       : role === "destructive" ? Theme.dangerPressed
+                                : role === ActionButton.Role.Prominent ? Theme.prominentBackground
+                                : role === ActionButton.Role.Destructive ? Theme.dangerBackground
+                                : hovered ? Theme.fieldBackground : Theme.buttonBackground
+    readonly property color pressedBase: role === ActionButton.Role.Prominent ? Theme.prominentPressed
+                                       : role === ActionButton.Role.Destructive ? Theme.dangerPressed
                                        : Theme.buttonPressed
 
     implicitHeight: isFilled ? Theme.prominentHeight : Theme.buttonHeight
-    leftPadding: isFilled ? Theme.large : Theme.regular
-    rightPadding: leftPadding
-    topPadding: 0
-    bottomPadding: 0
-    Accessible.name: text
+    horizontalPadding: isFilled ? Theme.large : Theme.regular
+    verticalPadding: 0
 
-    contentItem: Row {
-        spacing: Theme.small
-        Symbol {
-            name: button.symbol
-            color: button.foreground
-            visible: button.symbol !== ""
-            anchors.verticalCenter: parent.verticalCenter
-        }
-        Text {
-            text: button.text
-            color: button.foreground
-            font: button.isFilled ? Theme.strong : Theme.emphasis
-            width: Math.ceil(implicitWidth)
-            anchors.verticalCenter: parent.verticalCenter
-        }
+    contentItem: SymbolLabel {
+        text: button.text
+        symbol: button.symbol
+        trailingSymbol: button.trailingSymbol
+        isCentred: true
+        color: button.foreground
+        font: button.isFilled ? Theme.strong : Theme.emphasis
     }
     background: Rectangle {
         radius: Theme.buttonRadius
-        color: button.down ? button.pressedBase : button.hovered && !button.isFilled ? Theme.fieldBackground : button.base
+        color: button.down ? button.pressedBase : button.base
         border.width: button.isFilled ? 0 : Theme.hairline
         border.color: Theme.separator
 

@@ -1,24 +1,27 @@
 import QtQuick
+import QtQuick.Layouts
 
 // A titled section as wide as its container.
 Rectangle {
     id: card
 
     required property string title
-    required property string systemImage
+    property string systemImage: ""
     property color tint: Theme.accent
-    default property alias content: body.data
+    default property alias content: column.data
 
-    implicitWidth: parent ? parent.width : 0
+    implicitWidth: column.implicitWidth + 2 * Theme.large
     implicitHeight: column.implicitHeight + 2 * Theme.large
+    Layout.fillWidth: true
     color: Theme.cardBackground
     radius: Theme.cardRadius
     border.width: Theme.hairline
     border.color: Theme.separator
     Accessible.role: Accessible.Grouping
     Accessible.name: title
+    Accessible.focusable: true
 
-    Column {
+    ColumnLayout {
         id: column
         anchors { left: parent.left; right: parent.right; top: parent.top; margins: Theme.large }
         spacing: Theme.medium
@@ -30,11 +33,6 @@ Rectangle {
             color: card.tint
             font: Theme.headline
             symbolSize: Theme.iconSize + 2
-        }
-        Column {
-            id: body
-            width: parent.width
-            spacing: Theme.medium
         }
     }
 }

@@ -1,32 +1,27 @@
 import QtQuick
-import QtQuick.Controls.Basic
 
-// A button that is only a symbol; `label` says what it does.
-AbstractButton {
+// A button that is only a symbol; `text` says what it does.
+PressButton {
     id: button
 
     required property string symbol
-    required property string label
     property color color: Theme.primary
 
     implicitWidth: Theme.buttonHeight
     implicitHeight: Theme.buttonHeight
-    // Also where the desktop has such effects turned off: the hint is all that says it in words.
-    hoverEnabled: true
-    Accessible.role: Accessible.Button
-    Accessible.name: label
+    padding: 0
 
     Hint {
         shown: button.hovered
-        text: button.label
+        text: button.text
     }
     contentItem: Item {
         Symbol {
             anchors.centerIn: parent
             name: button.symbol
-            color: button.color
+            color: button.enabled ? button.color : Theme.secondary
             size: Theme.iconSize + 2
-            opacity: button.down ? 0.6 : 1
+            opacity: button.down || !button.enabled ? Theme.faded : 1
         }
     }
     background: Rectangle {

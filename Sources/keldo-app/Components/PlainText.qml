@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Controls.Basic
 
 // Text as it is, never as markup, that assistive tools can read; where it is cut, the whole stands
 // in a tooltip.
@@ -9,18 +8,16 @@ Text {
     color: Theme.primary
     font: Theme.body
     textFormat: Text.PlainText
+    horizontalAlignment: Text.AlignLeft
     Accessible.role: Accessible.StaticText
     Accessible.name: text
 
     HoverHandler {
-        id: hover
         enabled: line.truncated
+        onHoveredChanged: hovered && line.truncated ? hint.setSource("Hint.qml", {shown: true, text: line.text})
+                                                    : hint.setSource("")
     }
     Loader {
-        active: hover.hovered && line.truncated
-        sourceComponent: Hint {
-            shown: true
-            text: line.text
-        }
+        id: hint
     }
 }

@@ -1,12 +1,20 @@
 import QtQuick
 import QtQuick.Controls.Basic
+import QtQuick.Layouts
 
 // How much of 1 is done.
 ProgressBar {
     id: bar
 
+    required property string name
+    readonly property real minimumValue: from
+    readonly property real maximumValue: to
+
+    implicitWidth: Theme.choiceWidth
     implicitHeight: Theme.small
+    Layout.fillWidth: true
     Accessible.role: Accessible.ProgressBar
+    Accessible.name: name
 
     background: Rectangle {
         radius: height / 2

@@ -1,16 +1,22 @@
+pragma ComponentBehavior: Bound
 import QtQuick
-import QtQuick.Controls.Basic
 
 // One choice of a few, side by side. Tab reaches it as a whole, the arrow keys move the choice.
 Rectangle {
     id: control
 
+    required property string name
     required property var labels
     required property int currentIndex
-    property string name: ""
 
     signal chosen(int index)
 
+    function choose(index) {
+        if (index >= 0 && index < labels.length)
+            chosen(index);
+    }
+
+    implicitWidth: Theme.choiceWidth
     implicitHeight: Theme.buttonHeight + 2
     color: Theme.troughBackground
     radius: Theme.small
@@ -21,19 +27,15 @@ Rectangle {
     Keys.onLeftPressed: choose(currentIndex - 1)
     Keys.onRightPressed: choose(currentIndex + 1)
 
-    function choose(index) {
-        if (index >= 0 && index < labels.length)
-            chosen(index);
-    }
-
     Row {
+        id: row
         anchors.fill: parent
         anchors.margins: 2
 
         Repeater {
             model: control.labels
 
-            AbstractButton {
+            PressButton {
                 id: segment
 
                 required property int index
@@ -42,21 +44,23 @@ Rectangle {
 
                 objectName: control.objectName + "." + modelData
                 text: modelData
-                width: parent.width / control.labels.length
-                height: parent.height
+                width: row.width / control.labels.length
+                height: row.height
+                padding: Theme.tiny
                 focusPolicy: Qt.NoFocus
                 Accessible.role: Accessible.RadioButton
-                Accessible.name: modelData
+                Accessible.checkable: true
                 Accessible.checked: isCurrent
                 onClicked: control.chosen(index)
 
-                contentItem: Text {
+                contentItem: PlainText {
                     text: segment.text
-                    color: Theme.primary
+                    color: control.enabled ? Theme.primary : Theme.secondary
                     font: segment.isCurrent ? Theme.strong : Theme.body
                     horizontalAlignment: Text.AlignHCenter
                     verticalAlignment: Text.AlignVCenter
                     elide: Text.ElideRight
+                    Accessible.ignored: true
                 }
                 background: Rectangle {
                     radius: Theme.smallRadius

@@ -1,4 +1,5 @@
 import QtQuick
+import QtQuick.Layouts
 
 // Text that can be copied, as a person must to send an error on.
 TextEdit {
@@ -10,6 +11,8 @@ TextEdit {
     selectedTextColor: Theme.onProminent
     wrapMode: TextEdit.Wrap
     textFormat: TextEdit.PlainText
+    horizontalAlignment: TextEdit.AlignLeft
+    Layout.fillWidth: true
     Accessible.role: Accessible.StaticText
     Accessible.name: text
 }

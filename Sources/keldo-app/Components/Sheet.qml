@@ -1,10 +1,16 @@
 import QtQuick
 import QtQuick.Controls.Basic
+import QtQuick.Layouts
 import QtQuick.Templates as T
 
 // A panel over the window that must be answered first. Escape closes it.
 Popup {
     id: sheet
+
+    required property string title
+    property string symbol: ""
+    property color tint: Theme.primary
+    default property alias content: column.data
 
     parent: T.Overlay.overlay
     anchors.centerIn: parent
@@ -14,6 +20,23 @@ Popup {
     focus: true
     closePolicy: Popup.CloseOnEscape
 
+    ColumnLayout {
+        id: column
+        anchors.fill: parent
+        spacing: Theme.large
+        objectName: "sheet"
+        Accessible.role: Accessible.Dialog
+        Accessible.name: sheet.title
+
+        SymbolLabel {
+            objectName: "sheet.heading"
+            text: sheet.title
+            symbol: sheet.symbol
+            color: sheet.tint
+            font: Theme.headline
+            symbolSize: Theme.iconSize + 2
+        }
+    }
     T.Overlay.modal: Rectangle {
         color: Theme.shade
     }

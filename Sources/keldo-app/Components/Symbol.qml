@@ -11,7 +11,7 @@ Image {
 
     // The colour without a "#", which would end the location.
     source: name === "" ? "" : "image://symbol/" + name + "/" + String(color).slice(-6)
-    sourceSize: Qt.size(size * Screen.devicePixelRatio, size * Screen.devicePixelRatio)
+    sourceSize { width: size * Screen.devicePixelRatio; height: size * Screen.devicePixelRatio }
     width: size
     height: size
     Accessible.ignored: true

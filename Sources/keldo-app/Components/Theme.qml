@@ -9,41 +9,41 @@ QtObject {
     readonly property SystemPalette system: SystemPalette {}
     readonly property bool dark: system.window.hslLightness < system.windowText.hslLightness
 
-    readonly property QtObject light: QtObject {
-        readonly property color window: "#f4f5f7"
-        readonly property color card: "#ffffff"
-        readonly property color separator: "#dfe1e6"
-        readonly property color field: "#f1f2f5"
-        readonly property color trough: "#e6e8ec"
-        readonly property color text: "#1c1e22"
-        readonly property color secondary: "#5f6570"
-        readonly property color blue: "#0b63d6"
-        readonly property color bluePressed: "#094fab"
-        readonly property color green: "#17803d"
-        readonly property color orange: "#b45309"
-        readonly property color red: "#c62828"
-        readonly property color redFill: "#c62828"
-        readonly property color redPressed: "#a31f1f"
-        readonly property color selected: "#ffffff"
+    readonly property Hues light: Hues {
+        window: "#f4f5f7"
+        card: "#ffffff"
+        separator: "#dfe1e6"
+        field: "#f1f2f5"
+        trough: "#e6e8ec"
+        text: "#1c1e22"
+        secondary: "#5f6570"
+        blue: "#0b63d6"
+        bluePressed: "#094fab"
+        green: "#17803d"
+        orange: "#b45309"
+        red: "#c62828"
+        redFill: "#c62828"
+        redPressed: "#a31f1f"
+        selected: "#ffffff"
     }
-    readonly property QtObject night: QtObject {
-        readonly property color window: "#1b1c1f"
-        readonly property color card: "#26282c"
-        readonly property color separator: "#3a3d43"
-        readonly property color field: "#1f2124"
-        readonly property color trough: "#303338"
-        readonly property color text: "#eceef1"
-        readonly property color secondary: "#a3a8b0"
-        readonly property color blue: "#5aa2ff"
-        readonly property color bluePressed: "#094fab"
-        readonly property color green: "#4cc38a"
-        readonly property color orange: "#f0a04b"
-        readonly property color red: "#ff6b61"
-        readonly property color redFill: "#d23f36"
-        readonly property color redPressed: "#b8342c"
-        readonly property color selected: "#4a4e56"
+    readonly property Hues night: Hues {
+        window: "#1b1c1f"
+        card: "#26282c"
+        separator: "#3a3d43"
+        field: "#1f2124"
+        trough: "#303338"
+        text: "#eceef1"
+        secondary: "#a3a8b0"
+        blue: "#5aa2ff"
+        bluePressed: "#094fab"
+        green: "#4cc38a"
+        orange: "#f0a04b"
+        red: "#ff6b61"
+        redFill: "#d23f36"
+        redPressed: "#b8342c"
+        selected: "#4a4e56"
     }
-    readonly property QtObject palette: dark ? night : light
+    readonly property Hues palette: dark ? night : light
     readonly property color white: "#ffffff"
     readonly property color halfBlack: "#80000000"
 
@@ -82,16 +82,21 @@ QtObject {
     readonly property int fieldHeight: 28
     readonly property int buttonHeight: 28
     readonly property int prominentHeight: 34
-    readonly property int rowHeight: 44
     readonly property int headerHeight: 58
     readonly property int iconSize: 16
+    readonly property int fileRowHeight: 36
     readonly property int listHeight: 240
+    readonly property int choicesHeight: 320
+    readonly property int scrollStep: 60
+    readonly property int rowStep: 24
     readonly property int contentWidth: 1100
     readonly property int labelWidth: 116
     readonly property int sheetWidth: 520
     readonly property int modeWidth: 560
     readonly property int choiceWidth: 320
     readonly property int typedWidth: 160
+    readonly property int numberWidth: 84
+    readonly property real faded: 0.6
     readonly property int ringWidth: 2
     readonly property int ringGap: 3
     readonly property int hintDelay: 600

@@ -1,8 +1,9 @@
 import QtQuick
+import QtQuick.Layouts
 import Keldo.Components
 import Keldo.Offload
 
-Column {
+ColumnLayout {
     id: view
 
     required property OffloadViewModel model
@@ -11,37 +12,22 @@ Column {
 
     spacing: Theme.wide
 
-    Card {
+    FailureCard {
+        id: failure
         objectName: "offload.failed"
         visible: view.model.errorMessage !== ""
         title: "Offload Failed"
-        systemImage: "xmark.octagon.fill"
-        tint: Theme.danger
-
-        SelectableText {
-            objectName: "offload.error"
-            width: parent.width
-            text: view.model.errorMessage
-            color: Theme.danger
-        }
-        AttentionLines {
-            objectName: "offload.errorReason"
-            lines: view.model.errorReason === "" ? [] : [view.model.errorReason]
-        }
+        message: view.model.errorMessage
+        reasons: view.model.errorReason === "" ? [] : [view.model.errorReason]
     }
-    Loader {
-        width: parent.width
-        active: view.model.errorMessage === "" && view.model.result !== undefined
-        sourceComponent: VerdictCard {
-            model: view.model
-        }
+    VerdictCard {
+        id: verdict
+        visible: !failure.visible && view.model.result !== undefined
+        model: view.model
     }
-    Loader {
-        width: parent.width
-        active: view.model.errorMessage === "" && view.model.gate !== undefined
-        sourceComponent: FormatCard {
-            model: view.model
-            onFormatRequested: view.formatRequested()
-        }
+    FormatCard {
+        visible: !failure.visible && view.model.gate !== undefined
+        model: view.model
+        onFormatRequested: view.formatRequested()
     }
 }

@@ -1,5 +1,6 @@
 pragma ComponentBehavior: Bound
 import QtQuick
+import QtQuick.Layouts
 import Keldo.Components
 import Keldo.Offload
 
@@ -17,16 +18,14 @@ Card {
     systemImage: "trash"
     tint: eligible ? Theme.accent : Theme.secondary
 
-    PlainText {
+    Note {
         objectName: "offload.reason"
-        width: parent.width
         text: card.model.gate?.reason ?? ""
         color: card.eligible ? Theme.primary : Theme.secondary
-        wrapMode: Text.Wrap
+        font: Theme.body
     }
     SelectableText {
         objectName: "offload.formatStatus"
-        width: parent.width
         visible: text !== ""
         text: card.model.formatStatus.replace(/\s+$/, "")
         color: text.startsWith("✓") ? Theme.proved : Theme.danger
@@ -39,25 +38,18 @@ Card {
         symbol: "lock.fill"
         color: Theme.secondary
     }
-    SymbolLabel {
+    Busy {
         objectName: "offload.erasing"
         visible: card.model.isFormatting
         text: "Erasing…"
-        symbol: "trash"
-        color: Theme.secondary
     }
-    Item {
-        width: parent.width
-        height: format.height
+    ActionButton {
+        objectName: "offload.formatButton"
         visible: card.eligible && card.model.formatStatus === "" && !card.model.isFormatting
-        ActionButton {
-            id: format
-            objectName: "offload.formatButton"
-            anchors.right: parent.right
-            role: "destructive"
-            text: "Format Card…"
-            symbol: "trash.fill"
-            onClicked: card.formatRequested()
-        }
+        role: ActionButton.Role.Destructive
+        text: "Format Card…"
+        symbol: "trash.fill"
+        Layout.alignment: Qt.AlignRight
+        onClicked: card.formatRequested()
     }
 }

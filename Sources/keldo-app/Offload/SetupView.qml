@@ -1,12 +1,13 @@
-pragma ComponentBehavior: Bound
 import QtQuick
+import QtQuick.Layouts
 import Keldo.Components
 import Keldo.Offload
 
-Column {
+ColumnLayout {
     id: view
 
     required property OffloadViewModel model
+    readonly property var algorithms: model.algorithms
 
     spacing: Theme.wide
 
@@ -15,23 +16,12 @@ Column {
         title: "Source"
         systemImage: "sdcard"
 
-        Item {
-            width: parent.width
-            height: choose.height
-            PathField {
-                objectName: "offload.source"
-                width: parent.width - choose.width - Theme.tiny
-                text: view.model.source.path || "No card selected"
-                isPlaceholder: view.model.source.path === ""
-            }
-            ActionButton {
-                id: choose
-                objectName: "offload.choose"
-                anchors.right: parent.right
-                text: "Choose…"
-                Accessible.description: "Choose the camera card"
-                onClicked: view.model.chooseSource()
-            }
+        PathRow {
+            objectName: "offload.source"
+            path: view.model.source.path
+            placeholder: "No card selected"
+            buttonDescription: "Choose the camera card"
+            onChosen: view.model.chooseSource()
         }
         SymbolLabel {
             objectName: "offload.scanning"
@@ -40,28 +30,14 @@ Column {
             symbol: "magnifyingglass"
             color: Theme.secondary
         }
-        Row {
+        Badges {
             objectName: "offload.scan"
             visible: view.model.stage === OffloadViewModel.Stage.setup && view.model.scan !== undefined
-            spacing: Theme.wide
-            StatBadge {
-                objectName: "offload.camera"
-                text: view.model.scan?.camera ?? ""
-                symbol: "camera"
-            }
-            StatBadge {
-                objectName: "offload.fileCount"
-                text: (view.model.scan?.fileCount ?? 0) + " files"
-                symbol: "doc.on.doc"
-            }
-            StatBadge {
-                objectName: "offload.total"
-                text: view.model.scan?.total ?? ""
-                symbol: "scalemass"
-            }
+            StatBadge { objectName: "offload.camera"; text: view.model.scan?.camera ?? ""; symbol: "camera" }
+            StatBadge { objectName: "offload.fileCount"; text: (view.model.scan?.fileCount ?? 0) + " files"; symbol: "doc.on.doc" }
+            StatBadge { objectName: "offload.total"; text: view.model.scan?.total ?? ""; symbol: "scalemass" }
         }
     }
-
     Card {
         objectName: "offload.drivesCard"
         title: "Backup Drives"
@@ -79,55 +55,37 @@ Column {
             onClicked: view.model.addDestination()
         }
     }
-
     Card {
         objectName: "offload.optionsCard"
         title: "Options"
         systemImage: "slider.horizontal.3"
 
-        Row {
-            width: parent.width
-            spacing: Theme.medium
-            PlainText {
-                objectName: "offload.reel.label"
-                width: Theme.labelWidth
-                anchors.verticalCenter: parent.verticalCenter
-                text: "Reel name"
-            }
+        FormRow {
+            objectName: "offload.reelRow"
+            label: "Reel name"
             InputField {
                 objectName: "offload.reel"
-                width: parent.width - Theme.labelWidth - Theme.medium
+                name: "Reel name"
                 text: view.model.reelName
                 placeholderText: "A001_2026-06-06"
-                Accessible.name: "Reel name"
                 onTextEdited: view.model.reelName = text
             }
         }
-        Row {
-            spacing: Theme.medium
-            PlainText {
-                objectName: "offload.checksum.label"
-                width: Theme.labelWidth
-                anchors.verticalCenter: parent.verticalCenter
-                text: "Checksum"
-            }
+        FormRow {
+            objectName: "offload.checksumRow"
+            label: "Checksum"
             SegmentedControl {
                 objectName: "offload.checksum"
                 name: "Checksum"
-                width: Theme.choiceWidth
-                labels: view.model.algorithms
-                currentIndex: view.model.algorithms.indexOf(view.model.algorithm)
-                onChosen: index => view.model.algorithm = view.model.algorithms[index]
+                labels: view.algorithms
+                currentIndex: view.algorithms.indexOf(view.model.algorithm)
+                onChosen: index => view.model.algorithm = view.algorithms[index]
             }
         }
     }
-
-    Item {
-        width: parent.width
-        height: start.height
+    RowLayout {
         SymbolLabel {
             objectName: "offload.warning"
-            anchors.verticalCenter: parent.verticalCenter
             visible: view.model.destinations.count === 1
             text: "One drive copies fine, but formatting stays locked until you add a second."
             symbol: "exclamationmark.triangle.fill"
@@ -135,19 +93,16 @@ Column {
             font: Theme.print
         }
         ActionButton {
-            id: start
             objectName: "offload.start"
-            anchors.right: parent.right
-            role: "prominent"
+            role: ActionButton.Role.Prominent
             text: "Start Offload"
             symbol: "play.fill"
             enabled: view.model.canStart
+            Layout.alignment: Qt.AlignRight
             onClicked: view.model.start()
         }
     }
-    Shortcut {
-        sequences: ["Return", "Enter"]
-        autoRepeat: false
+    DefaultAction {
         enabled: view.model.canStart
         onActivated: view.model.start()
     }

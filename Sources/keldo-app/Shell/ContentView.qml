@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Controls.Basic
+import QtQuick.Layouts
 import Keldo.Components
 import Keldo.Shell
 import Keldo.Support
@@ -20,46 +21,43 @@ ApplicationWindow {
     minimumWidth: 940
     minimumHeight: 680
     color: Theme.windowBackground
-    palette.toolTipBase: Theme.cardBackground
-    palette.toolTipText: Theme.primary
-    palette.mid: Theme.secondary
-    palette.dark: Theme.primary
 
     header: Rectangle {
         implicitHeight: Theme.headerHeight
         color: Theme.windowBackground
 
-        Symbol {
-            id: mark
-            objectName: "header.symbol"
-            anchors { left: parent.left; leftMargin: Theme.wide; verticalCenter: parent.verticalCenter }
-            name: "externaldrive.fill.badge.checkmark"
-            color: Theme.accent
-            size: Theme.huge + 2
-        }
-        Column {
-            anchors { left: mark.right; leftMargin: Theme.regular; verticalCenter: parent.verticalCenter }
-            PlainText {
-                objectName: "header.title"
-                text: "keldobay"
-                color: Theme.primary
-                font: Theme.title
+        RowLayout {
+            anchors { fill: parent; leftMargin: Theme.wide; rightMargin: Theme.wide }
+            spacing: Theme.regular
+
+            Symbol {
+                objectName: "header.symbol"
+                name: "externaldrive.fill.badge.checkmark"
+                color: Theme.accent
+                size: Theme.huge + 2
             }
-            PlainText {
-                objectName: "header.line"
-                text: "DIT Offload & Dailies"
-                color: Theme.secondary
-                font: Theme.print
+            ColumnLayout {
+                spacing: 0
+                PlainText {
+                    objectName: "header.title"
+                    text: "keldobay"
+                    font: Theme.title
+                }
+                PlainText {
+                    objectName: "header.line"
+                    text: "DIT Offload & Dailies"
+                    color: Theme.secondary
+                    font: Theme.print
+                }
             }
-        }
-        SegmentedControl {
-            objectName: "mode"
-            name: "Mode"
-            anchors { right: parent.right; rightMargin: Theme.wide; verticalCenter: parent.verticalCenter }
-            width: Theme.modeWidth
-            labels: view.modes
-            currentIndex: view.mode
-            onChosen: index => view.mode = index
+            SegmentedControl {
+                objectName: "mode"
+                name: "Mode"
+                labels: view.modes
+                currentIndex: view.mode
+                Layout.preferredWidth: Theme.modeWidth
+                onChosen: index => view.mode = index
+            }
         }
         Rectangle {
             anchors { left: parent.left; right: parent.right; bottom: parent.bottom }

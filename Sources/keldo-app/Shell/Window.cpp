@@ -15,10 +15,14 @@ Q_IMPORT_QML_PLUGIN(Keldo_SupportPlugin)
 
 namespace keldo_app {
 
-bool loadWindow(QQmlApplicationEngine& engine, Desktop& desktop) {
+void prepareEngine(QQmlApplicationEngine& engine) {
     QFont::insertSubstitution("JetBrains Mono", "monospace");
     engine.addImportPath("qrc:/qt/qml");
     engine.addImageProvider("symbol", new SymbolProvider);
+}
+
+bool loadWindow(QQmlApplicationEngine& engine, Desktop& desktop) {
+    prepareEngine(engine);
     engine.setInitialProperties({{"desktop", QVariant::fromValue(&desktop)}});
     engine.load(QUrl("qrc:/qt/qml/Keldo/Shell/ContentView.qml"));
     return !engine.rootObjects().isEmpty();

@@ -6,6 +6,9 @@
 
 namespace keldo_app {
 
+/// Gives `engine` the fonts, symbols and modules that every window of ours needs.
+void prepareEngine(QQmlApplicationEngine& engine);
+
 /// Loads the application's window, `ContentView`, into `engine` and shows it. `desktop` must
 /// outlive the engine. False if the window could not be made.
 bool loadWindow(QQmlApplicationEngine& engine, Desktop& desktop);

@@ -1,4 +1,4 @@
-#include "../Offload/WindowFixture.h"
+#include "Window/WindowFixture.h"
 
 #include <algorithm>
 #include <cmath>

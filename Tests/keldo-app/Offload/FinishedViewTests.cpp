@@ -1,9 +1,9 @@
-#include "WindowFixture.h"
+#include "OffloadFixture.h"
 
-using WindowSupport::WindowFixture;
+using WindowSupport::OffloadFixture;
 
 namespace {
-class FinishedViewTests : public WindowFixture {};
+class FinishedViewTests : public OffloadFixture {};
 }  // namespace
 
 TEST_F(FinishedViewTests, AllVerified_ShowsTheProofAndOffersTheErase) {
@@ -18,7 +18,7 @@ TEST_F(FinishedViewTests, AllVerified_ShowsTheProofAndOffersTheErase) {
     EXPECT_TRUE(driver_->isShown("offload.formatButton"));
     EXPECT_FALSE(driver_->isShown("offload.locked"));
     EXPECT_FALSE(driver_->isShown("offload.failures"));
-    EXPECT_FALSE(driver_->isShown("offload.error"));
+    EXPECT_FALSE(driver_->isShown("offload.failed.message"));
     keepPictures("verified");
 }
 
@@ -27,7 +27,7 @@ TEST_F(FinishedViewTests, LyingDrive_ShowsTheFailedFilesAndLocksTheErase) {
     chooseCard(card());
     addDrive(drive("SHUTTLE_01"));
     addDrive(faultyDrive({.onlyFile = "A001C002.MXF", .flipBitAt = 1000}));
-    driver_->offload()->setReelName("A001");
+    offload()->setReelName("A001");
     runToEnd();
     EXPECT_EQ(driver_->text("offload.verdict"), "Verification Problems");
     EXPECT_EQ(driver_->text("offload.failures.0"), "XDROOT/Clip/A001C002.MXF");
@@ -82,7 +82,7 @@ TEST_F(FinishedViewTests, FailedRun_ShowsOnlyWhy) {
     addDrive(drive("SHUTTLE_01"));
     addDrive(faultyDrive({.writeError = 28, .failWriteAfter = 100'000}));
     runToEnd();
-    const QString error = driver_->text("offload.error");
+    const QString error = driver_->text("offload.failed.message");
     EXPECT_TRUE(error.startsWith("Failed writing to ")) << error.toStdString();
     EXPECT_TRUE(error.endsWith(": No space left on device")) << error.toStdString();
     EXPECT_FALSE(driver_->isShown("offload.format"));
@@ -141,18 +141,18 @@ TEST_F(FinishedViewTests, WeakerProof_IsSaidOnceMoreInTheSheet) {
 
 TEST_F(FinishedViewTests, FailedRunWithAReason_AddsItBelowTheError) {
     setUpOffload();
-    driver_->offload()->apply(keldo_app::OffloadEvent{keldo_app::OffloadEvent::Failed{
+    offload()->apply(keldo_app::OffloadEvent{keldo_app::OffloadEvent::Failed{
         "Destination is not writable: /media/SHUTTLE_01",
         "The reel folder lies inside the reel folder on RAID_MASTER."}});
-    EXPECT_EQ(driver_->text("offload.error"), "Destination is not writable: /media/SHUTTLE_01");
-    EXPECT_EQ(driver_->shown("offload.errorReason.0").text,
+    EXPECT_EQ(driver_->text("offload.failed.message"), "Destination is not writable: /media/SHUTTLE_01");
+    EXPECT_EQ(driver_->shown("offload.failed.reasons.0").text,
               "The reel folder lies inside the reel folder on RAID_MASTER.");
-    EXPECT_EQ(driver_->shown("offload.errorReason.0").textColor,
+    EXPECT_EQ(driver_->shown("offload.failed.reasons.0").textColor,
               driver_->themeColor("attention").name().toStdString());
     keepPictures("failed-reason");
-    driver_->offload()->apply(
+    offload()->apply(
         keldo_app::OffloadEvent{keldo_app::OffloadEvent::Failed{"Offload cancelled."}});
-    EXPECT_FALSE(driver_->isShown("offload.errorReason"));
+    EXPECT_FALSE(driver_->isShown("offload.failed.reasons"));
 }
 
 TEST_F(FinishedViewTests, SaveReport_SaysWhereItWentAndShowsIt) {
@@ -184,7 +184,7 @@ TEST_F(FinishedViewTests, NewOffload_StartsFromTheSameCardDrivesAndReel) {
     setUpOffload();
     runToEnd();
     driver_->press("offload.new");
-    EXPECT_EQ(driver_->offload()->stage(), Stage::setup);
+    EXPECT_EQ(offload()->stage(), Stage::setup);
     EXPECT_EQ(driver_->text("offload.reel"), "A001");
     EXPECT_TRUE(driver_->isShown("offload.drive.1"));
     EXPECT_TRUE(driver_->isShown("offload.scan"));

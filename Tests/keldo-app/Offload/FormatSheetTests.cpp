@@ -1,13 +1,13 @@
-#include "WindowFixture.h"
+#include "OffloadFixture.h"
 
 #include <sys/stat.h>
 
-using WindowSupport::WindowFixture;
+using WindowSupport::OffloadFixture;
 
 namespace {
 
 /// A window at an open gate, with a script in the place of the erase tool.
-class FormatSheetTests : public WindowFixture {
+class FormatSheetTests : public OffloadFixture {
 protected:
     void SetUp() override {
         std::filesystem::remove(tool());
@@ -15,7 +15,7 @@ protected:
         runToEnd();
     }
     void TearDown() override {
-        WindowFixture::TearDown();
+        OffloadFixture::TearDown();
         std::filesystem::remove(tool());
     }
 
@@ -80,7 +80,7 @@ TEST_F(FormatSheetTests, EscapeAndCancelCloseItAndForgetWhatWasTyped) {
     EXPECT_EQ(driver_->text("sheet.typed"), "");
     driver_->press("sheet.cancel");
     driver_->waitFor("the sheet to close", [&] { return !driver_->isShown("sheet.typed"); });
-    EXPECT_EQ(driver_->offload()->formatStatus(), "");
+    EXPECT_EQ(offload()->formatStatus(), "");
 }
 
 TEST_F(FormatSheetTests, ReturnDoesNotErase) {
@@ -89,7 +89,7 @@ TEST_F(FormatSheetTests, ReturnDoesNotErase) {
     driver_->type("ERASE");
     driver_->key(Qt::Key_Return);
     EXPECT_TRUE(driver_->isShown("sheet.typed"));
-    EXPECT_FALSE(driver_->offload()->isFormatting());
+    EXPECT_FALSE(offload()->isFormatting());
 }
 
 TEST_F(FormatSheetTests, Erase_RunsTheToolAndSaysSo) {
@@ -112,20 +112,20 @@ TEST_F(FormatSheetTests, WhileTheEraseRuns_SaysSoAndKeepsTheScreen) {
     driver_->type("ERASE");
     driver_->press("sheet.erase");
     driver_->waitFor("the sheet to close", [&] { return !driver_->isShown("sheet.heading"); });
-    EXPECT_TRUE(driver_->offload()->isFormatting());
+    EXPECT_TRUE(offload()->isFormatting());
     EXPECT_EQ(driver_->shown("offload.erasing").text, "Erasing…");
     EXPECT_EQ(driver_->shown("offload.erasing").symbol, "trash");
     EXPECT_FALSE(driver_->isShown("offload.formatButton"));
     EXPECT_FALSE(driver_->isShown("offload.formatStatus"));
     EXPECT_FALSE(driver_->isEnabled("offload.new"));
-    driver_->offload()->reset();
-    EXPECT_EQ(driver_->offload()->stage(), Stage::finished);
-    EXPECT_TRUE(driver_->offload()->gate()->eligible);
+    offload()->reset();
+    EXPECT_EQ(offload()->stage(), Stage::finished);
+    EXPECT_TRUE(offload()->gate()->eligible);
     keepPictures("erasing");
 
     std::filesystem::remove(hold);
     driver_->waitFor("the erase", [&] { return driver_->isShown("offload.formatStatus"); });
-    EXPECT_FALSE(driver_->offload()->isFormatting());
+    EXPECT_FALSE(offload()->isFormatting());
     EXPECT_FALSE(driver_->isShown("offload.erasing"));
     EXPECT_TRUE(driver_->isEnabled("offload.new"));
     EXPECT_FALSE(driver_->isShown("offload.formatButton"));
@@ -137,8 +137,8 @@ TEST_F(FormatSheetTests, ASecondEraseWhileOneRuns_DoesNothing) {
     TestSupport::writeFile(hold, "");
     installTool("echo run >> '" + record.native() + "'\nwhile [ -e '" + hold.native() +
                 "' ]; do sleep 0.02; done\n");
-    driver_->offload()->formatCard();
-    driver_->offload()->formatCard();
+    offload()->formatCard();
+    offload()->formatCard();
     driver_->waitFor("the tool", [&] { return std::filesystem::exists(record); });
     std::filesystem::remove(hold);
     driver_->waitFor("the erase", [&] { return driver_->isShown("offload.formatStatus"); });
@@ -165,7 +165,7 @@ TEST_F(FormatSheetTests, EraseThatFails_SaysWhyAndIsNotOfferedAgain) {
     EXPECT_FALSE(driver_->isShown("offload.formatButton"));
     keepPictures("erase-failed");
     driver_->press("offload.new");
-    EXPECT_EQ(driver_->offload()->formatStatus(), "");
+    EXPECT_EQ(offload()->formatStatus(), "");
 }
 
 TEST_F(FormatSheetTests, EraseOfACardThatHasChanged_IsRefusedBeforeTheToolRuns) {

@@ -1,10 +1,10 @@
-#include "WindowFixture.h"
+#include "OffloadFixture.h"
 
-using WindowSupport::WindowFixture;
+using WindowSupport::OffloadFixture;
 
 namespace {
 
-class KeyboardTests : public WindowFixture {
+class KeyboardTests : public OffloadFixture {
 protected:
     QString focused() const {
         QQuickItem* item = driver_->window().activeFocusItem();
@@ -33,7 +33,7 @@ protected:
 
     bool focusedIsInView() const {
         const QQuickItem* item = driver_->window().activeFocusItem();
-        const QQuickItem* scroll = driver_->find("offload.scroll");
+        const QQuickItem* scroll = driver_->find("offload.page.scroll");
         if (!scroll->isAncestorOf(item)) return true;
         const QRectF place = item->mapRectToItem(scroll, QRectF(QPointF(), item->size()));
         return place.top() >= 0 && place.bottom() <= scroll->height();
@@ -47,7 +47,7 @@ protected:
 TEST_F(KeyboardTests, TabReachesEveryControlOfTheSetup) {
     setUpOffload();
     EXPECT_EQ(sortedRound(), (QStringList{"mode", "offload.add", "offload.checksum",
-                                          "offload.choose", "offload.reel", "offload.remove.0",
+                                          "offload.source.choose", "offload.reel", "offload.remove.0",
                                           "offload.remove.1", "offload.start"}));
     focus("offload.reel");
     keepPictures("focus");
@@ -62,12 +62,12 @@ TEST_F(KeyboardTests, TabReachesEveryControlOfARun) {
     chooseCard(card());
     addDrive(faultyDrive({.delay = 2'000}));
     driver_->press("offload.start");
-    driver_->waitFor("the run", [&] { return driver_->isShown("offload.current"); });
-    EXPECT_EQ(sortedRound(), (QStringList{"mode", "offload.cancel"}));
-    focus("offload.cancel");
+    driver_->waitFor("the run", [&] { return driver_->isShown("offload.running.current"); });
+    EXPECT_EQ(sortedRound(), (QStringList{"mode", "offload.running.cancel"}));
+    focus("offload.running.cancel");
     driver_->key(Qt::Key_Space);
-    driver_->waitForStage(Stage::finished);
-    EXPECT_EQ(driver_->text("offload.error"), "Offload cancelled.");
+    waitForStage(Stage::finished);
+    EXPECT_EQ(driver_->text("offload.failed.message"), "Offload cancelled.");
 }
 
 TEST_F(KeyboardTests, TabReachesEveryControlOfAProvedRun) {
@@ -114,7 +114,7 @@ TEST_F(KeyboardTests, WhatTabReachesIsScrolledIntoView) {
     driver_->resize(940, 680);
     for (int i = 0; i < 9; ++i) addDrive(drive("DRIVE_" + std::to_string(i)));
     chooseCard(card());
-    ASSERT_GT(driver_->find("offload.scroll")->property("contentHeight").toDouble(), 680);
+    ASSERT_GT(driver_->find("offload.page.scroll")->property("contentHeight").toDouble(), 680);
     EXPECT_EQ(tabRound().size(), 15);
 }
 
@@ -137,22 +137,22 @@ TEST_F(KeyboardTests, Return_StartsTheOffloadFromTheReelField) {
     setUpOffload();
     driver_->press("offload.reel");
     driver_->key(Qt::Key_Return);
-    driver_->waitForStage(Stage::finished);
+    waitForStage(Stage::finished);
     EXPECT_EQ(driver_->text("offload.verdict"), "All Files Verified");
 }
 
 TEST_F(KeyboardTests, Return_DoesNothingWhileNothingCanStart) {
     openWindow();
     driver_->key(Qt::Key_Return);
-    EXPECT_EQ(driver_->offload()->stage(), Stage::setup);
+    EXPECT_EQ(offload()->stage(), Stage::setup);
 }
 
 TEST_F(KeyboardTests, Return_HeldSinceAFolderPanel_DoesNotStart) {
     setUpOffload();
     for (int i = 0; i < 5; ++i) driver_->heldKey(Qt::Key_Return);
-    EXPECT_EQ(driver_->offload()->stage(), Stage::setup);
+    EXPECT_EQ(offload()->stage(), Stage::setup);
     driver_->key(Qt::Key_Return);
-    driver_->waitForStage(Stage::finished);
+    waitForStage(Stage::finished);
 }
 
 TEST_F(KeyboardTests, SpacePressesTheFocusedButton) {
@@ -167,11 +167,11 @@ TEST_F(KeyboardTests, ArrowsMoveTheChecksumAndTheMode) {
     setUpOffload();
     driver_->find("offload.checksum")->forceActiveFocus();
     driver_->key(Qt::Key_Right);
-    EXPECT_EQ(driver_->offload()->algorithm(), ReelCore::HashAlgorithm::md5);
+    EXPECT_EQ(offload()->algorithm(), ReelCore::HashAlgorithm::md5);
     driver_->key(Qt::Key_Left);
-    EXPECT_EQ(driver_->offload()->algorithm(), ReelCore::HashAlgorithm::xxhash64);
+    EXPECT_EQ(offload()->algorithm(), ReelCore::HashAlgorithm::xxhash64);
     driver_->key(Qt::Key_Left);
-    EXPECT_EQ(driver_->offload()->algorithm(), ReelCore::HashAlgorithm::xxhash64);
+    EXPECT_EQ(offload()->algorithm(), ReelCore::HashAlgorithm::xxhash64);
     driver_->find("mode")->forceActiveFocus();
     driver_->key(Qt::Key_Right);
     EXPECT_EQ(driver_->text("later"), "Transcode is not in this version yet.");

@@ -1,8 +1,8 @@
-#include "WindowFixture.h"
+#include "OffloadFixture.h"
 
 using WindowSupport::Look;
 using WindowSupport::Shown;
-using WindowSupport::WindowFixture;
+using WindowSupport::OffloadFixture;
 
 namespace {
 
@@ -21,7 +21,7 @@ const Colors light{"#1c1e22", "#5f6570", "#0b63d6", "#17803d", "#b45309", "#c628
 const Colors dark{"#eceef1", "#a3a8b0", "#5aa2ff", "#4cc38a", "#f0a04b", "#ff6b61"};
 
 /// What every item shows, in both looks.
-class LabelTests : public WindowFixture {
+class LabelTests : public OffloadFixture {
 protected:
     void inBothLooks(const std::function<void(const Colors&)>& check) {
         for (const Look look : {Look::light, Look::dark}) {
@@ -68,15 +68,15 @@ TEST_F(LabelTests, Setup_BeforeAnythingIsChosen) {
     inBothLooks([this](const Colors& colors) {
         expectShown("offload.sourceCard.head", "Source", "sdcard", colors.accent);
         expectShown("offload.source.text", "No card selected", "", colors.secondary);
-        expectShown("offload.choose", "Choose…", "", colors.primary);
+        expectShown("offload.source.choose", "Choose…", "", colors.primary);
         expectShown("offload.drivesCard.head", "Backup Drives", "externaldrive", colors.accent);
         expectShown("offload.nodrives",
                     "Add at least two drives for a safe, format-eligible offload.", "",
                     colors.secondary);
         expectShown("offload.add", "Add Drive…", "plus", colors.primary);
         expectShown("offload.optionsCard.head", "Options", "slider.horizontal.3", colors.accent);
-        expectShown("offload.reel.label", "Reel name", "", colors.primary);
-        expectShown("offload.checksum.label", "Checksum", "", colors.primary);
+        expectShown("offload.reelRow.label", "Reel name", "", colors.primary);
+        expectShown("offload.checksumRow.label", "Checksum", "", colors.primary);
         expectShown("offload.start", "Start Offload", "play.fill", colors.secondary);
     });
     double left = -1;
@@ -98,8 +98,8 @@ TEST_F(LabelTests, Setup_WithACardAndOneDrive) {
         expectShown("offload.fileCount", "4 files", "doc.on.doc", colors.secondary);
         expectShown("offload.total", "537.1 KB", "scalemass", colors.secondary);
         expectShown("offload.drive.0", "SHUTTLE_01", "", colors.primary);
-        expectShown("offload.path.0", drive("SHUTTLE_01").native(), "", colors.secondary);
-        EXPECT_EQ(driver_->shown("offload.row.0").symbol, "externaldrive.fill");
+        expectShown("offload.drive.0.detail", drive("SHUTTLE_01").native(), "", colors.secondary);
+        EXPECT_EQ(driver_->shown("offload.drive.0").symbol, "externaldrive.fill");
         expectShown("offload.remove.0", "", "minus.circle.fill", colors.red);
         expectShown("offload.warning",
                     "One drive copies fine, but formatting stays locked until you add a second.",
@@ -111,9 +111,9 @@ TEST_F(LabelTests, Setup_WithACardAndOneDrive) {
 TEST_F(LabelTests, Scanning) {
     openWindow();
     std::optional<Shown> shown;
-    QObject::connect(driver_->offload(), &keldo_app::OffloadViewModel::changed, driver_->offload(),
-                     [&] {
-                         if (driver_->offload()->stage() == Stage::scanning)
+    QObject::connect(offload(), &keldo_app::OffloadViewModel::changed,
+                     offload(), [&] {
+                         if (offload()->stage() == Stage::scanning)
                              shown = driver_->shown("offload.scanning");
                      });
     chooseCard(card());
@@ -125,20 +125,20 @@ TEST_F(LabelTests, Running) {
     chooseCard(card());
     addDrive(faultyDrive({.delay = 2'000}));
     driver_->press("offload.start");
-    driver_->waitFor("the first file", [&] { return driver_->isShown("offload.current"); });
+    driver_->waitFor("the first file", [&] { return driver_->isShown("offload.running.current"); });
     inBothLooks([this](const Colors& colors) {
         expectShown("offload.running.head", "Offloading", "arrow.triangle.2.circlepath",
                     colors.accent);
-        expectShown("offload.phase", "Copying to all drives…", "", colors.primary);
-        expectShown("offload.percent", "0%", "", colors.primary);
-        expectShown("offload.current", "SOUND/T001.WAV", "", colors.secondary);
+        expectShown("offload.running.phase", "Copying to all drives…", "", colors.primary);
+        expectShown("offload.running.percent", "0%", "", colors.primary);
+        expectShown("offload.running.current", "SOUND/T001.WAV", "", colors.secondary);
         expectShown("offload.files", "0/4 files", "doc.on.doc", colors.secondary);
         expectShown("offload.bytes", "0 B / 537.1 KB", "scalemass", colors.secondary);
         expectShown("offload.drives", "1 drives", "externaldrive", colors.secondary);
-        expectShown("offload.cancel", "Cancel", "stop.fill", colors.onFilled);
+        expectShown("offload.running.cancel", "Cancel", "stop.fill", colors.onFilled);
     });
-    driver_->press("offload.cancel");
-    driver_->waitForStage(Stage::finished);
+    driver_->press("offload.running.cancel");
+    waitForStage(Stage::finished);
 }
 
 TEST_F(LabelTests, Verified_WithTheSheet) {
@@ -198,7 +198,7 @@ TEST_F(LabelTests, Failed) {
     runToEnd();
     inBothLooks([this](const Colors& colors) {
         expectShown("offload.failed.head", "Offload Failed", "xmark.octagon.fill", colors.red);
-        EXPECT_EQ(driver_->shown("offload.error").textColor, colors.red);
+        EXPECT_EQ(driver_->shown("offload.failed.message").textColor, colors.red);
     });
-    EXPECT_TRUE(driver_->find("offload.error")->property("selectByMouse").toBool());
+    EXPECT_TRUE(driver_->find("offload.failed.message")->property("selectByMouse").toBool());
 }

@@ -1,12 +1,10 @@
 #include "ReelCore/Platform/File.h"
-#include "WindowFixture.h"
+#include "OffloadFixture.h"
+#include "Window/LoopWatch.h"
 
-#include <QElapsedTimer>
-#include <QTimer>
-#include <algorithm>
 #include <functional>
 
-using WindowSupport::WindowFixture;
+using WindowSupport::OffloadFixture;
 
 namespace {
 
@@ -19,29 +17,12 @@ constexpr qint64 longestBlock = 1'000;
 constexpr int filesInAFolder = 100;
 #endif
 
-/// The longest time that the event loop has not come around, in milliseconds.
-class LoopWatch {
-public:
-    LoopWatch() {
-        clock_.start();
-        QObject::connect(&timer_, &QTimer::timeout, &timer_,
-                         [this] { longest = std::max(longest, clock_.restart()); });
-        timer_.start(1);
-    }
-
-    qint64 longest = 0;
-
-private:
-    QElapsedTimer clock_;
-    QTimer timer_;
-};
-
 /// The longest block while `job` runs, of as many as three runs: another program can take the
 /// processor away for long, which is no fault of the window's and does not happen every time.
 qint64 longestBlockOf(const std::function<void()>& job) {
     qint64 longest = 0;
     for (int run = 0; run < 3; ++run) {
-        LoopWatch watch;
+        WindowSupport::LoopWatch watch;
         job();
         std::printf("longest block of the event loop: %lld ms\n", watch.longest);
         longest = watch.longest;
@@ -51,7 +32,7 @@ qint64 longestBlockOf(const std::function<void()>& job) {
 }
 
 /// In memory, so that the files come faster than any drive could give them.
-class LargeCardTests : public WindowFixture {
+class LargeCardTests : public OffloadFixture {
 protected:
     LargeCardTests() : memory_("/dev/shm/keldo-large-" + std::to_string(::getpid())) {
         for (int folder = 0; folder < 100; ++folder) {
@@ -73,7 +54,7 @@ protected:
 };
 
 /// Many files that a drive gives back wrong; fewer, as each goes through a file system's server.
-class ManyFailuresTests : public WindowFixture {
+class ManyFailuresTests : public OffloadFixture {
 protected:
     ManyFailuresTests() {
         for (int i = 0; i < 10 * filesInAFolder; ++i) {
@@ -89,8 +70,8 @@ protected:
 TEST_F(LargeCardTests, AHundredThousandFiles_NeverBlockTheWindowAndTheProgressMoves) {
     openWindow();
     QSet<QString> counts;
-    QObject::connect(driver_->offload(), &keldo_app::OffloadViewModel::changed, driver_->offload(),
-                     [&] {
+    QObject::connect(offload(), &keldo_app::OffloadViewModel::changed,
+                     offload(), [&] {
                          if (driver_->isShown("offload.files"))
                              counts += driver_->text("offload.files");
                      });
@@ -100,10 +81,10 @@ TEST_F(LargeCardTests, AHundredThousandFiles_NeverBlockTheWindowAndTheProgressMo
         EXPECT_EQ(driver_->text("offload.fileCount"),
                   QString::number(100 * filesInAFolder + 2) + " files");
         driver_->press("offload.start");
-        driver_->waitForStage(Stage::finished, 280'000);
+        waitForStage(Stage::finished, 280'000);
         EXPECT_EQ(driver_->text("offload.verdict"), "All Files Verified");
         driver_->press("offload.new");
-        driver_->waitFor("the setup", [&] { return driver_->isShown("offload.choose"); });
+        driver_->waitFor("the setup", [&] { return driver_->isShown("offload.source.choose"); });
     });
     EXPECT_GT(counts.size(), 20);
     EXPECT_LE(longest, longestBlock);
@@ -115,14 +96,14 @@ TEST_F(ManyFailuresTests, ThousandsOfFailedFiles_NeverBlockTheWindowAndAreAllLis
     addDrive(faultyDrive({.flipBitAt = 0}));
     const qint64 longest = longestBlockOf([&] {
         driver_->press("offload.start");
-        driver_->waitForStage(Stage::finished, 280'000);
+        waitForStage(Stage::finished, 280'000);
         driver_->waitFor("the list", [&] { return driver_->isShown("offload.failures.0"); });
         const int failed = driver_->find("offload.failures")->property("count").toInt();
         EXPECT_EQ(failed, 10 * filesInAFolder);
         EXPECT_EQ(driver_->text("offload.reason"),
                   QString::number(failed) + " file(s) failed verification — DO NOT format.");
         driver_->press("offload.new");
-        driver_->waitFor("the setup", [&] { return driver_->isShown("offload.choose"); });
+        driver_->waitFor("the setup", [&] { return driver_->isShown("offload.source.choose"); });
     });
     EXPECT_LE(longest, longestBlock);
 }

@@ -1,9 +1,9 @@
-#include "WindowFixture.h"
+#include "OffloadFixture.h"
 
-using WindowSupport::WindowFixture;
+using WindowSupport::OffloadFixture;
 
 namespace {
-class RunningViewTests : public WindowFixture {
+class RunningViewTests : public OffloadFixture {
 protected:
     /// A run onto a drive so slow that it can be looked at, once a file is done.
     void startSlowRun() {
@@ -11,10 +11,10 @@ protected:
         chooseCard(card());
         addDrive(drive("SHUTTLE_01"));
         addDrive(faultyDrive({.delay = 150}));
-        driver_->offload()->setReelName("A001");
+        offload()->setReelName("A001");
         driver_->press("offload.start");
         driver_->waitFor("a file to be done", [&] {
-            const auto& progress = driver_->offload()->progress();
+            const auto& progress = offload()->progress();
             return progress && progress->filesCompleted >= 1 && progress->currentFile;
         });
     }
@@ -23,21 +23,21 @@ protected:
 
 TEST_F(RunningViewTests, ShowsPhaseFileCountsBytesAndDrives) {
     startSlowRun();
-    const auto& progress = *driver_->offload()->progress();
+    const auto& progress = *offload()->progress();
     const int percent = static_cast<int>(progress.fractionComplete() * 100);
-    EXPECT_EQ(driver_->text("offload.percent"), QString::number(percent) + "%");
-    EXPECT_EQ(driver_->text("offload.current").toStdString(), *progress.currentFile);
+    EXPECT_EQ(driver_->text("offload.running.percent"), QString::number(percent) + "%");
+    EXPECT_EQ(driver_->text("offload.running.current").toStdString(), *progress.currentFile);
     EXPECT_EQ(driver_->text("offload.files"),
               QString::number(progress.filesCompleted) + "/4 files");
     EXPECT_TRUE(driver_->text("offload.bytes").endsWith(" / 537.1 KB"));
     EXPECT_EQ(driver_->text("offload.drives"), "2 drives");
-    const QString phase = driver_->text("offload.phase");
+    const QString phase = driver_->text("offload.running.phase");
     EXPECT_TRUE(phase == "Copying to all drives…" || phase == "Verifying checksums…");
-    EXPECT_FALSE(driver_->isShown("offload.choose"));
+    EXPECT_FALSE(driver_->isShown("offload.source.choose"));
     EXPECT_FALSE(driver_->isShown("offload.new"));
     keepPictures("running");
-    driver_->press("offload.cancel");
-    driver_->waitForStage(Stage::finished);
+    driver_->press("offload.running.cancel");
+    waitForStage(Stage::finished);
 }
 
 TEST_F(RunningViewTests, Cancel_KeepsTheViewUntilTheEngineHasAnswered) {
@@ -45,13 +45,13 @@ TEST_F(RunningViewTests, Cancel_KeepsTheViewUntilTheEngineHasAnswered) {
     chooseCard(card());
     addDrive(faultyDrive({.delay = 3'000}));
     driver_->press("offload.start");
-    driver_->waitFor("the first file", [&] { return driver_->isShown("offload.current"); });
-    driver_->press("offload.cancel");
-    EXPECT_EQ(driver_->offload()->stage(), Stage::running);
-    EXPECT_TRUE(driver_->isEnabled("offload.cancel"));
-    EXPECT_EQ(driver_->text("offload.phase"), "Copying to all drives…");
-    driver_->waitForStage(Stage::finished);
-    EXPECT_EQ(driver_->text("offload.error"), "Offload cancelled.");
+    driver_->waitFor("the first file", [&] { return driver_->isShown("offload.running.current"); });
+    driver_->press("offload.running.cancel");
+    EXPECT_EQ(offload()->stage(), Stage::running);
+    EXPECT_TRUE(driver_->isEnabled("offload.running.cancel"));
+    EXPECT_EQ(driver_->text("offload.running.phase"), "Copying to all drives…");
+    waitForStage(Stage::finished);
+    EXPECT_EQ(driver_->text("offload.failed.message"), "Offload cancelled.");
     EXPECT_FALSE(driver_->isShown("offload.format"));
     EXPECT_FALSE(driver_->isShown("offload.verdict"));
     keepPictures("cancelled");
@@ -71,8 +71,8 @@ TEST_F(RunningViewTests, EveryPhaseHasItsWords) {
     EXPECT_EQ(wordsFor("writingReport"), "Writing hash report…");
     EXPECT_EQ(wordsFor("done"), "Finishing…");
     EXPECT_EQ(wordsFor(QVariant()), "Finishing…") << "before the first progress has come";
-    driver_->press("offload.cancel");
-    driver_->waitForStage(Stage::finished);
+    driver_->press("offload.running.cancel");
+    waitForStage(Stage::finished);
 }
 
 TEST_F(RunningViewTests, TheWordsFollowThePhase) {
@@ -83,11 +83,11 @@ TEST_F(RunningViewTests, TheWordsFollowThePhase) {
     std::map<Phase, QString> words;
     // Once the view has heard of the change as well.
     QObject::connect(
-        driver_->offload(), &keldo_app::OffloadViewModel::changed, driver_->offload(),
+        offload(), &keldo_app::OffloadViewModel::changed, offload(),
         [&] {
-            const auto& progress = driver_->offload()->progress();
-            if (progress && driver_->isShown("offload.phase"))
-                words[progress->phase] = driver_->text("offload.phase");
+            const auto& progress = offload()->progress();
+            if (progress && driver_->isShown("offload.running.phase"))
+                words[progress->phase] = driver_->text("offload.running.phase");
         },
         Qt::QueuedConnection);
     runToEnd();

@@ -1,9 +1,9 @@
-#include "WindowFixture.h"
+#include "OffloadFixture.h"
 
-using WindowSupport::WindowFixture;
+using WindowSupport::OffloadFixture;
 
 namespace {
-class SetupViewTests : public WindowFixture {
+class SetupViewTests : public OffloadFixture {
 protected:
     /// What stands out of the card on either side, anywhere below it.
     static QStringList widerThan(const QQuickItem& card) {
@@ -52,15 +52,15 @@ TEST_F(SetupViewTests, WhileScanning_SaysSoAndCantStart) {
     int seen = 0;
     std::string picture;
     const auto look = [&] {
-        if (driver_->offload()->stage() != Stage::scanning) return;
+        if (offload()->stage() != Stage::scanning) return;
         ++seen;
         EXPECT_EQ(driver_->text("offload.scanning"), "Scanning…");
         EXPECT_FALSE(driver_->isEnabled("offload.start"));
         EXPECT_FALSE(driver_->isShown("offload.scan"));
         driver_->screenshot(ReelCore::URL(KELDO_SCREENSHOTS) / ("scanning-" + picture + ".png"));
     };
-    QObject::connect(driver_->offload(), &keldo_app::OffloadViewModel::changed, driver_->offload(),
-                     look);
+    QObject::connect(offload(), &keldo_app::OffloadViewModel::changed,
+                     offload(), look);
     for (const auto& [colors, width] : {std::pair("light-", 940), std::pair("dark-", 1600)}) {
         WindowSupport::setLook(width == 940 ? WindowSupport::Look::light
                                             : WindowSupport::Look::dark);
@@ -73,7 +73,7 @@ TEST_F(SetupViewTests, WhileScanning_SaysSoAndCantStart) {
 
 TEST_F(SetupViewTests, Dismissed_ChangesNothing) {
     openWindow();
-    driver_->press("offload.choose");
+    driver_->press("offload.source.choose");
     driver_->press("offload.add");
     EXPECT_EQ(desktop_.messages, (QStringList{"Choose Camera Card / Source", "Add Backup Drive"}));
     EXPECT_EQ(driver_->text("offload.source"), "No card selected");
@@ -111,10 +111,10 @@ TEST_F(SetupViewTests, TypedReelName_IsUsedAndOverwrittenByANewCard) {
     driver_->press("offload.reel");
     driver_->key(Qt::Key_End);
     driver_->type("_B");
-    EXPECT_TRUE(driver_->offload()->reelName().endsWith("_B"));
+    EXPECT_TRUE(offload()->reelName().endsWith("_B"));
     chooseCard(drive("EMPTY"));
-    EXPECT_TRUE(driver_->offload()->reelName().startsWith("EMPTY_"));
-    EXPECT_EQ(driver_->text("offload.reel"), driver_->offload()->reelName());
+    EXPECT_TRUE(offload()->reelName().startsWith("EMPTY_"));
+    EXPECT_EQ(driver_->text("offload.reel"), offload()->reelName());
 }
 
 TEST_F(SetupViewTests, ClearedReelName_CantStart) {
@@ -130,10 +130,10 @@ TEST_F(SetupViewTests, ClearedReelName_CantStart) {
 TEST_F(SetupViewTests, Checksum_IsChosenBySegments) {
     setUpOffload();
     driver_->press("offload.checksum.sha256");
-    EXPECT_EQ(driver_->offload()->algorithm(), ReelCore::HashAlgorithm::sha256);
+    EXPECT_EQ(offload()->algorithm(), ReelCore::HashAlgorithm::sha256);
     keepPictures("ready");
     driver_->press("offload.checksum.md5");
-    EXPECT_EQ(driver_->offload()->algorithm(), ReelCore::HashAlgorithm::md5);
+    EXPECT_EQ(offload()->algorithm(), ReelCore::HashAlgorithm::md5);
 }
 
 TEST_F(SetupViewTests, ManyDrivesAndLongPaths_StayInTheirCardsAndScroll) {
@@ -149,14 +149,14 @@ TEST_F(SetupViewTests, ManyDrivesAndLongPaths_StayInTheirCardsAndScroll) {
              {"offload.sourceCard", "offload.drivesCard", "offload.optionsCard"}) {
             EXPECT_EQ(widerThan(*driver_->find(card)), QStringList());
         }
-        for (const char* text : {"offload.source.text", "offload.drive.0", "offload.path.8"}) {
+        for (const char* text : {"offload.source.text", "offload.drive.0", "offload.drive.8.detail"}) {
             EXPECT_TRUE(driver_->find(text)->property("truncated").toBool()) << text;
             EXPECT_EQ(driver_->find(text)->property("elide").toInt(), Qt::ElideMiddle) << text;
         }
     }
     keepPictures("many-drives");
     driver_->press("offload.remove.8");
-    EXPECT_EQ(driver_->offload()->destinations().size(), 8U);
+    EXPECT_EQ(offload()->destinations().size(), 8U);
 }
 
 TEST_F(SetupViewTests, TextThatIsCut_StandsWholeInATooltip) {
@@ -165,7 +165,7 @@ TEST_F(SetupViewTests, TextThatIsCut_StandsWholeInATooltip) {
     std::filesystem::create_directories(far / "A001_C003");
     chooseCard(far / "A001_C003");
     addDrive(far / std::string(200, 'D'));
-    for (const char* name : {"offload.path.0", "offload.drive.0", "offload.source.text"}) {
+    for (const char* name : {"offload.drive.0.detail", "offload.drive.0", "offload.source.text"}) {
         driver_->hover(name);
         const QString whole = driver_->text(name);
         driver_->waitFor("the tooltip", [&] {

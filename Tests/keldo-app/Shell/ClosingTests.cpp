@@ -1,4 +1,4 @@
-#include "../Offload/WindowFixture.h"
+#include "../Offload/OffloadFixture.h"
 #include "ReelCore/Platform/FileSystem.h"
 #include "ReelCore/Transcode/Transcoder.h"
 #include "Support/EnvironmentVariable.h"
@@ -39,7 +39,7 @@ URL sharedFolder(const URL& own) {
         }
     }).detach();
     WindowSupport::FakeDesktop desktop;
-    WindowSupport::WindowDriver driver(desktop);
+    WindowSupport::WindowDriver driver(WindowSupport::application(desktop));
     driver.waitFor("ffmpeg to run",
                    [&] { return ReelCore::FileSystem::exists(folder / "running"); });
     QMetaObject::invokeMethod(
@@ -47,7 +47,7 @@ URL sharedFolder(const URL& own) {
     keldo_app::runUntilClosed();
 }
 
-class Closing : public WindowSupport::WindowFixture {};
+class Closing : public WindowSupport::OffloadFixture {};
 
 TEST_F(Closing, DuringATranscode_LetsTheChildCloseItsClipAndLeavesNoLog) {
     const URL folder = sharedFolder(folder_.path());

@@ -1,25 +1,25 @@
-#include "../Offload/WindowFixture.h"
+#include "../Offload/OffloadFixture.h"
 #include "keldo-app/Shell/Window.h"
 
 #include <QTest>
 
 #include <gtest/gtest.h>
 
-using WindowSupport::WindowFixture;
+using WindowSupport::OffloadFixture;
 
 namespace {
-class ContentViewTests : public WindowFixture {};
+class ContentViewTests : public OffloadFixture {};
 
 /// Starts a long run, closes the window in the middle of it, and ends as the application does.
 [[noreturn]] void closeDuringARun(const ReelCore::URL& card, const ReelCore::URL& drive) {
     WindowSupport::FakeDesktop desktop;
     desktop.answers = {card, drive};
-    WindowSupport::WindowDriver driver(desktop);
-    driver.press("offload.choose");
-    driver.waitForStage(keldo_app::OffloadViewModel::Stage::setup);
+    WindowSupport::WindowDriver driver(WindowSupport::application(desktop));
+    driver.press("offload.source.choose");
+    WindowSupport::waitForStage(driver, keldo_app::OffloadViewModel::Stage::setup);
     driver.press("offload.add");
     driver.press("offload.start");
-    driver.waitFor("the first progress", [&] { return driver.offload()->progress().has_value(); });
+    driver.waitFor("the first progress", [&] { return WindowSupport::offloadOf(driver)->progress().has_value(); });
     QMetaObject::invokeMethod(
         &driver.window(), [&] { driver.window().close(); }, Qt::QueuedConnection);
     keldo_app::runUntilClosed();
@@ -30,7 +30,7 @@ TEST_F(ContentViewTests, Opens_OnTheOffloadModeWithItsTitleAndSmallestSize) {
     openWindow();
     EXPECT_EQ(driver_->window().title(), "keldobay");
     EXPECT_EQ(driver_->window().minimumSize(), QSize(940, 680));
-    EXPECT_TRUE(driver_->isShown("offload.choose"));
+    EXPECT_TRUE(driver_->isShown("offload.source.choose"));
     keepPictures("start");
 }
 
@@ -39,11 +39,11 @@ TEST_F(ContentViewTests, EachOtherMode_SaysThatItIsNotInThisVersion) {
     for (const QString mode : {"Plan", "Transcode", "Transcript", "Sync", "Recover"}) {
         driver_->press("mode." + mode);
         EXPECT_EQ(driver_->text("later"), mode + " is not in this version yet.");
-        EXPECT_FALSE(driver_->isShown("offload.choose"));
+        EXPECT_FALSE(driver_->isShown("offload.source.choose"));
     }
     keepPictures("later");
     driver_->press("mode.Offload");
-    EXPECT_TRUE(driver_->isShown("offload.choose"));
+    EXPECT_TRUE(driver_->isShown("offload.source.choose"));
 }
 
 TEST_F(ContentViewTests, SwitchDuringARun_LeavesItGoingAndComesBackToAFreshScreen) {
@@ -51,10 +51,10 @@ TEST_F(ContentViewTests, SwitchDuringARun_LeavesItGoingAndComesBackToAFreshScree
     setUpOffload();
     driver_->press("offload.start");
     driver_->press("mode.Plan");
-    EXPECT_EQ(driver_->offload(), nullptr);
+    EXPECT_EQ(offload(), nullptr);
     driver_->press("mode.Offload");
-    EXPECT_EQ(driver_->offload()->stage(), Stage::setup);
-    EXPECT_FALSE(driver_->offload()->source());
+    EXPECT_EQ(offload()->stage(), Stage::setup);
+    EXPECT_FALSE(offload()->source());
     driver_->waitFor(
         "the unseen run to end",
         [&] { return std::filesystem::exists(drive("RAID_MASTER") / "A001" / "A001.mhl"); },

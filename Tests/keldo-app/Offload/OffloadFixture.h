@@ -1,9 +1,9 @@
 #pragma once
 
+#include "OffloadDriver.h"
 #include "Support/FaultyFileSystem.h"
 #include "Support/FolderTree.h"
-#include "Window/FakeDesktop.h"
-#include "Window/WindowDriver.h"
+#include "Window/WindowFixture.h"
 
 #include <memory>
 #include <vector>
@@ -12,19 +12,22 @@
 
 namespace WindowSupport {
 
-/// The real window over a small card and two drives. Every test ends by looking for complaints of
-/// the toolkit.
-class WindowFixture : public testing::Test {
+/// The application's window over a small card and drives.
+class OffloadFixture : public WindowFixture {
 protected:
     using Stage = keldo_app::OffloadViewModel::Stage;
 
-    WindowFixture();
+    OffloadFixture();
     void TearDown() override;
 
     ReelCore::URL card() const { return folder_.path() / "A001_C003"; }
     ReelCore::URL drive(const std::string& name) const { return folder_.path() / name; }
 
-    void openWindow();
+    keldo_app::OffloadViewModel* offload() const { return offloadOf(*driver_); }
+    void waitForStage(Stage stage, int milliseconds = 120'000) const {
+        WindowSupport::waitForStage(*driver_, stage, milliseconds);
+    }
+
     void chooseCard(const ReelCore::URL& source);
     void addDrive(const ReelCore::URL& drive);
 
@@ -38,13 +41,7 @@ protected:
     /// Mounts a faulty drive, unmounted when the test ends.
     ReelCore::URL faultyDrive(const TestSupport::FaultyFileSystem::Faults& faults);
 
-    /// Pictures of what the window shows, light and dark, at the smallest and at a large size.
-    void keepPictures(const std::string& state);
-
-    TestSupport::TemporaryFolder folder_;
     std::unique_ptr<TestSupport::FaultyFileSystem> faulty_;
-    FakeDesktop desktop_;
-    std::unique_ptr<WindowDriver> driver_;
 };
 
 }  // namespace WindowSupport

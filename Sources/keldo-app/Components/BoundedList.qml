@@ -1,0 +1,43 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Layouts
+
+// A list as high as its rows, up to `bound`; then it scrolls by itself. Rows are made only as they
+// come into view.
+ListView {
+    id: list
+
+    required property string name
+    property int bound: Theme.listHeight
+
+    implicitWidth: Theme.choiceWidth
+    implicitHeight: Math.min(contentHeight, bound)
+    Layout.fillWidth: true
+    visible: count > 0
+    clip: true
+    interactive: false
+    keyNavigationEnabled: false
+    spacing: Theme.tiny
+    readonly property real rowWidth: width - (contentHeight > height ? Theme.regular : 0)
+    activeFocusOnTab: contentHeight > height
+    ScrollBar.vertical: ScrollMark {}
+    Accessible.role: Accessible.List
+    Accessible.name: name
+    Keys.onPressed: event => {
+        if (event.key === Qt.Key_Up || event.key === Qt.Key_Down)
+            event.accepted = scrolling.by(event.key === Qt.Key_Up ? -Theme.rowStep : Theme.rowStep);
+        else
+            event.accepted = event.key !== Qt.Key_Space && scrolling.key(event);
+    }
+
+    Scrolling {
+        id: scrolling
+        view: list
+    }
+    FocusRing {
+        parent: list
+        visible: list.activeFocus
+        radius: Theme.smallRadius
+        anchors.margins: 0
+    }
+}
