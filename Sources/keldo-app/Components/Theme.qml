@@ -1,5 +1,6 @@
 pragma Singleton
 import QtQuick
+import Keldo.Components
 
 // Every colour, size and font of the application, in three layers: the palette, what a colour
 // means, and sizes. Light or dark as the system's own palette is.
@@ -96,8 +97,8 @@ QtObject {
     readonly property int ringGap: 3
     readonly property int hintDelay: 600
 
-    readonly property string textFamily: "Inter"
-    readonly property string codeFamily: "JetBrains Mono"
+    readonly property string textFamily: Fonts.textFamily
+    readonly property string codeFamily: Fonts.codeFamily
     readonly property font body: Qt.font({family: textFamily, pixelSize: 13})
     readonly property font emphasis: Qt.font({family: textFamily, pixelSize: 13, weight: Font.Medium})
     readonly property font strong: Qt.font({family: textFamily, pixelSize: 13, weight: Font.DemiBold})
