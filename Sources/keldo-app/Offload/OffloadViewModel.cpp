@@ -42,7 +42,8 @@ std::optional<CardFormatter::FormatPlan> OffloadViewModel::formatPlan() const {
 }
 
 void OffloadViewModel::chooseSource() {
-    const auto chosen = desktop->chooseFolder("Choose Camera Card / Source");
+    const auto chosen =
+        desktop->chooseFolder("Choose Camera Card / Source", FirstPlace::removableMedia);
     if (!chosen) return;
     source_ = *chosen;
     emit sourceChanged();
@@ -58,7 +59,7 @@ void OffloadViewModel::chooseSource() {
 }
 
 void OffloadViewModel::addDestination() {
-    const auto chosen = desktop->chooseFolder("Add Backup Drive");
+    const auto chosen = desktop->chooseFolder("Add Backup Drive", FirstPlace::removableMedia);
     if (!chosen || std::ranges::find(destinations_, *chosen) != destinations_.end()) return;
     destinations_.push_back(*chosen);
     emit destinationsChanged();
