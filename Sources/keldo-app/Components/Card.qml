@@ -28,6 +28,7 @@ Rectangle {
 
         SymbolLabel {
             objectName: card.objectName + ".head"
+            visible: card.title !== ""
             text: card.title
             symbol: card.systemImage
             color: card.tint

@@ -2,7 +2,8 @@ import QtQuick
 import QtQuick.Layouts
 
 // A number to be typed, with its unit beside it. Points are decimal points in every language. What
-// is no number or lies out of range is shown as wrong, told to nobody, and goes with the focus.
+// is no number or lies out of range is shown as wrong, told to nobody, and goes with the focus. A
+// value that is no number shows as none.
 RowLayout {
     id: field
 
@@ -17,13 +18,13 @@ RowLayout {
     signal edited(real value)
 
     function shown(number) {
-        return Number(number).toFixed(decimals);
+        return isNaN(number) ? "" : Number(number).toFixed(decimals);
     }
     function isInRange(text) {
         return /^-?\d+(\.\d+)?$/.test(text) && Number(text) >= from && Number(text) <= to;
     }
     function stepBy(steps) {
-        const next = Math.min(to, Math.max(from, value + steps * step));
+        const next = isNaN(value) ? from : Math.min(to, Math.max(from, value + steps * step));
         if (next === value)
             return;
         edited(Number(shown(next)));

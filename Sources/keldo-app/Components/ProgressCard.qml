@@ -9,6 +9,8 @@ Card {
     required property string phase
     required property real fraction
     property string current: ""
+    property string cancelText: "Cancel"
+    property string cancelNote: ""
     default property alias badges: facts.content
 
     signal cancelled
@@ -46,9 +48,15 @@ Card {
         ActionButton {
             objectName: card.objectName + ".cancel"
             role: ActionButton.Role.Destructive
-            text: "Cancel"
+            text: card.cancelText
             symbol: "stop.fill"
             onClicked: card.cancelled()
         }
+    }
+    Note {
+        objectName: card.objectName + ".cancelNote"
+        visible: text !== ""
+        horizontalAlignment: Text.AlignRight
+        text: card.cancelNote
     }
 }

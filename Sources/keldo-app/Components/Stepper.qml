@@ -24,7 +24,7 @@ RowLayout {
         text: "Less: " + stepper.name
         focusPolicy: Qt.NoFocus
         autoRepeat: true
-        enabled: stepper.value > stepper.from
+        enabled: !(stepper.value <= stepper.from)
         onClicked: number.stepBy(-1)
     }
     NumberField {
@@ -46,7 +46,7 @@ RowLayout {
         text: "More: " + stepper.name
         focusPolicy: Qt.NoFocus
         autoRepeat: true
-        enabled: stepper.value < stepper.to
+        enabled: !(stepper.value >= stepper.to)
         onClicked: number.stepBy(1)
     }
     Item {

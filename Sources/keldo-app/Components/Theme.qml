@@ -1,5 +1,6 @@
 pragma Singleton
 import QtQuick
+import Keldo.Components
 
 // Every colour, size and font of the application, in three layers: the palette, what a colour
 // means, and sizes. Light or dark as the system's own palette is.
@@ -86,11 +87,13 @@ QtObject {
     readonly property int iconSize: 16
     readonly property int fileRowHeight: 36
     readonly property int listHeight: 240
+    readonly property int longListHeight: 420
     readonly property int choicesHeight: 320
     readonly property int scrollStep: 60
     readonly property int rowStep: 24
     readonly property int contentWidth: 1100
     readonly property int labelWidth: 116
+    readonly property int planLabelWidth: 240
     readonly property int sheetWidth: 520
     readonly property int modeWidth: 560
     readonly property int choiceWidth: 320
@@ -101,8 +104,8 @@ QtObject {
     readonly property int ringGap: 3
     readonly property int hintDelay: 600
 
-    readonly property string textFamily: "Inter"
-    readonly property string codeFamily: "JetBrains Mono"
+    readonly property string textFamily: Fonts.textFamily
+    readonly property string codeFamily: Fonts.codeFamily
     readonly property font body: Qt.font({family: textFamily, pixelSize: 13})
     readonly property font emphasis: Qt.font({family: textFamily, pixelSize: 13, weight: Font.Medium})
     readonly property font strong: Qt.font({family: textFamily, pixelSize: 13, weight: Font.DemiBold})

@@ -63,7 +63,8 @@ std::optional<CardFormatter::FormatPlan> OffloadViewModel::formatPlan() const {
 }
 
 void OffloadViewModel::chooseSource() {
-    const auto chosen = desktop->chooseFolder("Choose Camera Card / Source");
+    const auto chosen =
+        desktop->chooseFolder("Choose Camera Card / Source", FirstPlace::removableMedia);
     if (!chosen) return;
     source_ = *chosen;
     reelName_ = Format::defaultReel(*chosen);
@@ -85,7 +86,7 @@ void OffloadViewModel::scanSource() {
 }
 
 void OffloadViewModel::addDestination() {
-    const auto chosen = desktop->chooseFolder("Add Backup Drive");
+    const auto chosen = desktop->chooseFolder("Add Backup Drive", FirstPlace::removableMedia);
     if (!chosen || std::ranges::find(destinations_, *chosen) != destinations_.end()) return;
     destinations_.push_back(*chosen);
     destinationRows_.append({Format::name(*chosen), Format::path(*chosen)});

@@ -10,6 +10,7 @@
 int main(int argc, char* argv[]) {
     ReelCore::cleanUpOnSignals();
     QApplication application(argc, argv);
+    QApplication::setOrganizationName("keldobay");
     QApplication::setApplicationName("keldobay");
     QApplication::setDesktopFileName("keldobay");
 

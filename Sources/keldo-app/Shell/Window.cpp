@@ -3,7 +3,6 @@
 #include "ReelCore/Platform/ProcessCleanup.h"
 #include "keldo-app/Components/SymbolProvider.h"
 
-#include <QFont>
 #include <QGuiApplication>
 #include <cstdlib>
 
@@ -16,7 +15,6 @@ Q_IMPORT_QML_PLUGIN(Keldo_SupportPlugin)
 namespace keldo_app {
 
 void prepareEngine(QQmlApplicationEngine& engine) {
-    QFont::insertSubstitution("JetBrains Mono", "monospace");
     engine.addImportPath("qrc:/qt/qml");
     engine.addImageProvider("symbol", new SymbolProvider);
 }

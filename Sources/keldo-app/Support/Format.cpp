@@ -3,6 +3,7 @@
 #include "ReelCore/Platform/DateText.h"
 
 #include <array>
+#include <cmath>
 
 #include <fmt/format.h>
 
@@ -30,6 +31,14 @@ QString Format::bytes(std::int64_t bytes) {
         ++unit;
     }
     return text(fmt::format("{:.{}f} {}", value, unit == 0 ? 0 : 1, units[unit]));
+}
+
+QString Format::count(std::int64_t number, const QString& noun) {
+    return QString::number(number) + " " + noun + (number == 1 ? "" : "s");
+}
+
+QString Format::percent(double fraction) {
+    return text(fmt::format("{:.0f}%", std::trunc(fraction * 100) + 0.0));
 }
 
 QString Format::defaultReel(const ReelCore::URL& source) {

@@ -13,6 +13,12 @@ struct Format {
     /// stays in bytes.
     static QString bytes(std::int64_t bytes);
 
+    /// A number and what is counted, with an "s" unless it is one: "1 clip", "2 clips".
+    static QString count(std::int64_t number, const QString& noun);
+
+    /// A fraction in whole percent, cut: "47%" from 0.479.
+    static QString percent(double fraction);
+
     /// The name that a card's reel gets unless the user types another: the folder's name, "_" and
     /// today's date in the local time zone as "yyyy-MM-dd".
     static QString defaultReel(const ReelCore::URL& source);

@@ -4,6 +4,7 @@
 #include "ReelCore/Platform/MountTable.h"
 #include "ReelCore/Platform/UserAccount.h"
 #include "keldo-app/Support/Format.h"
+#include "keldo-app/Support/MailComposer.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -43,41 +44,92 @@ QList<QUrl> placesToShow() {
     return places;
 }
 
-void openFolderOf(const QUrl& file) {
-    QDesktopServices::openUrl(file.adjusted(QUrl::RemoveFilename));
+/// By its bytes, whatever they are.
+QUrl urlOf(const ReelCore::URL& file) {
+    const QByteArray path = QByteArray::fromStdString(file.native());
+    return QUrl::fromEncoded("file://" + path.toPercentEncoding("/!$&'()*+,;=:@"));
+}
+
+void openFoldersOf(const QList<QUrl>& files) {
+    QList<QUrl> folders;
+    for (const QUrl& file : files) {
+        const QUrl folder = file.adjusted(QUrl::RemoveFilename);
+        if (!folders.contains(folder)) folders.append(folder);
+    }
+    for (const QUrl& folder : folders) QDesktopServices::openUrl(folder);
+}
+
+std::optional<ReelCore::URL> firstOf(const std::vector<ReelCore::URL>& chosen) {
+    if (chosen.empty()) return std::nullopt;
+    return chosen.front();
 }
 
 }  // namespace
 
-std::optional<ReelCore::URL> SystemDesktop::chooseFolder(const QString& message) {
+std::optional<ReelCore::URL> SystemDesktop::chooseFolder(const QString& message, FirstPlace first) {
     QFileDialog panel(nullptr, message);
     panel.setFileMode(QFileDialog::Directory);
     panel.setOption(QFileDialog::ShowDirsOnly);
     panel.setLabelText(QFileDialog::Accept, "Select");
-    panel.setSidebarUrls(placesToShow());
-    panel.setDirectory(lastFolder_.isEmpty() ? folderOfMounts() : lastFolder_);
-    panel.winId();
-    panel.windowHandle()->setTransientParent(QGuiApplication::focusWindow());
-    if (panel.exec() != QDialog::Accepted || panel.selectedFiles().isEmpty()) return std::nullopt;
-    lastFolder_ = QFileInfo(panel.selectedFiles().constFirst()).absolutePath();
-    const QByteArray path = QFile::encodeName(panel.selectedFiles().constFirst());
-    return ReelCore::FileSystem::standardised(path.toStdString());
+    return firstOf(run(panel, first));
 }
 
-void SystemDesktop::reveal(const ReelCore::URL& file) {
-    const QUrl url = QUrl::fromLocalFile(QFile::decodeName(file.c_str()));
+std::optional<ReelCore::URL> SystemDesktop::chooseFile(const QString& message, FirstPlace first) {
+    QFileDialog panel(nullptr, message);
+    panel.setFileMode(QFileDialog::ExistingFile);
+    return firstOf(run(panel, first));
+}
+
+std::vector<ReelCore::URL> SystemDesktop::chooseFiles(const QString& message, FirstPlace first) {
+    QFileDialog panel(nullptr, message);
+    panel.setFileMode(QFileDialog::ExistingFiles);
+    return run(panel, first);
+}
+
+std::vector<ReelCore::URL> SystemDesktop::run(QFileDialog& panel, FirstPlace first) {
+    QString& place = lastPlaces_[panel.windowTitle()];
+    if (place.isEmpty() || !QDir(place).exists()) {
+        place = first == FirstPlace::home ? QDir::homePath() : folderOfMounts();
+    }
+    panel.setSidebarUrls(placesToShow());
+    panel.setDirectory(place);
+    panel.winId();
+    panel.windowHandle()->setTransientParent(QGuiApplication::focusWindow());
+    const bool isAccepted = panel.exec() == QDialog::Accepted;
+    place = panel.directory().absolutePath();
+    std::vector<ReelCore::URL> chosen;
+    if (!isAccepted) return chosen;
+    for (const QString& path : panel.selectedFiles()) {
+        place = QFileInfo(path).absolutePath();
+        chosen.push_back(ReelCore::FileSystem::standardised(QFile::encodeName(path).toStdString()));
+    }
+    return chosen;
+}
+
+void SystemDesktop::reveal(const std::vector<ReelCore::URL>& files) {
+    QList<QUrl> urls;
+    for (const ReelCore::URL& file : files) urls.append(urlOf(file));
     const QDBusConnection session = QDBusConnection::sessionBus();
-    if (!session.isConnected()) return openFolderOf(url);
+    if (!session.isConnected()) return openFoldersOf(urls);
     QDBusMessage show = QDBusMessage::createMethodCall("org.freedesktop.FileManager1",
                                                        "/org/freedesktop/FileManager1",
                                                        "org.freedesktop.FileManager1", "ShowItems");
-    show << QStringList{url.toString(QUrl::FullyEncoded)} << QString();
+    show << QUrl::toStringList(urls, QUrl::FullyEncoded) << QString();
     // Starting a file manager can take long, so the answer is not waited for.
     auto* answer = new QDBusPendingCallWatcher(session.asyncCall(show), this);
-    connect(answer, &QDBusPendingCallWatcher::finished, this, [answer, url] {
-        if (answer->isError()) openFolderOf(url);
+    connect(answer, &QDBusPendingCallWatcher::finished, this, [answer, urls] {
+        if (answer->isError()) openFoldersOf(urls);
         answer->deleteLater();
     });
+}
+
+void SystemDesktop::open(const ReelCore::URL& file) {
+    QDesktopServices::openUrl(urlOf(file));
+}
+
+void SystemDesktop::composeMail(const QString& subject, const ReelCore::URL& attachment,
+                                QObject* asker, MailTold told) {
+    MailComposer::compose(subject, attachment, asker, std::move(told));
 }
 
 }  // namespace keldo_app

@@ -24,6 +24,20 @@ TEST(Format, Bytes_NegativeValuesStayInBytes) {
     EXPECT_EQ(Format::bytes(-5'000'000), "-5000000 B");
 }
 
+TEST(Format, Count_HasAnSUnlessItIsOne) {
+    EXPECT_EQ(Format::count(0, "clip"), "0 clips");
+    EXPECT_EQ(Format::count(1, "Synced Clip"), "1 Synced Clip");
+    EXPECT_EQ(Format::count(2, "more take"), "2 more takes");
+}
+
+TEST(Format, Percent_IsCutToWhole) {
+    EXPECT_EQ(Format::percent(0), "0%");
+    EXPECT_EQ(Format::percent(-0.001), "0%");
+    EXPECT_EQ(Format::percent(0.479), "47%");
+    EXPECT_EQ(Format::percent(0.9999), "99%");
+    EXPECT_EQ(Format::percent(1), "100%");
+}
+
 TEST(Format, DefaultReel_IsTheFoldersNameAndToday) {
     const QString today = QDate::currentDate().toString("yyyy-MM-dd");
     EXPECT_EQ(Format::defaultReel("/media/dit/A001_C003"), "A001_C003_" + today);
