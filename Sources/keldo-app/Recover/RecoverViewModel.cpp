@@ -83,8 +83,8 @@ InUse::Use RecoverViewModel::cardRead() const {
 }
 
 InUse::Use RecoverViewModel::carvedFiles() const {
-    // One name stands for all: a carve numbers its files from 1 and replaces those of one before.
-    return {*outputDir_ / "carved_1", InUse::Purpose::writing};
+    // One name stands for all: a carve numbers its files from 001 and replaces those of one before.
+    return {*outputDir_ / "carved_001", InUse::Purpose::writing};
 }
 
 void RecoverViewModel::chooseCard() {

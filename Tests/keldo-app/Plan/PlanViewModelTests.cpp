@@ -17,6 +17,14 @@ protected:
     PlanViewModelTests() { model_.desktop = &desktop_; }
 
     QMap<QString, QVariant>& stored() { return desktop_.stored.values; }
+    /// What is said of a mail that is written now.
+    QString statusOfEmail() {
+        const QString before = model_.reportStatus();
+        model_.emailReport();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return model_.reportStatus() != before; }, 10'000));
+        return model_.reportStatus();
+    }
+
     PlanFacts facts() const { return model_.property("facts").value<PlanFacts>(); }
 
     /// Stores what means nothing, and whether nothing is shown then and all is well after `mend`.
@@ -248,7 +256,7 @@ TEST_F(PlanViewModelTests, Save_WhereNothingCanBeWritten_SaysWhy) {
 TEST_F(PlanViewModelTests, Email_HandsThePDFToTheMailProgramAndLeavesItThere) {
     const URL temporary = folder_.path();
     const TestSupport::EnvironmentVariable variable("TMPDIR", temporary.native());
-    model_.emailReport();
+    EXPECT_EQ(statusOfEmail(), "Opened in Mail — add recipients and send.");
     model_.setProduction("Night Shift");
     model_.emailReport();
     ASSERT_EQ(desktop_.mails.size(), 2U);
@@ -261,16 +269,13 @@ TEST_F(PlanViewModelTests, Email_HandsThePDFToTheMailProgramAndLeavesItThere) {
     EXPECT_TRUE(folder.starts_with("keldobay-plan-"));
     EXPECT_EQ(folder.size(), std::string("keldobay-plan-").size() + 36);
     EXPECT_EQ(TestSupport::readTree(pdf.parent_path()).size(), 1U);
-    EXPECT_EQ(model_.reportStatus(), "Opened in Mail — add recipients and send.");
 }
 
 TEST_F(PlanViewModelTests, Email_SaysWhyThereIsNone) {
     desktop_.mailOutcome = MailOutcome::noService;
-    model_.emailReport();
-    EXPECT_EQ(model_.reportStatus(), "No email account configured in Mail.");
+    EXPECT_EQ(statusOfEmail(), "No email account configured in Mail.");
     desktop_.mailOutcome = MailOutcome::cannotAttach;
-    model_.emailReport();
-    EXPECT_EQ(model_.reportStatus(),
+    EXPECT_EQ(statusOfEmail(),
               "Mail can't take the attachment — use Save and attach manually.");
     TestSupport::writeFile(folder_.path() / "file", "");
     const TestSupport::EnvironmentVariable variable("TMPDIR",

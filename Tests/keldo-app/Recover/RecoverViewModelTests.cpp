@@ -11,6 +11,7 @@ using keldo_app::RecoverViewModel;
 using ReelCore::ClipDiagnosis;
 using ReelCore::MixedCard;
 using ReelCore::URL;
+using TestSupport::makeClip;
 using TestSupport::readFile;
 using CarveStage = RecoverViewModel::CarveStage;
 
@@ -172,7 +173,7 @@ TEST_F(RecoverViewModelTests, Repair_GoesThroughTheDamagedClipsInOrder) {
 
 TEST_F(RecoverViewModelTests, RepairTwice_KeepsBothResults) {
     madeFolder("card");
-    TestSupport::makeClip(place("card/GOOD.MOV"), {.seconds = 0.2});
+    makeClip(place("card/GOOD.MOV"), {.seconds = 0.2});
     const std::string whole = readFile(place("card/GOOD.MOV"));
     TestSupport::writeFile(place("card/LOST.MOV"), whole.substr(0, whole.rfind("moov") - 4));
     scan(place("card"));
@@ -239,8 +240,8 @@ TEST_F(RecoverViewModelTests, Image_IsScannedAndCarvedBackToTheSameBytes) {
     EXPECT_EQ(model_.carveStage(), CarveStage::extracting);
     ASSERT_TRUE(waitForCarveStage(CarveStage::done));
     EXPECT_EQ(count("carveOutcomes"), 2);
-    EXPECT_EQ(readFile(place("out/carved_1.mov")), readFile(place("one.mov")));
-    EXPECT_EQ(readFile(place("out/carved_2.mov")), readFile(place("two.mov")));
+    EXPECT_EQ(readFile(place("out/carved_001.mov")), readFile(place("one.mov")));
+    EXPECT_EQ(readFile(place("out/carved_002.mov")), readFile(place("two.mov")));
     EXPECT_FALSE(model_.canCarve());
     model_.scanImage();
     EXPECT_EQ(model_.carveProgress(), 0);
@@ -265,7 +266,7 @@ TEST_F(RecoverViewModelTests, AnotherImage_ClearsWhatWasFound) {
 TEST_F(RecoverViewModelTests, CarveThatNobodySees_KeepsItsFilesToItself) {
     chooseOutput();
     scanImage(image());
-    auto unseen = InUse::shared().take({{place("out/carved_1"), InUse::Purpose::writing}});
+    auto unseen = InUse::shared().take({{place("out/carved_001"), InUse::Purpose::writing}});
     EXPECT_FALSE(model_.canCarve());
     EXPECT_NE(model_.carveObjection(), "");
     model_.extractAll();

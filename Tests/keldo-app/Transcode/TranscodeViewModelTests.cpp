@@ -111,7 +111,8 @@ TEST_F(TranscodeViewModelTests, Preview_IsWhatRunsButForTheOutput) {
     EXPECT_EQ(preview.takeFirst(), "ffmpeg");
     runToEnd();
     QStringList ran;
-    for (const auto& word : ffmpeg.calls().at(0)) ran.append(QString::fromStdString(word));
+    const auto calls = ffmpeg.calls();
+    for (const auto& word : calls.at(0)) ran.append(QString::fromStdString(word));
     EXPECT_EQ(preview.takeLast(), QString::fromStdString(place("out/a.mov").native()));
     EXPECT_EQ(ran.takeLast(), QString::fromStdString(place("out/a 2.mov").native()));
     EXPECT_EQ(preview, ran.join(' ').split(' '));
