@@ -109,7 +109,7 @@ Popup {
                 horizontalPadding: Theme.small
                 text: line.modelData
                 focusPolicy: Qt.NoFocus
-                Accessible.role: Accessible.MenuItem
+                spokenRole: Accessible.MenuItem
                 Accessible.checkable: list.currentIndex >= 0
                 Accessible.checked: line.index === list.currentIndex
                 onHoveredChanged: if (hovered)

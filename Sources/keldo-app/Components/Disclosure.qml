@@ -20,7 +20,7 @@ ColumnLayout {
         Layout.fillWidth: true
         Accessible.checkable: true
         Accessible.checked: disclosure.isOpen
-        Accessible.description: disclosure.isOpen ? "open" : "closed"
+        details: disclosure.isOpen ? "open" : "closed"
         onClicked: disclosure.isOpen = !disclosure.isOpen
 
         contentItem: SymbolLabel {

@@ -24,9 +24,9 @@ PressButton {
     implicitHeight: Theme.fieldHeight
     horizontalPadding: Theme.regular
     verticalPadding: 0
-    Accessible.role: Accessible.ComboBox
+    spokenRole: Accessible.ComboBox
     Accessible.name: name
-    Accessible.description: text
+    details: text
     Keys.onUpPressed: choose(currentIndex - 1)
     Keys.onDownPressed: choose(currentIndex + 1)
     onClicked: choices.open()

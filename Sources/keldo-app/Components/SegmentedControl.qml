@@ -48,7 +48,7 @@ Rectangle {
                 height: row.height
                 padding: Theme.tiny
                 focusPolicy: Qt.NoFocus
-                Accessible.role: Accessible.RadioButton
+                spokenRole: Accessible.RadioButton
                 Accessible.checkable: true
                 Accessible.checked: isCurrent
                 onClicked: control.chosen(index)

@@ -100,6 +100,7 @@ QtObject {
     readonly property int ringWidth: 2
     readonly property int ringGap: 3
     readonly property int hintDelay: 600
+    readonly property int repeatInterval: 80
 
     readonly property string textFamily: "Inter"
     readonly property string codeFamily: "JetBrains Mono"
