@@ -108,7 +108,7 @@ Popup {
                 height: Theme.buttonHeight
                 horizontalPadding: Theme.small
                 text: line.modelData
-                focusPolicy: Qt.NoFocus
+                takesFocus: false
                 spokenRole: Accessible.MenuItem
                 Accessible.checkable: list.currentIndex >= 0
                 Accessible.checked: line.index === list.currentIndex

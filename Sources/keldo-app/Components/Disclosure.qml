@@ -15,7 +15,6 @@ ColumnLayout {
         id: button
         objectName: disclosure.objectName + ".button"
         text: disclosure.title
-        padding: 0
         implicitHeight: Theme.buttonHeight
         Layout.fillWidth: true
         Accessible.checkable: true

@@ -23,7 +23,6 @@ PressButton {
     implicitWidth: Math.max(Theme.typedWidth, choices.textWidth() + 2 * Theme.regular + Theme.huge)
     implicitHeight: Theme.fieldHeight
     horizontalPadding: Theme.regular
-    verticalPadding: 0
     spokenRole: Accessible.ComboBox
     Accessible.name: name
     details: text

@@ -46,8 +46,8 @@ Rectangle {
                 text: modelData
                 width: row.width / control.labels.length
                 height: row.height
-                padding: Theme.tiny
-                focusPolicy: Qt.NoFocus
+                horizontalPadding: Theme.tiny
+                takesFocus: false
                 spokenRole: Accessible.RadioButton
                 Accessible.checkable: true
                 Accessible.checked: isCurrent

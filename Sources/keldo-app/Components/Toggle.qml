@@ -10,7 +10,6 @@ PressButton {
     signal switched(bool on)
 
     takesReturn: false
-    padding: 0
     Layout.fillWidth: true
     spokenRole: Accessible.CheckBox
     Accessible.checkable: true
