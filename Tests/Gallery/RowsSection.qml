@@ -75,13 +75,13 @@ Page {
         objectName: "lists"
         title: "Lists"
         BoundedList {
-            id: short
+            id: few
             objectName: "list.short"
             name: "Short"
             model: ["one", "two"]
             delegate: StatusRow {
                 required property string modelData
-                width: short.rowWidth
+                width: few.rowWidth
                 title: modelData
             }
         }

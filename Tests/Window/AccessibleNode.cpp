@@ -42,7 +42,6 @@ AccessibleNode AccessibleNode::of(QQuickItem& item) {
             node.text(QAccessible::Name).toStdString(),
             node.text(QAccessible::Description).toStdString(),
             valueOf(node),
-            !state.disabled,
             state.focusable != 0,
             state.focused != 0,
             state.checked != 0};

@@ -12,7 +12,6 @@ struct AccessibleNode {
     std::string name;
     std::string description;
     std::string value;  ///< Of what has one: progress as a number, a field's text; else empty.
-    bool isEnabled = false;
     bool isFocusable = false;
     bool isFocused = false;
     bool isChecked = false;

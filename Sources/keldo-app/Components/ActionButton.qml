@@ -22,7 +22,6 @@ PressButton {
 
     implicitHeight: isFilled ? Theme.prominentHeight : Theme.buttonHeight
     horizontalPadding: isFilled ? Theme.large : Theme.regular
-    verticalPadding: 0
 
     contentItem: SymbolLabel {
         text: button.text

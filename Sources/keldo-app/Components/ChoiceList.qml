@@ -108,8 +108,8 @@ Popup {
                 height: Theme.buttonHeight
                 horizontalPadding: Theme.small
                 text: line.modelData
-                focusPolicy: Qt.NoFocus
-                Accessible.role: Accessible.MenuItem
+                takesFocus: false
+                spokenRole: Accessible.MenuItem
                 Accessible.checkable: list.currentIndex >= 0
                 Accessible.checked: line.index === list.currentIndex
                 onHoveredChanged: if (hovered)

@@ -15,12 +15,11 @@ ColumnLayout {
         id: button
         objectName: disclosure.objectName + ".button"
         text: disclosure.title
-        padding: 0
         implicitHeight: Theme.buttonHeight
         Layout.fillWidth: true
         Accessible.checkable: true
         Accessible.checked: disclosure.isOpen
-        Accessible.description: disclosure.isOpen ? "open" : "closed"
+        details: disclosure.isOpen ? "open" : "closed"
         onClicked: disclosure.isOpen = !disclosure.isOpen
 
         contentItem: SymbolLabel {

@@ -9,7 +9,6 @@ PressButton {
 
     implicitWidth: Theme.buttonHeight
     implicitHeight: Theme.buttonHeight
-    padding: 0
 
     Hint {
         shown: button.hovered

@@ -10,7 +10,7 @@ ActionButton {
     signal chosen(int index)
 
     trailingSymbol: "chevron.down"
-    Accessible.role: Accessible.ButtonMenu
+    spokenRole: Accessible.ButtonMenu
     onClicked: choices.open()
 
     ChoiceList {

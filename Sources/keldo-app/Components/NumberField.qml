@@ -38,6 +38,7 @@ RowLayout {
 
     InputField {
         id: input
+
         objectName: field.objectName + ".input"
         name: field.name
         text: field.shown(field.value)
@@ -49,7 +50,6 @@ RowLayout {
         }
         implicitWidth: Theme.numberWidth
         Layout.fillWidth: false
-        Accessible.role: field.step > 0 ? Accessible.SpinBox : Accessible.EditableText
         Accessible.description: field.unit
         Accessible.onIncreaseAction: field.stepBy(1)
         Accessible.onDecreaseAction: field.stepBy(-1)
@@ -59,7 +59,7 @@ RowLayout {
         onTextEdited: {
             // Without its binding, which would set it anew under the cursor.
             text = text;
-            if (isValid && Number(text) !== field.value)
+            if (field.isInRange(text) && Number(text) !== field.value)
                 field.edited(Number(text));
         }
         onEditingFinished: field.settle()

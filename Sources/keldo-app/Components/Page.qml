@@ -12,6 +12,14 @@ FocusScope {
     property string title: ""
     property string systemImage: ""
 
+    // Shows the page from its top and gives the focus to what has come, for assistive tools to read
+    // out and Tab to go on from; not while the focus is outside the page.
+    function attend(item) {
+        flickable.contentY = 0;
+        if (activeFocus)
+            item.forceActiveFocus();
+    }
+
     implicitWidth: outer.implicitWidth + 2 * Theme.huge
     implicitHeight: flickable.contentHeight
     Layout.fillWidth: true

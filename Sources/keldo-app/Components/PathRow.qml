@@ -34,7 +34,7 @@ RowLayout {
     ActionButton {
         objectName: row.objectName + ".choose"
         text: row.buttonText
-        Accessible.description: row.buttonDescription
+        details: row.buttonDescription
         onClicked: row.chosen()
     }
 }

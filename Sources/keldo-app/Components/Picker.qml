@@ -23,10 +23,9 @@ PressButton {
     implicitWidth: Math.max(Theme.typedWidth, choices.textWidth() + 2 * Theme.regular + Theme.huge)
     implicitHeight: Theme.fieldHeight
     horizontalPadding: Theme.regular
-    verticalPadding: 0
-    Accessible.role: Accessible.ComboBox
+    spokenRole: Accessible.ComboBox
     Accessible.name: name
-    Accessible.description: text
+    details: text
     Keys.onUpPressed: choose(currentIndex - 1)
     Keys.onDownPressed: choose(currentIndex + 1)
     onClicked: choices.open()

@@ -7,14 +7,13 @@ ProgressBar {
     id: bar
 
     required property string name
-    readonly property real minimumValue: from
-    readonly property real maximumValue: to
 
     implicitWidth: Theme.choiceWidth
     implicitHeight: Theme.small
     Layout.fillWidth: true
     Accessible.role: Accessible.ProgressBar
     Accessible.name: name
+    Accessible.description: Math.floor(value * 100) + "%"
 
     background: Rectangle {
         radius: height / 2

@@ -46,9 +46,9 @@ Rectangle {
                 text: modelData
                 width: row.width / control.labels.length
                 height: row.height
-                padding: Theme.tiny
-                focusPolicy: Qt.NoFocus
-                Accessible.role: Accessible.RadioButton
+                horizontalPadding: Theme.tiny
+                takesFocus: false
+                spokenRole: Accessible.RadioButton
                 Accessible.checkable: true
                 Accessible.checked: isCurrent
                 onClicked: control.chosen(index)

@@ -22,7 +22,7 @@ RowLayout {
         objectName: stepper.objectName + ".less"
         symbol: "minus"
         text: "Less: " + stepper.name
-        focusPolicy: Qt.NoFocus
+        takesFocus: false
         autoRepeat: true
         enabled: !(stepper.value <= stepper.from)
         onClicked: number.stepBy(-1)
@@ -44,7 +44,7 @@ RowLayout {
         objectName: stepper.objectName + ".more"
         symbol: "plus"
         text: "More: " + stepper.name
-        focusPolicy: Qt.NoFocus
+        takesFocus: false
         autoRepeat: true
         enabled: !(stepper.value >= stepper.to)
         onClicked: number.stepBy(1)

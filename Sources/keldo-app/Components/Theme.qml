@@ -103,6 +103,7 @@ QtObject {
     readonly property int ringWidth: 2
     readonly property int ringGap: 3
     readonly property int hintDelay: 600
+    readonly property int repeatInterval: 80
 
     readonly property string textFamily: Fonts.textFamily
     readonly property string codeFamily: Fonts.codeFamily

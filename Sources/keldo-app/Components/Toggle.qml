@@ -10,12 +10,10 @@ PressButton {
     signal switched(bool on)
 
     takesReturn: false
-    padding: 0
     Layout.fillWidth: true
-    Accessible.role: Accessible.CheckBox
+    spokenRole: Accessible.CheckBox
     Accessible.checkable: true
     Accessible.checked: on
-    Accessible.onToggleAction: toggle.press()
     onClicked: switched(!on)
 
     contentItem: RowLayout {

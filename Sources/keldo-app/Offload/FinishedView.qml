@@ -8,6 +8,8 @@ ColumnLayout {
 
     required property OffloadViewModel model
 
+    readonly property Item outcome: failure.visible ? failure : verdict
+
     signal formatRequested
 
     spacing: Theme.wide

@@ -37,6 +37,8 @@ Page {
         id: finished
         visible: offload.stage === OffloadViewModel.Stage.finished
         model: offload
+        onVisibleChanged: if (visible)
+            screen.attend(outcome)
         onFormatRequested: formatSheet.open()
     }
     FormatSheet {

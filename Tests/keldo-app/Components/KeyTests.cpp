@@ -113,9 +113,10 @@ TEST_F(KeyTests, Space_OnAControl_IsTheControls) {
 TEST_F(KeyTests, Page_FollowsTheFocusAndTheWheelButNoDrag) {
     openGallery("Controls");
     driver_->focus("disclosure.button");
-    EXPECT_GT(scrolled(), 100);
+    const double down = scrolled();
+    EXPECT_GT(down, 100);
     driver_->focus("plain");
-    EXPECT_LT(scrolled(), 100);
+    EXPECT_LT(scrolled(), down);
     driver_->key(Qt::Key_Home);
     driver_->wheel("last", 2);
     EXPECT_EQ(scrolled(), 120);

@@ -6,78 +6,84 @@ namespace {
 
 class KeyboardTests : public OffloadFixture {
 protected:
-    QString focused() const {
-        QQuickItem* item = driver_->window().activeFocusItem();
-        while (item && item->objectName().isEmpty()) item = item->parentItem();
-        return item ? item->objectName() : QString();
-    }
-
-    /// The names that Tab reaches from the start, once around.
-    QStringList tabRound() {
-        QStringList names;
-        for (int i = 0; i < 40; ++i) {
-            driver_->key(Qt::Key_Tab);
-            if (names.contains(focused())) break;
-            names += focused();
-            EXPECT_TRUE(focusedIsInView()) << focused().toStdString();
-        }
-        return names;
-    }
-
-    /// The names of one round, in alphabetical order.
-    QStringList sortedRound() {
-        QStringList names = tabRound();
-        names.sort();
-        return names;
-    }
-
     bool focusedIsInView() const {
         const QQuickItem* item = driver_->window().activeFocusItem();
-        const QQuickItem* scroll = driver_->find("offload.page.scroll");
-        if (!scroll->isAncestorOf(item)) return true;
-        const QRectF place = item->mapRectToItem(scroll, QRectF(QPointF(), item->size()));
-        return place.top() >= 0 && place.bottom() <= scroll->height();
+        const QQuickItem& scroll = driver_->at("offload.page.scroll");
+        if (!scroll.isAncestorOf(item)) return true;
+        const QRectF place = item->mapRectToItem(&scroll, QRectF(QPointF(), item->size()));
+        return place.top() >= 0 && place.bottom() <= scroll.height();
     }
-
-    void focus(const char* name) { driver_->find(name)->forceActiveFocus(Qt::TabFocusReason); }
 };
 
 }  // namespace
 
-TEST_F(KeyboardTests, TabReachesEveryControlOfTheSetup) {
+TEST_F(KeyboardTests, Tab_GoesThroughTheSetupAsTheEyeDoes) {
     setUpOffload();
-    EXPECT_EQ(sortedRound(), (QStringList{"mode", "offload.add", "offload.checksum",
-                                          "offload.source.choose", "offload.reel", "offload.remove.0",
-                                          "offload.remove.1", "offload.start"}));
-    focus("offload.reel");
+    driver_->focus("mode");
+    EXPECT_EQ(driver_->tabRound(),
+              (QStringList{"offload.source.choose", "offload.remove.0", "offload.remove.1",
+                           "offload.add", "offload.reel", "offload.checksum", "offload.start",
+                           "mode"}));
+    driver_->focus("offload.reel");
     keepPictures("focus");
-    focus("offload.start");
+    driver_->focus("offload.start");
     keepPictures("focus-button");
-    focus("offload.checksum");
+    driver_->focus("offload.checksum");
     keepPictures("focus-segment");
 }
 
-TEST_F(KeyboardTests, TabReachesEveryControlOfARun) {
+TEST_F(KeyboardTests, Tab_BeginsAtTheFirstControlOfTheScreen) {
+    openWindow();
+    driver_->key(Qt::Key_Tab);
+    EXPECT_EQ(driver_->focused(), "offload.source.choose");
+}
+
+TEST_F(KeyboardTests, Tab_ReachesTheOnlyControlOfARun) {
     openWindow();
     chooseCard(card());
     addDrive(faultyDrive({.delay = 2'000}));
     driver_->press("offload.start");
     driver_->waitFor("the run", [&] { return driver_->isShown("offload.running.current"); });
-    EXPECT_EQ(sortedRound(), (QStringList{"mode", "offload.running.cancel"}));
-    focus("offload.running.cancel");
+    EXPECT_EQ(driver_->focused(), "offload.page.rest") << "not on the button that is gone";
+    EXPECT_EQ(driver_->tabRound(), (QStringList{"offload.running.cancel", "mode"}));
+    driver_->focus("offload.running.cancel");
     driver_->key(Qt::Key_Space);
     waitForStage(Stage::finished);
     EXPECT_EQ(driver_->text("offload.failed.message"), "Offload cancelled.");
+    EXPECT_EQ(driver_->focused(), "offload.failed");
 }
 
-TEST_F(KeyboardTests, TabReachesEveryControlOfAProvedRun) {
+TEST_F(KeyboardTests, AfterARun_TheVerdictHasTheFocusAndTabGoesOnInIt) {
+    setUpOffload();
+    driver_->focus("offload.start");
+    driver_->key(Qt::Key_Return);
+    waitForStage(Stage::finished);
+    EXPECT_EQ(driver_->focused(), "offload.verdict");
+    EXPECT_TRUE(driver_->accessible("offload.verdict").isFocused);
+    EXPECT_EQ(driver_->accessible("offload.verdict").name, "All Files Verified");
+    EXPECT_EQ(driver_->tabRound(), (QStringList{"offload.save", "offload.formatButton", "mode",
+                                                "offload.new"}));
+}
+
+TEST_F(KeyboardTests, AfterARun_TheFocusStaysOnTheModeSwitchIfItIsThere) {
+    setUpOffload();
+    driver_->focus("mode");
+    driver_->key(Qt::Key_Return);
+    waitForStage(Stage::finished);
+    EXPECT_EQ(driver_->focused(), "mode");
+}
+
+TEST_F(KeyboardTests, NewOffload_LeavesTheFocusOnNoHiddenButton) {
     setUpOffload();
     runToEnd();
-    EXPECT_EQ(sortedRound(),
-              (QStringList{"mode", "offload.formatButton", "offload.new", "offload.save"}));
+    driver_->focus("offload.new");
+    driver_->key(Qt::Key_Space);
+    EXPECT_EQ(driver_->focused(), "offload.page.rest");
+    driver_->key(Qt::Key_Tab);
+    EXPECT_EQ(driver_->focused(), "offload.source.choose");
 }
 
-TEST_F(KeyboardTests, TabReachesALongListOfFailedFilesAndTheArrowsScrollIt) {
+TEST_F(KeyboardTests, Tab_ReachesALongListOfFailedFilesAndTheArrowsScrollIt) {
     for (int i = 0; i < 60; ++i) {
         TestSupport::writeFile(card() / ("CLIP_" + std::to_string(i) + ".MXF"), "picture");
     }
@@ -85,26 +91,26 @@ TEST_F(KeyboardTests, TabReachesALongListOfFailedFilesAndTheArrowsScrollIt) {
     chooseCard(card());
     addDrive(faultyDrive({.flipBitAt = 2}));
     runToEnd();
-    EXPECT_EQ(sortedRound(),
-              (QStringList{"mode", "offload.failures.0", "offload.new", "offload.save"}));
-    focus("offload.failures");
+    EXPECT_EQ(driver_->tabRound(),
+              (QStringList{"offload.failures", "offload.save", "mode", "offload.new"}));
+    driver_->focus("offload.failures");
     keepPictures("focus-failures");
     const QQuickItem* list = driver_->find("offload.failures");
     for (int i = 0; i < 63; ++i) driver_->key(Qt::Key_Down);
     driver_->waitFor("the last failed file", [&] { return list->property("atYEnd").toBool(); });
 }
 
-TEST_F(KeyboardTests, TabStaysInTheSheet) {
+TEST_F(KeyboardTests, Tab_StaysInTheSheet) {
     setUpOffload();
     runToEnd();
-    focus("offload.formatButton");
+    driver_->focus("offload.formatButton");
     driver_->key(Qt::Key_Space);
-    driver_->waitFor("the sheet", [&] { return focused() == "sheet.typed"; });
-    EXPECT_EQ(sortedRound(), (QStringList{"sheet.cancel", "sheet.typed"}));
-    focus("sheet.typed");
+    driver_->waitFor("the sheet", [&] { return driver_->focused() == "sheet.typed"; });
+    EXPECT_EQ(driver_->tabRound(), (QStringList{"sheet.cancel", "sheet.typed"}));
+    driver_->focus("sheet.typed");
     driver_->type("ERASE");
-    EXPECT_EQ(sortedRound(), (QStringList{"sheet.cancel", "sheet.erase", "sheet.typed"}));
-    focus("sheet.cancel");
+    EXPECT_EQ(driver_->tabRound(), (QStringList{"sheet.cancel", "sheet.erase", "sheet.typed"}));
+    driver_->focus("sheet.cancel");
     driver_->key(Qt::Key_Space);
     driver_->waitFor("the sheet to close", [&] { return !driver_->isShown("sheet.typed"); });
 }
@@ -114,23 +120,71 @@ TEST_F(KeyboardTests, WhatTabReachesIsScrolledIntoView) {
     driver_->resize(940, 680);
     for (int i = 0; i < 9; ++i) addDrive(drive("DRIVE_" + std::to_string(i)));
     chooseCard(card());
-    ASSERT_GT(driver_->find("offload.page.scroll")->property("contentHeight").toDouble(), 680);
-    EXPECT_EQ(tabRound().size(), 15);
+    ASSERT_GT(driver_->at("offload.page.scroll").property("contentHeight").toDouble(), 680);
+    driver_->focus("mode");
+    int reached = 0;
+    do {
+        driver_->key(Qt::Key_Tab);
+        EXPECT_TRUE(focusedIsInView()) << driver_->focused().toStdString();
+        ++reached;
+    } while (driver_->focused() != "mode" && reached < 40);
+    EXPECT_EQ(reached, 15);
+}
+
+TEST_F(KeyboardTests, Start_FromTheFootOfALongSetup_ShowsTheRunFromItsTop) {
+    openWindow();
+    for (int i = 0; i < 9; ++i) addDrive(drive("DRIVE_" + std::to_string(i)));
+    addDrive(faultyDrive({.delay = 2'000}));
+    chooseCard(card());
+    driver_->press("offload.start");
+    driver_->waitFor("the run", [&] { return driver_->isShown("offload.running.current"); });
+    EXPECT_EQ(driver_->at("offload.page.scroll").property("contentY").toDouble(), 0);
+    driver_->press("offload.running.cancel");
+    waitForStage(Stage::finished);
+}
+
+TEST_F(KeyboardTests, Return_OnAButtonWithTheRing_PressesItAndStartsNothing) {
+    setUpOffload();
+    driver_->focus("offload.add");
+    desktop_.answers = {drive("EMPTY")};
+    driver_->key(Qt::Key_Return);
+    EXPECT_EQ(driver_->text("offload.drive.2"), "EMPTY");
+    EXPECT_EQ(offload()->stage(), Stage::setup);
+    driver_->focus("offload.remove.2");
+    driver_->key(Qt::Key_Enter);
+    EXPECT_FALSE(driver_->isShown("offload.drive.2"));
+    EXPECT_EQ(offload()->stage(), Stage::setup);
+}
+
+TEST_F(KeyboardTests, AssistiveTools_PressTheirWayThroughAnOffload) {
+    openWindow();
+    desktop_.answers = {card()};
+    driver_->accessiblePress("offload.source.choose");
+    waitForStage(Stage::setup);
+    desktop_.answers = {drive("SHUTTLE_01")};
+    driver_->accessiblePress("offload.add");
+    driver_->accessiblePress("offload.checksum.md5");
+    EXPECT_TRUE(driver_->accessible("offload.checksum.md5").isChecked);
+    driver_->accessiblePress("offload.start");
+    waitForStage(Stage::finished);
+    EXPECT_EQ(driver_->text("offload.verdict.algorithm"), "md5");
+    driver_->accessiblePress("offload.new");
+    EXPECT_EQ(offload()->stage(), Stage::setup);
 }
 
 TEST_F(KeyboardTests, RemovingDrives_KeepsTheFocusOnARow) {
     openWindow();
     for (const char* name : {"SHUTTLE_01", "RAID_MASTER", "EMPTY"}) addDrive(drive(name));
-    focus("offload.remove.1");
+    driver_->focus("offload.remove.1");
     driver_->key(Qt::Key_Space);
     EXPECT_EQ(driver_->text("offload.drive.1"), "EMPTY");
-    EXPECT_EQ(focused(), "offload.remove.1");
+    EXPECT_EQ(driver_->focused(), "offload.remove.1");
     driver_->key(Qt::Key_Space);
-    EXPECT_EQ(focused(), "offload.remove.0");
+    EXPECT_EQ(driver_->focused(), "offload.remove.0");
     EXPECT_EQ(driver_->text("offload.drive.0"), "SHUTTLE_01");
     driver_->key(Qt::Key_Space);
     EXPECT_TRUE(driver_->isShown("offload.nodrives"));
-    EXPECT_EQ(focused(), "offload.add");
+    EXPECT_EQ(driver_->focused(), "offload.add");
 }
 
 TEST_F(KeyboardTests, Return_StartsTheOffloadFromTheReelField) {

@@ -149,7 +149,7 @@ TEST_F(SetupViewTests, ManyDrivesAndLongPaths_StayInTheirCardsAndScroll) {
              {"offload.sourceCard", "offload.drivesCard", "offload.optionsCard"}) {
             EXPECT_EQ(widerThan(*driver_->find(card)), QStringList());
         }
-        for (const char* text : {"offload.source.text", "offload.drive.0", "offload.drive.8.detail"}) {
+        for (const char* text : {"offload.source.text", "offload.drive.0.title", "offload.drive.8.detail"}) {
             EXPECT_TRUE(driver_->find(text)->property("truncated").toBool()) << text;
             EXPECT_EQ(driver_->find(text)->property("elide").toInt(), Qt::ElideMiddle) << text;
         }
@@ -165,7 +165,7 @@ TEST_F(SetupViewTests, TextThatIsCut_StandsWholeInATooltip) {
     std::filesystem::create_directories(far / "A001_C003");
     chooseCard(far / "A001_C003");
     addDrive(far / std::string(200, 'D'));
-    for (const char* name : {"offload.drive.0.detail", "offload.drive.0", "offload.source.text"}) {
+    for (const char* name : {"offload.drive.0.detail", "offload.drive.0.title", "offload.source.text"}) {
         driver_->hover(name);
         const QString whole = driver_->text(name);
         driver_->waitFor("the tooltip", [&] {
@@ -182,8 +182,8 @@ TEST_F(SetupViewTests, TextThatIsCut_StandsWholeInATooltip) {
 TEST_F(SetupViewTests, TextThatIsWhole_HasNoTooltip) {
     openWindow();
     addDrive(drive("SHUTTLE_01"));
-    driver_->hover("offload.drive.0");
-    EXPECT_FALSE(driver_->find("offload.drive.0")->property("truncated").toBool());
+    driver_->hover("offload.drive.0.title");
+    EXPECT_FALSE(driver_->find("offload.drive.0.title")->property("truncated").toBool());
     // The one that comes is the button's, later than any of the text would.
     driver_->hover("offload.remove.0");
     driver_->waitFor("a tooltip", [&] { return driver_->isShown("hint"); });
