@@ -152,37 +152,32 @@ Download::Download(const QUrl& source, const ReelCore::URL& target)
     : QObject(qApp),
       source_(source),
       target_(target),
-      job_(
-          [source, target](const auto& send) {
-              Event end{.isEnd = true};
-              try {
-                  fetch(source, target, [&](std::int64_t received, std::int64_t total) {
-                      send({received, total});
-                  });
-              } catch (const std::exception& error) {
-                  end.failure = Format::text(error.what());
-              }
-              send(end);
-          },
-          [this](const std::vector<Event>& events) { consume(events); }) {}
+      job_({.run =
+                [source, target](const auto& send) {
+                    fetch(source, target, [&](std::int64_t received, std::int64_t total) {
+                        send({received, total});
+                    });
+                    send({.isEnd = true});
+                },
+            .consume = [this](const Event& event) { consume(event); },
+            .failed =
+                [](const std::exception& error) {
+                    return Event{.isEnd = true, .failure = Format::text(error.what())};
+                },
+            .isPassing = [](const Event& event) { return !event.isEnd; }}) {}
 
-void Download::consume(const std::vector<Event>& events) {
-    const Event& last = events.back();
-    if (!last.isEnd) {
-        emit progressed(last.received, last.total);
+void Download::consume(const Event& event) {
+    if (!event.isEnd) {
+        emit progressed(event.received, event.total);
         return;
-    }
-    if (events.size() > 1) {
-        const Event& before = events[events.size() - 2];
-        emit progressed(before.received, before.total);
     }
     // Whoever starts it anew in answer to its end gets another.
     setParent(nullptr);
     deleteLater();
-    if (last.failure.isEmpty()) {
+    if (event.failure.isEmpty()) {
         emit succeeded();
     } else {
-        emit failed(last.failure);
+        emit failed(event.failure);
     }
 }
 

@@ -1,13 +1,12 @@
 #pragma once
 
 #include "ReelCore/Platform/URL.h"
-#include "keldo-app/Support/Job.h"
+#include "keldo-app/Support/Jobs.h"
 
 #include <QObject>
 #include <QString>
 #include <QUrl>
 #include <cstdint>
-#include <vector>
 
 namespace keldo_app {
 
@@ -45,7 +44,7 @@ private:
     };
 
     Download(const QUrl& source, const ReelCore::URL& target);
-    void consume(const std::vector<Event>& events);
+    void consume(const Event& event);
 
     const QUrl source_;
     const ReelCore::URL target_;
