@@ -15,6 +15,7 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QGuiApplication>
+#include <QSplitter>
 #include <QUrl>
 #include <QWindow>
 
@@ -42,6 +43,12 @@ QList<QUrl> placesToShow() {
         if (removable) places.append(QUrl::fromLocalFile(root));
     }
     return places;
+}
+
+/// For the toolkit's own panel, whose list of places would cut the names of cards.
+void makeRoomy(QFileDialog& panel) {
+    panel.resize(960, 600);
+    if (auto* parts = panel.findChild<QSplitter*>()) parts->setSizes({220, 740});
 }
 
 /// By its bytes, whatever they are.
@@ -93,6 +100,7 @@ std::vector<ReelCore::URL> SystemDesktop::run(QFileDialog& panel, FirstPlace fir
     }
     panel.setSidebarUrls(placesToShow());
     panel.setDirectory(place);
+    makeRoomy(panel);
     panel.winId();
     panel.windowHandle()->setTransientParent(QGuiApplication::focusWindow());
     const bool isAccepted = panel.exec() == QDialog::Accepted;
