@@ -78,9 +78,14 @@ void addCard(PlanFacts& facts, const StorageCalculator::CardPlan& card, std::int
 
 }  // namespace
 
+QVariant PlanViewModel::stored(const char* key) const {
+    // A screen's bindings are read once before the desktop is handed in.
+    return desktop ? desktop->preferences().value(key) : QVariant();
+}
+
 double PlanViewModel::number(const PlanNumber& setting) const {
     constexpr double nothing = std::numeric_limits<double>::quiet_NaN();
-    const QVariant stored = desktop->preferences().value(setting.key);
+    const QVariant stored = this->stored(setting.key);
     if (!stored.isValid()) return setting.initial;
     const auto value = Preferences::number(stored);
     if (!value || *value < setting.least || *value > setting.most) return nothing;
@@ -89,7 +94,7 @@ double PlanViewModel::number(const PlanNumber& setting) const {
 }
 
 QString PlanViewModel::text(const char* key, const QString& initial) const {
-    const QVariant stored = desktop->preferences().value(key);
+    const QVariant stored = this->stored(key);
     return stored.isValid() ? Preferences::text(stored).value_or(QString()) : initial;
 }
 

@@ -117,6 +117,7 @@ private:
     bool usesResolution() const;
     PlanFacts facts() const;
 
+    QVariant stored(const char* key) const;
     double number(const PlanNumber& setting) const;
     QString text(const char* key, const QString& initial) const;
     void store(const PlanNumber& setting, double value);

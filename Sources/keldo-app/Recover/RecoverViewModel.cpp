@@ -111,7 +111,7 @@ void RecoverViewModel::chooseOutput() {
 
 void RecoverViewModel::chooseImage() {
     const auto chosen =
-        desktop->chooseFile("Choose the raw card image (.img / .dmg made with ddrescue)");
+        desktop->chooseFile("Choose the raw card image (.img / .dmg made with ddrescue)", FirstPlace::removableMedia);
     if (!chosen) return;
     imageURL_ = *chosen;
     dropCarving();
