@@ -74,7 +74,9 @@ std::string OffloadEngine::copy(const URL& source, const std::vector<URL>& targe
         }
     }
     const AlignedBuffer memory(bufferSize);
-    return copyBytes(input, name, outputs, algorithm, memory.bytes().first(bufferSize), isCancelled)
+    WorkerThread worker;
+    return copyBytes(input, name, outputs, algorithm, memory.bytes().first(bufferSize), worker,
+                     isCancelled)
         .hash;
 }
 
@@ -82,7 +84,8 @@ std::string OffloadEngine::hashFile(const URL& file, HashAlgorithm algorithm) co
     File opened = openToRead(file.filename().native(), [&] { return File::openForReading(file); });
     const DriveCache cache(opened.descriptor());
     const AlignedBuffer memory(bufferSize);
-    DeviceReader reader(std::move(opened), cache, memory.bytes());
+    WorkerThread worker;
+    DeviceReader reader(std::move(opened), cache, memory.bytes(), worker);
     return hashOf(reader, algorithm);
 }
 
