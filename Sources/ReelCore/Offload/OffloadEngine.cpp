@@ -35,12 +35,14 @@ OffloadResult OffloadEngine::run(const OffloadRequest& request, const Progress& 
 
     OffloadResult result{request, scan.cameraFormat, {}, startedAt, {}, {}, scan.unreadFolders};
     result.files.reserve(scan.files.size());
-    for (MediaFile& file : scan.files) {
+    for (MediaFile& file : scan.files) result.files.push_back({std::move(file), {}, {}});
+    scan.files = {};
+    for (FileVerification& copied : result.files) {
         throwIfCancelled();
-        standing.currentFile = file.relativePath;
+        standing.currentFile = copied.file.relativePath;
         report(Phase::copying);
-        const std::int64_t scannedSize = file.size;
-        FileVerification& copied = result.files.emplace_back(offload.copy(std::move(file)));
+        const std::int64_t scannedSize = copied.file.size;
+        copied = offload.copy(std::move(copied.file));
         report(Phase::verifying);
         copied.destinations.reserve(offload.driveCount());
         for (std::size_t drive = 0; drive < offload.driveCount(); ++drive) {
