@@ -41,8 +41,9 @@ void copy(const URL& source, const std::vector<URL>& targets, std::span<std::byt
     }
 }
 
-void readBack(const URL& copy, const DriveCache& cache, std::span<std::byte> buffer) {
-    DeviceReader reader(File::openForReading(copy), cache, buffer);
+void readBack(const URL& copy, const DriveCache& cache, std::span<std::byte> buffer,
+              WorkerThread& worker) {
+    DeviceReader reader(File::openForReading(copy), cache, buffer, worker);
     while (!reader.next().empty()) {
     }
 }
@@ -58,6 +59,7 @@ int main(int count, char* arguments[]) {
     try {
         const auto start = std::chrono::steady_clock::now();
         const AlignedBuffer memory(blockSize);
+        WorkerThread worker;
         std::vector<HeldFolder> folders;
         std::vector<DriveCache> caches;
         for (int i = 2; i < count; ++i) {
@@ -70,7 +72,7 @@ int main(int count, char* arguments[]) {
             for (int i = 2; i < count; ++i) targets.push_back(URL(arguments[i]) / name);
             copy(source / name, targets, memory.bytes());
             for (std::size_t i = 0; i < targets.size(); ++i) {
-                readBack(targets[i], caches[i], memory.bytes());
+                readBack(targets[i], caches[i], memory.bytes(), worker);
             }
         }
         for (const HeldFolder& folder : folders) folder.flushFileSystem();

@@ -33,21 +33,33 @@ void writeBlock(CopyTarget& target, std::span<const std::byte> block, std::int64
     }
 }
 
+/// What the worker does ends before what it works on.
+struct FinishedInTheEnd {
+    WorkerThread& worker;
+    ~FinishedInTheEnd() { worker.finish(); }
+};
+
 }  // namespace
 
 CopiedBytes copyBytes(File& source, const std::string& name, std::vector<CopyTarget>& targets,
-                      HashAlgorithm algorithm, std::span<std::byte> buffer,
+                      HashAlgorithm algorithm, std::span<std::byte> buffer, WorkerThread& worker,
                       const std::function<bool()>& isCancelled) {
     const auto hasher = makeHasher(algorithm);
+    const FinishedInTheEnd hashing{worker};
     source.expectSequentialRead();
     for (std::int64_t position = 0;;) {
         if (isCancelled()) throw OffloadError(OffloadError::Cancelled{});
         const auto block = readBlock(source, name, buffer);
         if (block.empty()) return {hasher->finalizeHex(), position};
-        hasher->update(block);
         // A long file goes to its drives while it is read on, and does not fill the cache.
         const bool isLong = block.size() == buffer.size();
+        if (isLong) {
+            worker.begin([&hasher, block] { hasher->update(block); });
+        } else {
+            hasher->update(block);
+        }
         for (CopyTarget& target : targets) writeBlock(target, block, position, isLong);
+        worker.finish();
         const auto length = static_cast<std::int64_t>(block.size());
         if (isLong) source.dropFromCache(position, length);
         position += length;

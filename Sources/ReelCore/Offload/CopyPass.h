@@ -3,6 +3,7 @@
 #include "ReelCore/Hashing/HashAlgorithm.h"
 #include "ReelCore/Platform/File.h"
 #include "ReelCore/Platform/URL.h"
+#include "ReelCore/Platform/WorkerThread.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -26,11 +27,12 @@ struct CopiedBytes {
 };
 
 /// Reads `source` to its end, once, in blocks of the size of `buffer`, and writes each block to all
-/// targets in order. `name` is what failures call the source. Everything happens on this thread;
-/// the pages of long files leave the file cache again. Throws OffloadError::ReadFailed,
+/// targets in order. `name` is what failures call the source. Reads and writes happen on this
+/// thread; the worker hashes the blocks of long files while they are written, and their pages leave
+/// the file cache again. Throws OffloadError::ReadFailed,
 /// WriteFailed, which ends the copy to all targets, or Cancelled, asked for before each block.
 CopiedBytes copyBytes(File& source, const std::string& name, std::vector<CopyTarget>& targets,
-                      HashAlgorithm algorithm, std::span<std::byte> buffer,
+                      HashAlgorithm algorithm, std::span<std::byte> buffer, WorkerThread& worker,
                       const std::function<bool()>& isCancelled);
 
 }  // namespace ReelCore

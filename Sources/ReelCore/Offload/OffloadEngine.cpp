@@ -35,12 +35,14 @@ OffloadResult OffloadEngine::run(const OffloadRequest& request, const Progress& 
 
     OffloadResult result{request, scan.cameraFormat, {}, startedAt, {}, {}, scan.unreadFolders};
     result.files.reserve(scan.files.size());
-    for (MediaFile& file : scan.files) {
+    for (MediaFile& file : scan.files) result.files.push_back({std::move(file), {}, {}});
+    scan.files = {};
+    for (FileVerification& copied : result.files) {
         throwIfCancelled();
-        standing.currentFile = file.relativePath;
+        standing.currentFile = copied.file.relativePath;
         report(Phase::copying);
-        const std::int64_t scannedSize = file.size;
-        FileVerification& copied = result.files.emplace_back(offload.copy(std::move(file)));
+        const std::int64_t scannedSize = copied.file.size;
+        copied = offload.copy(std::move(copied.file));
         report(Phase::verifying);
         copied.destinations.reserve(offload.driveCount());
         for (std::size_t drive = 0; drive < offload.driveCount(); ++drive) {
@@ -74,7 +76,9 @@ std::string OffloadEngine::copy(const URL& source, const std::vector<URL>& targe
         }
     }
     const AlignedBuffer memory(bufferSize);
-    return copyBytes(input, name, outputs, algorithm, memory.bytes().first(bufferSize), isCancelled)
+    WorkerThread worker;
+    return copyBytes(input, name, outputs, algorithm, memory.bytes().first(bufferSize), worker,
+                     isCancelled)
         .hash;
 }
 
@@ -82,7 +86,8 @@ std::string OffloadEngine::hashFile(const URL& file, HashAlgorithm algorithm) co
     File opened = openToRead(file.filename().native(), [&] { return File::openForReading(file); });
     const DriveCache cache(opened.descriptor());
     const AlignedBuffer memory(bufferSize);
-    DeviceReader reader(std::move(opened), cache, memory.bytes());
+    WorkerThread worker;
+    DeviceReader reader(std::move(opened), cache, memory.bytes(), worker);
     return hashOf(reader, algorithm);
 }
 

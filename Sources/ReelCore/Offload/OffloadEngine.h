@@ -14,7 +14,8 @@ namespace ReelCore {
 /// Nothing counts as copied until that has matched.
 ///
 /// The source is only ever read; not even its access times change where the system allows that.
-/// One run at a time an engine; everything happens on the thread that calls, in order.
+/// One run at a time an engine; everything happens on the thread that calls, in order. Only blocks
+/// of long files are read ahead, or hashed while they are written, on a thread that the run owns.
 class OffloadEngine {
 public:
     using Progress = std::function<void(const OffloadProgress&)>;

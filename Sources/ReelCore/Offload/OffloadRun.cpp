@@ -111,7 +111,7 @@ FileVerification OffloadRun::copy(MediaFile file) {
     requireCard(file.relativePath);
     std::vector<CopyTarget> targets = createTargets(file.relativePath);
     const CopiedBytes copied = copyBytes(source, file.filename(), targets, request_.algorithm,
-                                         memory_.bytes().first(bufferSize_), isCancelled_);
+                                         memory_.bytes().first(bufferSize_), worker_, isCancelled_);
     if (copied.count < file.size) {
         throw OffloadError(OffloadError::ReadFailed{
             file.filename(),
@@ -225,7 +225,7 @@ void OffloadRun::proveCopy(std::size_t drive, const FileVerification& copied,
     }
     DeviceReader reader(
         openToRead(name, [&] { return File::openForReading(*parents_[drive], name); }),
-        reels_[drive].cache(), memory_.bytes());
+        reels_[drive].cache(), memory_.bytes(), worker_);
     // As it stands before it is read: whoever writes to it meanwhile changes its date.
     const auto stamp = FileSystem::stamp(reader.file().descriptor());
     const auto identity = FileSystem::identity(reader.file().descriptor());

@@ -7,6 +7,7 @@
 #include "ReelCore/Platform/AlignedBuffer.h"
 #include "ReelCore/Platform/DeviceReader.h"
 #include "ReelCore/Platform/HeldCard.h"
+#include "ReelCore/Platform/WorkerThread.h"
 
 #include <cstddef>
 #include <functional>
@@ -71,6 +72,7 @@ private:
     HeldTree card_;
     Medium medium_;
     AlignedBuffer memory_;
+    WorkerThread worker_;
     std::vector<ReelFolder> reels_;
     std::vector<const HeldFolder*> parents_;  ///< Of the current file, one a drive.
     std::unordered_set<FileIdentity, FileIdentity::Hash> proved_;

@@ -3,6 +3,7 @@
 #include "ReelCore/Hashing/HashAlgorithm.h"
 #include "ReelCore/Models/CameraFormat.h"
 #include "ReelCore/Models/MediaFile.h"
+#include "ReelCore/Platform/CompactURL.h"
 #include "ReelCore/Platform/Date.h"
 #include "ReelCore/Platform/FileStamp.h"
 #include "ReelCore/Platform/FolderWalk.h"
@@ -28,8 +29,8 @@ struct OffloadRequest {
 
 /// The outcome of one file on one destination.
 struct DestinationResult {
-    URL destination;                          ///< As the request has it.
-    URL writtenURL;                           ///< The file as written.
+    CompactURL destination;                   ///< As the request has it.
+    CompactURL writtenURL;                    ///< The file as written.
     std::optional<std::string> readBackHash;  ///< Absent if the read-back failed.
     bool matches = false;              ///< True only if the read-back hash equals the source's.
     std::optional<std::string> error;  ///< Why the read-back failed; otherwise absent.

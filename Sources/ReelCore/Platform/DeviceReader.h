@@ -2,6 +2,7 @@
 
 #include "ReelCore/Platform/DriveCache.h"
 #include "ReelCore/Platform/File.h"
+#include "ReelCore/Platform/WorkerThread.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -17,13 +18,17 @@ namespace ReelCore {
 /// before. A file system that has no drive (one in memory) has nothing to pass and is read as it
 /// is.
 ///
-/// One thread at a time; owns the file, borrows cache and buffer.
+/// While a block is worked on, the worker reads the next one. One thread at a time; owns the file,
+/// borrows the rest.
 class DeviceReader {
 public:
-    /// Blocks are about as long as `buffer`, for a file that is shorter about its length. For
-    /// direct I/O the buffer begins at a page and is whole pages long (AlignedBuffer). Throws
-    /// SystemError if the file's size can't be asked.
-    DeviceReader(File file, const DriveCache& cache, std::span<std::byte> buffer);
+    /// Blocks are about half as long as `buffer`, for a file that is shorter about its length. For
+    /// direct I/O the buffer begins at a page (AlignedBuffer); one of less than two pages is read
+    /// into as a whole, and nothing ahead. Throws SystemError if the file's size can't be asked.
+    DeviceReader(File file, const DriveCache& cache, std::span<std::byte> buffer,
+                 WorkerThread& worker);
+
+    /// Waits for the block that is being read.
     ~DeviceReader();
 
     DeviceReader(const DeviceReader&) = delete;
@@ -39,13 +44,19 @@ public:
 private:
     void begin();
     void setDirect(bool direct);
+    void readBlock();
 
     File file_;
     const DriveCache& cache_;
-    std::span<std::byte> buffer_;
+    WorkerThread& worker_;
+    std::span<std::byte> block_;  ///< What is read into next.
+    std::span<std::byte> other_;  ///< What was read into last; empty if nothing is read ahead.
     std::int64_t position_ = 0;
+    std::int64_t count_ = 0;  ///< Of the bytes read into `block_`; below 0 after an error.
+    int error_ = 0;
     bool begun_ = false;
     bool direct_ = false;
+    bool isReadAhead_ = false;
 };
 
 }  // namespace ReelCore

@@ -37,23 +37,7 @@ std::string escaped(std::string_view value) {
     return text;
 }
 
-void appendHash(std::string& list, const FileVerification& one, std::string_view tag,
-                const std::string& hashDate) {
-    const MediaFile& file = one.file;
-    list += "  <hash>\n";
-    list += fmt::format("    <file>{}</file>\n", escaped(file.relativePath));
-    list += fmt::format("    <size>{}</size>\n", file.size);
-    if (file.modificationDate) {
-        list += fmt::format("    <lastmodificationdate>{}</lastmodificationdate>\n",
-                            DateText::utc(*file.modificationDate));
-    }
-    list += fmt::format("    <{0}>{1}</{0}>\n", tag, one.sourceHash);
-    list += fmt::format("    <hashdate>{}</hashdate>\n", hashDate);
-    list += "  </hash>\n";
-}
-
-std::string document(const OffloadResult& result, const MHLWriter& writer) {
-    const std::string hashDate = DateText::utc(now());
+std::string head(const OffloadResult& result, const MHLWriter& writer) {
     std::string list;
     list += "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
     list += "<hashlist version=\"1.1\">\n";
@@ -65,15 +49,40 @@ std::string document(const OffloadResult& result, const MHLWriter& writer) {
                         escaped(writer.toolVersion));
     list += fmt::format("    <startdate>{}</startdate>\n", DateText::utc(result.startedAt));
     list += fmt::format("    <finishdate>{}</finishdate>\n", DateText::utc(result.finishedAt));
-    list += "  </creatorinfo>\n";
-    for (const FileVerification& one : result.files) {
-        appendHash(list, one, mhlTag(result.request.algorithm), hashDate);
-    }
-    return list + "</hashlist>\n";
+    return list + "  </creatorinfo>\n";
 }
 
-void writeWhole(File file, std::string_view text) {
-    file.write(std::as_bytes(std::span(text)));
+std::string entry(const FileVerification& one, std::string_view tag, const std::string& hashDate) {
+    const MediaFile& file = one.file;
+    std::string list = "  <hash>\n";
+    list += fmt::format("    <file>{}</file>\n", escaped(file.relativePath));
+    list += fmt::format("    <size>{}</size>\n", file.size);
+    if (file.modificationDate) {
+        list += fmt::format("    <lastmodificationdate>{}</lastmodificationdate>\n",
+                            DateText::utc(*file.modificationDate));
+    }
+    list += fmt::format("    <{0}>{1}</{0}>\n", tag, one.sourceHash);
+    list += fmt::format("    <hashdate>{}</hashdate>\n", hashDate);
+    return list + "  </hash>\n";
+}
+
+/// As much of a list as is put together before it is written.
+constexpr std::size_t pieceSize = 1 << 16;
+
+void writeWhole(File file, const OffloadResult& result, const MHLWriter& writer) {
+    const std::string hashDate = DateText::utc(now());
+    const std::string_view tag = mhlTag(result.request.algorithm);
+    std::string piece = head(result, writer);
+    const auto write = [&] {
+        file.write(std::as_bytes(std::span(piece)));
+        piece.clear();
+    };
+    for (const FileVerification& one : result.files) {
+        piece += entry(one, tag, hashDate);
+        if (piece.size() >= pieceSize) write();
+    }
+    piece += "</hashlist>\n";
+    write();
     file.flush();
 }
 
@@ -92,13 +101,12 @@ std::string MHLWriter::listName(std::string reelName) {
 
 URL MHLWriter::write(const OffloadResult& result, const URL& folder) const {
     const URL url = folder / listName(result.request.reelName);
-    const std::string list = document(result, *this);
     File file = File::create(url);
     const auto identity = FileSystem::identity(url);
     try {
-        writeWhole(std::move(file), list);
+        writeWhole(std::move(file), result, *this);
         FileSystem::flushFolder(folder);
-    } catch (const SystemError&) {
+    } catch (...) {
         removeOnly(url, identity);
         throw;
     }

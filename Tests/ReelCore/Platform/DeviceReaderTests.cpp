@@ -7,12 +7,14 @@
 #include "Support/FolderTree.h"
 #include "Support/Forked.h"
 #include "Support/LoopMount.h"
+#include "Support/Threads.h"
 #include "Support/Tool.h"
 
 #include <cerrno>
 #include <cstdlib>
 #include <functional>
 #include <optional>
+#include <span>
 #include <string>
 #include <utility>
 
@@ -28,14 +30,19 @@ namespace {
 
 constexpr std::size_t blockSize = 65536;
 
+std::string textOf(std::span<const std::byte> bytes) {
+    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
 std::string readAll(const URL& path, std::size_t size = blockSize) {
     File file = File::openForReading(path);
     const DriveCache cache(file.descriptor());
     const AlignedBuffer memory(size);
-    DeviceReader reader(std::move(file), cache, memory.bytes().first(size));
+    WorkerThread worker;
+    DeviceReader reader(std::move(file), cache, memory.bytes().first(size), worker);
     std::string content;
     for (auto block = reader.next(); !block.empty(); block = reader.next()) {
-        content.append(reinterpret_cast<const char*>(block.data()), block.size());
+        content += textOf(block);
     }
     return content;
 }
@@ -58,10 +65,10 @@ std::string withBitFlipped(std::string content, std::size_t at) {
 
 TEST(DeviceReader, Read_AnySizeAndBlock_GivesTheWholeFileOnce) {
     TemporaryFolder folder;
-    for (const std::size_t size : {0U, 1U, 511U, 4095U, 4096U, 4097U, 65536U, 200'001U}) {
+    for (const std::size_t size : {0U, 1U, 511U, 4095U, 4096U, 4097U, 65536U, 131'072U, 200'001U}) {
         const std::string content = noise(size);
         writeFile(folder.path() / "clip", content);
-        for (const std::size_t block : {1U, 4096U, 5000U, 65536U, 1U << 20U}) {
+        for (const std::size_t block : {1U, 4096U, 5000U, 8192U, 10'000U, 65536U, 1U << 20U}) {
             EXPECT_EQ(readAll(folder.path() / "clip", block), content) << size << " by " << block;
         }
     }
@@ -73,11 +80,25 @@ TEST(DeviceReader, Read_AfterTheEnd_GivesNothingAgain) {
     File file = File::openForReading(folder.path() / "clip");
     const DriveCache cache(file.descriptor());
     const AlignedBuffer memory(blockSize);
-    DeviceReader reader(std::move(file), cache, memory.bytes());
+    WorkerThread worker;
+    DeviceReader reader(std::move(file), cache, memory.bytes(), worker);
 
     EXPECT_EQ(reader.next().size(), 3U);
     EXPECT_TRUE(reader.next().empty());
     EXPECT_TRUE(reader.next().empty());
+}
+
+TEST(DeviceReader, Read_SystemWithoutThreads_GivesTheWholeFile) {
+    TemporaryFolder folder;
+    const std::string content = noise(200'001);
+    writeFile(folder.path() / "clip", content);
+    std::filesystem::permissions(folder.path(), std::filesystem::perms::all);
+
+    EXPECT_EQ(statusOfForked([&] {
+                  if (!leaveNoThreads()) return 100;
+                  return readAll(folder.path() / "clip") == content ? 0 : 1;
+              }),
+              0);
 }
 
 TEST(DeviceReader, Open_WhatIsNoRegularFile_IsRefused) {
@@ -271,6 +292,46 @@ TEST_F(DeviceReaderOnFaultyDrive, Read_DeviceErrorHalfWay_IsThrown) {
     const FaultyFileSystem drive(back(), mount(), {.failReadAt = 100'000});
 
     EXPECT_EQ(codeOfReading(drive.path() / "clip"), EIO);
+}
+
+TEST_F(DeviceReaderOnFaultyDrive, Read_DeviceErrorInTheBlockReadAhead_IsThrownWhenItIsAskedFor) {
+    const std::string content = noise(300'001);
+    writeFile(back() / "clip", content);
+    const FaultyFileSystem drive(back(), mount(), {.failReadAt = blockSize / 2});
+    File file = File::openForReading(drive.path() / "clip");
+    const DriveCache cache(file.descriptor());
+    const AlignedBuffer memory(blockSize);
+    WorkerThread worker;
+    DeviceReader reader(std::move(file), cache, memory.bytes(), worker);
+
+    const auto first = reader.next();
+    worker.finish();
+
+    EXPECT_TRUE(textOf(first) == content.substr(0, blockSize / 2));
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        try {
+            reader.next();
+            ADD_FAILURE() << "nothing was thrown";
+        } catch (const SystemError& error) {
+            EXPECT_EQ(error.code(), EIO);
+        }
+    }
+}
+
+// What is still on its way would land in memory that may have been given to somebody else.
+TEST_F(DeviceReaderOnFaultyDrive, Destroy_BlockStillBeingReadAhead_WaitsForIt) {
+    const std::string content = noise(blockSize);
+    writeFile(back() / "clip", content);
+    const FaultyFileSystem drive(back(), mount(), {.delay = 200});
+    const AlignedBuffer memory(blockSize);
+    WorkerThread worker;
+    {
+        File file = File::openForReading(drive.path() / "clip");
+        const DriveCache cache(file.descriptor());
+        DeviceReader reader(std::move(file), cache, memory.bytes(), worker);
+        reader.next();
+    }
+    EXPECT_TRUE(textOf(memory.bytes()) == content);
 }
 
 TEST_F(DeviceReaderOnFaultyDrive, Open_DeviceError_IsThrown) {

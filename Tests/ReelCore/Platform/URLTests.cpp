@@ -1,5 +1,6 @@
 #include "ReelCore/Platform/URL.h"
 
+#include "ReelCore/Platform/CompactURL.h"
 #include "Support/Tool.h"
 
 #include <vector>
@@ -17,6 +18,19 @@ std::string pathReadByPython(const std::string& url) {
                     "import sys, urllib.parse as p\n"
                     "sys.stdout.buffer.write(p.unquote_to_bytes(p.urlparse(sys.argv[1]).path))",
                     url});
+}
+
+TEST(CompactURL, AnyPath_ComesBackByteForByte) {
+    for (const URL path : {"", "/", "a", "/a//b/../c/", "/a/\xFF\n"}) {
+        const CompactURL kept = path;
+        EXPECT_EQ(kept.native(), path.native());
+        EXPECT_EQ(URL(kept).native(), path.native());
+    }
+}
+
+TEST(CompactURL, OfTheSameText_AreEqual) {
+    EXPECT_EQ(CompactURL(URL("/a/b")), CompactURL(URL("/a/b")));
+    EXPECT_NE(CompactURL(URL("/a/b")), CompactURL(URL("/a/c")));
 }
 
 TEST(WithoutSlashAtEnd, Slashes_GoButTheRootStays) {

@@ -58,6 +58,19 @@ TEST(MHLWriter, DriveThatTakesABeginningOnly_IsLeftWithoutIt) {
     EXPECT_FALSE(std::filesystem::exists(backing.path() / "A001.mhl"));
 }
 
+TEST(MHLWriter, DriveThatFailsInTheMiddleOfALongList_IsLeftWithoutIt) {
+    if (!FaultyFileSystem::isAvailable()) GTEST_SKIP() << "needs FUSE";
+    const TemporaryFolder backing;
+    const TemporaryFolder mountPoint;
+    const FaultyFileSystem drive(backing.path(), mountPoint.path(), {.failWriteAt = 300'000});
+    const OffloadResult result =
+        sampleOffload(std::vector<FileVerification>(2000, sampleFile("a.mov", 5)));
+
+    EXPECT_EQ(codeOfFailure(result, drive.path()), EIO);
+
+    EXPECT_FALSE(std::filesystem::exists(backing.path() / "A001.mhl"));
+}
+
 TEST(MHLWriter, ListThatDoesNotReachTheDevice_IsTakenAway) {
     if (!FaultyFileSystem::isAvailable()) GTEST_SKIP() << "needs FUSE";
     const TemporaryFolder backing;

@@ -166,6 +166,21 @@ TEST(MHLWriter, OldListOfThatName_IsReplacedWhole) {
     EXPECT_EQ(readFile(list), expectedHead() + "</hashlist>\n");
 }
 
+TEST(MHLWriter, ManyFiles_AreListedOnceEachInOrder) {
+    const TemporaryFolder folder;
+    std::vector<std::string> paths;
+    std::vector<FileVerification> files;
+    for (int i = 0; i < 2000; ++i) {
+        paths.push_back("CLIP/C" + std::to_string(i) + ".MXF");
+        files.push_back(sampleFile(paths.back(), i));
+    }
+
+    const URL list = writer.write(sampleOffload(files), folder.path());
+
+    EXPECT_EQ(elementTexts(list, "file"), paths);
+    EXPECT_EQ(elementTexts(list, "hash").size(), paths.size());
+}
+
 TEST(MHLWriter, SameNameInTwoFolders_GivesTwoEntriesWithTheirPaths) {
     const TemporaryFolder folder;
 
