@@ -33,6 +33,7 @@ Rectangle {
             color: card.tint
             font: Theme.headline
             symbolSize: Theme.iconSize + 2
+            Layout.bottomMargin: Theme.tiny
         }
     }
 }
