@@ -1,6 +1,5 @@
 pragma ComponentBehavior: Bound
 import QtQuick
-import QtQuick.Controls.Basic
 import Keldo.Components
 
 // Every component in a plain column, which gives none a width.

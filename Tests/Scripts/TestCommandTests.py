@@ -40,7 +40,7 @@ class TestCommandTests(unittest.TestCase):
         (self.tree / "Scripts").mkdir()
         shutil.copy(TREE / "test", self.tree)
         shutil.copy(TREE / "Scripts/junit-counts", self.tree / "Scripts")
-        for script in ("install-dependencies", "layers", "format"):
+        for script in ("install-dependencies", "layers", "screen-sizes", "format", "qmllint"):
             self.script(f"Scripts/{script}", "true")
         self.script("Tests/Scripts/SomeTests.py", "true")
         self.script("Fuzz/run", "true")
@@ -61,8 +61,9 @@ class TestCommandTests(unittest.TestCase):
                  "RESULTS": results, "BROKEN": broken})
         return run.returncode, run.stdout.splitlines()
 
-    # layers, scripts, format; configure and build of three presets; tour, benchmark, fuzzers.
-    STAGES = 3 + 6 + 3
+    # layers, sizes, scripts, format; three presets configured and built; qmllint, tour, benchmark,
+    # fuzzers.
+    STAGES = 4 + 6 + 4
 
     def test_AllPasses_CountsStagesAndTestsOfThreeBuilds(self):
         status, lines = self.run_test(results=PASSED)
@@ -71,31 +72,31 @@ class TestCommandTests(unittest.TestCase):
 
     def test_Quick_RunsChecksAndReleaseTestsAlone(self):
         status, lines = self.run_test("--quick", results=PASSED * 2)
-        self.assertEqual(lines[-1], "7 passed, 0 failed, 0 skipped")
+        self.assertEqual(lines[-1], "9 passed, 0 failed, 0 skipped")
         self.assertEqual(status, 0)
 
     def test_OneTestFails_FailsAndShowsIt(self):
         status, lines = self.run_test("--quick", results=PASSED + FAILED)
-        self.assertEqual(lines[-3:], ["Failed:", "  release tests", "6 passed, 1 failed, 0 skipped"])
+        self.assertEqual(lines[-3:], ["Failed:", "  release tests", "8 passed, 1 failed, 0 skipped"])
         self.assertEqual(status, 1)
 
     def test_OneTestSkips_NamesItAndItsReason(self):
         status, lines = self.run_test("--quick", results=PASSED + SKIPPED)
         self.assertEqual(lines[-3:], ["Skipped:", "  release: C: needs a loop device",
-                                      "6 passed, 0 failed, 1 skipped"])
+                                      "8 passed, 0 failed, 1 skipped"])
         self.assertEqual(status, 0)
 
     def test_NoTestFound_Fails(self):
         self.script("bin/ctest", "exit 8")
         status, lines = self.run_test("--quick")
-        self.assertEqual(lines[-1], "5 passed, 1 failed, 0 skipped")
+        self.assertEqual(lines[-1], "7 passed, 1 failed, 0 skipped")
         self.assertEqual(status, 1)
 
     def test_LayersFail_GoesOnToTheTests(self):
         self.script("Scripts/layers", "echo a finding; exit 1")
         status, lines = self.run_test("--quick")
         self.assertIn("        a finding", lines)
-        self.assertEqual(lines[-1], "5 passed, 1 failed, 0 skipped")
+        self.assertEqual(lines[-1], "7 passed, 1 failed, 0 skipped")
         self.assertEqual(status, 1)
 
     def test_SanitizerBuildFails_GoesOnToTheOthers(self):

@@ -34,6 +34,7 @@ Rectangle {
             color: card.tint
             font: Theme.headline
             symbolSize: Theme.iconSize + 2
+            Layout.bottomMargin: Theme.tiny
         }
     }
 }

@@ -75,7 +75,7 @@ Popup {
                 currentIndex = 0;
             else if (event.key === Qt.Key_End)
                 currentIndex = count - 1;
-            else if (event.text.trim() !== "")
+            else if (event.text > " ")
                 list.find(event.text);
             else
                 event.accepted = false;

@@ -19,7 +19,7 @@ Rectangle {
     StatusRow {
         id: status
         objectName: row.objectName
-        anchors { fill: parent; leftMargin: Theme.regular; rightMargin: Theme.tiny }
+        anchors { fill: parent; leftMargin: Theme.regular; rightMargin: Theme.small }
         title: row.title
         titleFont: row.detail === "" ? Theme.body : Theme.emphasis
         detail: row.detail

@@ -25,6 +25,9 @@ FocusScope {
     Layout.fillWidth: true
     Layout.fillHeight: true
     Keys.onPressed: event => event.accepted = scrolling.key(event)
+    // From what Tab does not stop at, the toolkit would begin anew at the top of the window.
+    Keys.onTabPressed: scrolling.focused.nextItemInFocusChain(true).forceActiveFocus(Qt.TabFocusReason)
+    Keys.onBacktabPressed: scrolling.focused.nextItemInFocusChain(false).forceActiveFocus(Qt.BacktabFocusReason)
 
     // Where the focus is while it is on no control, and where it goes from one that is hidden.
     Item {

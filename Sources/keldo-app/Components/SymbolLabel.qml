@@ -17,6 +17,7 @@ Item {
     implicitWidth: row.implicitWidth
     implicitHeight: row.implicitHeight
     Layout.fillWidth: true
+    Layout.minimumWidth: Math.min(implicitWidth, Theme.labelWidth)
 
     RowLayout {
         id: row

@@ -9,18 +9,13 @@ ProgressCard {
     readonly property var progress: model.progress
 
     function phaseText(phase) {
-        switch (phase) {
-        case "scanning":
-            return "Scanning source…";
-        case "copying":
-            return "Copying to all drives…";
-        case "verifying":
-            return "Verifying checksums…";
-        case "writingReport":
-            return "Writing hash report…";
-        default:
-            return "Finishing…";
-        }
+        const words = {
+            scanning: "Scanning source…",
+            copying: "Copying to all drives…",
+            verifying: "Verifying checksums…",
+            writingReport: "Writing hash report…"
+        };
+        return words[phase] ?? "Finishing…";
     }
 
     objectName: "offload.running"

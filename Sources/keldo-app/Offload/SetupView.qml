@@ -1,13 +1,22 @@
+pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Layouts
 import Keldo.Components
 import Keldo.Offload
 
+// The card, the drives, and how they are copied.
 ColumnLayout {
     id: view
 
     required property OffloadViewModel model
     readonly property var algorithms: model.algorithms
+
+    // The keyboard goes on where the row was.
+    function remove(row, byKeyboard) {
+        model.removeDestination(row);
+        if (byKeyboard)
+            (drives.itemAt(Math.min(row, drives.count - 1))?.button ?? add).forceActiveFocus(Qt.TabFocusReason);
+    }
 
     spacing: Theme.wide
 
@@ -23,13 +32,7 @@ ColumnLayout {
             buttonDescription: "Choose the camera card"
             onChosen: view.model.chooseSource()
         }
-        SymbolLabel {
-            objectName: "offload.scanning"
-            visible: view.model.stage === OffloadViewModel.Stage.scanning
-            text: "Scanning…"
-            symbol: "magnifyingglass"
-            color: Theme.secondary
-        }
+        SymbolLabel { objectName: "offload.scanning"; visible: view.model.stage === OffloadViewModel.Stage.scanning; text: "Scanning…"; symbol: "magnifyingglass"; color: Theme.secondary }
         Badges {
             objectName: "offload.scan"
             visible: view.model.stage === OffloadViewModel.Stage.setup && view.model.scan !== undefined
@@ -43,9 +46,38 @@ ColumnLayout {
         title: "Backup Drives"
         systemImage: "externaldrive"
 
-        DriveList {
-            model: view.model
-            onEmptied: add.forceActiveFocus(Qt.TabFocusReason)
+        Note {
+            objectName: "offload.nodrives"
+            visible: drives.count === 0
+            text: "Add at least two drives for a safe, format-eligible offload."
+            font: Theme.body
+        }
+        Repeater {
+            id: drives
+            model: view.model.destinations
+
+            FileRow {
+                id: drive
+
+                required property int index
+                required property string name
+                required property string path
+                readonly property alias button: remove
+
+                objectName: "offload.drive." + index
+                title: name
+                detail: path
+                symbol: "externaldrive.fill"
+
+                IconButton {
+                    id: remove
+                    objectName: "offload.remove." + drive.index
+                    symbol: "minus.circle.fill"
+                    text: "Remove " + drive.title
+                    color: Theme.danger
+                    onClicked: view.remove(drive.index, visualFocus)
+                }
+            }
         }
         ActionButton {
             id: add
@@ -83,10 +115,14 @@ ColumnLayout {
             }
         }
     }
+    Notices {
+        objectName: "offload.startObjection"
+        lines: view.model.startObjection === "" ? [] : [view.model.startObjection]
+    }
     RowLayout {
         SymbolLabel {
             objectName: "offload.warning"
-            visible: view.model.destinations.count === 1
+            visible: drives.count === 1
             text: "One drive copies fine, but formatting stays locked until you add a second."
             symbol: "exclamationmark.triangle.fill"
             color: Theme.attention

@@ -50,6 +50,9 @@ ApplicationWindow {
                     font: Theme.print
                 }
             }
+            Item {
+                Layout.fillWidth: true
+            }
             SegmentedControl {
                 objectName: "mode"
                 name: "Mode"

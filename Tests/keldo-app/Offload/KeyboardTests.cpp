@@ -145,7 +145,9 @@ TEST_F(KeyboardTests, Start_FromTheFootOfALongSetup_ShowsTheRunFromItsTop) {
 
 TEST_F(KeyboardTests, Return_OnAButtonWithTheRing_PressesItAndStartsNothing) {
     setUpOffload();
-    driver_->focus("offload.add");
+    driver_->focus("offload.remove.1");
+    driver_->key(Qt::Key_Tab);
+    ASSERT_EQ(driver_->focused(), "offload.add");
     desktop_.answers = {drive("EMPTY")};
     driver_->key(Qt::Key_Return);
     EXPECT_EQ(driver_->text("offload.drive.2"), "EMPTY");
