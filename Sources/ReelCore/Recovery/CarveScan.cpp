@@ -82,7 +82,7 @@ public:
     }
 
 private:
-    static constexpr std::int64_t pieceSize = 0x40000;
+    static constexpr std::int64_t pieceSize = 0x10000;
     /// What a piece shares with the next: no less than the longest signature with what it needs
     /// behind it.
     static constexpr std::int64_t overlap = 32;

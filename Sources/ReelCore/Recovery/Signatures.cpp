@@ -27,18 +27,20 @@ bool isWaveAt(Bytes bytes, std::size_t match) {
     return cursor.skip(8) && cursor.text(4) == "WAVE";
 }
 
-/// A pair of bytes as a number, in whatever order this processor reads them.
-std::uint16_t pairAt(const void* bytes) {
+/// Most of a pair of bytes as a number, in whatever order this processor reads them: few enough
+/// for a table that stays in the nearest cache.
+constexpr std::size_t pairCount = 0x2000;
+std::size_t pairAt(const void* bytes) {
     std::uint16_t pair;
     std::memcpy(&pair, bytes, sizeof(pair));
-    return pair;
+    return pair % pairCount;
 }
 
 /// Every signature begins with four bytes of its own, and so, wherever it stands, one of their
 /// three pairs stands at a place that can be divided by three: the others need no look. Which of
 /// the three a pair is, from 1 on; 0 where it is none.
 constexpr std::size_t stride = 3;
-using Pairs = std::array<std::uint8_t, 0x10000>;
+using Pairs = std::array<std::uint8_t, pairCount>;
 
 Pairs telltalePairs() {
     Pairs pairs{};
