@@ -16,34 +16,32 @@ std::optional<Finding> ProResWalker::walk(std::int64_t start) {
     constexpr std::int64_t fewestFrames = 3;
     std::int64_t frames = 0;
     std::int64_t lastFrame = 0;
-    std::optional<std::int64_t> position = start;
-    while (position && *position <= ground_.total() - headSize) {
-        if (const auto size = frameAt(*position)) {
+    std::int64_t position = start;
+    while (position <= ground_.total() - headSize) {
+        if (const std::int64_t size = frameAt(position)) {
             if (++frames == fewestFrames) ground_.settle();
-            lastFrame = *position;
-            *position += *size;
+            lastFrame = position;
+            position += size;
         } else {
-            position = nextFrame(start, *position);
+            position = nextFrame(start, position);
         }
     }
     if (frames < fewestFrames) return std::nullopt;
     return Finding{FindingKind::orphanProRes, start, lastFrame - start, false};
 }
 
-bool ProResWalker::isFrameSize(std::optional<std::int64_t> size, std::int64_t offset) const {
-    return size && *size >= smallestProResFrame && *size <= largestProResFrame &&
-           *size <= ground_.total() - offset;
-}
-
-std::optional<std::int64_t> ProResWalker::frameAt(std::int64_t offset) {
-    const auto size = proResFrameSize(ground_.read(offset, headSize));
-    if (!isFrameSize(size, offset)) return std::nullopt;
-    return size;
+/// The size of the whole frame that begins at an offset; 0 where none does.
+std::int64_t ProResWalker::frameAt(std::int64_t offset) {
+    const std::int64_t size = proResFrameSize(ground_.read(offset, headSize)).value_or(0);
+    const bool isWhole = size >= smallestProResFrame && size <= largestProResFrame &&
+                         size <= ground_.total() - offset;
+    return isWhole ? size : 0;
 }
 
 /// Sound may lie between two frames, up to 8 MiB with the next frame's head. Blocks are searched
-/// from their beginning on, so that what is known of one holds for every place in it.
-std::optional<std::int64_t> ProResWalker::nextFrame(std::int64_t start, std::int64_t from) {
+/// from their beginning on, so that what is known of one holds for every place in it. The image's
+/// end where no frame follows.
+std::int64_t ProResWalker::nextFrame(std::int64_t start, std::int64_t from) {
     constexpr std::int64_t widestGap = 0x800000;
     const std::int64_t end = std::min(from + widestGap, ground_.total()) - headSize;
     const std::int64_t block = from - from % blockSize;
@@ -54,8 +52,7 @@ std::optional<std::int64_t> ProResWalker::nextFrame(std::int64_t start, std::int
         at = searchBlock(from).value_or(from);
         if (at == block + blockSize) at = skipFrameless(start, at, end);
     }
-    if (at < from || at > end || !frameAt(at)) return std::nullopt;
-    return at;
+    return at >= from && at <= end && frameAt(at) > 0 ? at : ground_.total();
 }
 
 /// The first frame that begins in a block or in one behind it; where none does up to `end`, or what
@@ -89,7 +86,7 @@ std::optional<std::int64_t> ProResWalker::searchBlock(std::int64_t from) {
     while (frame == blockEnd && search.next()) {
         const auto& [offset, kind] = search.hit();
         const std::int64_t at = from + static_cast<std::int64_t>(offset);
-        if (kind == FindingKind::orphanProRes && frameAt(at)) frame = at;
+        if (kind == FindingKind::orphanProRes && frameAt(at) > 0) frame = at;
     }
     ground_.pay(frame - from);
     return frame;

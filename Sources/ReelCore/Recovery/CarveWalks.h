@@ -18,7 +18,7 @@ namespace ReelCore {
 // A walker serves one scan, whose starts ascend and never lie within what it has found.
 
 /// Steps of a walk that are sooner taken than looked up.
-inline constexpr std::int64_t shortWay = 1;
+inline constexpr std::int64_t shortWay = 2;
 
 /// Follows the boxes of a QuickTime or MP4 file.
 class MovieWalker {
@@ -46,9 +46,8 @@ private:
     static constexpr int blockBits = 14;
     static constexpr std::int64_t blockSize = 1 << blockBits;
 
-    std::optional<std::int64_t> frameAt(std::int64_t offset);
-    bool isFrameSize(std::optional<std::int64_t> size, std::int64_t offset) const;
-    std::optional<std::int64_t> nextFrame(std::int64_t start, std::int64_t from);
+    std::int64_t frameAt(std::int64_t offset);
+    std::int64_t nextFrame(std::int64_t start, std::int64_t from);
     std::int64_t skipFrameless(std::int64_t start, std::int64_t from, std::int64_t end);
     std::optional<std::int64_t> searchBlock(std::int64_t from);
     std::span<const std::byte> read(std::int64_t from, std::int64_t end);
