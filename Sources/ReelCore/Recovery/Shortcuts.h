@@ -13,8 +13,8 @@ namespace ReelCore {
 /// Walks that come together share one way from there on, so that as soon as one of them goes
 /// further all others do. Room is fixed, 4.5 MiB at most: of a long way evenly spread places are
 /// kept, where two places need the same slot the one nearer to the scan has it, and the oldest ways
-/// are forgotten. What is forgotten is walked again, for which CarveGround makes walks pay: findings
-/// do not depend on what is kept here.
+/// are forgotten. What is forgotten is walked again, for which CarveGround makes walks pay:
+/// findings do not depend on what is kept here.
 class Shortcuts {
 public:
     /// Places lie `2^grainBits` bytes or more apart, as a rule.
