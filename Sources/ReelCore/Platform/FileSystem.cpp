@@ -64,6 +64,7 @@ void FileSystem::createFolders(const URL& folder) {
 
 void FileSystem::flushFolder(const URL& folder) {
     const OpenFolder open = openFolder(folder, FolderLinks::follow);
+    if (!open && errno == EACCES) return;
     if (!open) throwSystemError(folder);
     while (::fsync(::dirfd(open.get())) != 0) {
         if (errno == EINVAL) return;

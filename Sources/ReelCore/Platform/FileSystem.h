@@ -38,7 +38,7 @@ struct FileSystem {
     static void createFolders(const URL& folder);
 
     /// Makes the names in a folder durable on their device. Does nothing where the file system
-    /// knows no such order.
+    /// knows no such order, or where the folder may be written to but not be listed.
     static void flushFolder(const URL& folder);
 
     /// Tells one folder or file from another, whatever their paths; for what is missing, nothing.

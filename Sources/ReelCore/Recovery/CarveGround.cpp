@@ -27,16 +27,6 @@ CarveGround::CarveGround(const File& image, std::int64_t total, std::function<bo
     begin(0);
 }
 
-void CarveGround::begin(std::int64_t start) {
-    constexpr std::int64_t isFree = 8 * readPrice;
-    const std::int64_t used = isSettled_ ? used_ : allowed_ - std::max<std::int64_t>(left_, 0);
-    credit_ += start - start_ - std::max<std::int64_t>(used - isFree, 0);
-    start_ = start;
-    allowed_ = std::max<std::int64_t>(credit_, 0) / 2 + isFree;
-    left_ = isCancelled_ ? -1 : allowed_;
-    isSettled_ = false;
-}
-
 bool CarveGround::askCancelled() {
     lastAsked_ = std::chrono::steady_clock::now();
     isCancelled_ = isCancelled_ || isCancelledNow_();
@@ -58,6 +48,24 @@ void CarveGround::load(std::size_t slot, std::int64_t offset) {
     const auto room = std::span(bytes_).subspan(slot * pageRoom, pageRoom);
     const std::int64_t number = offset / pageSize;
     pages_[slot] = {number, readPiece(image_, number * pageSize, room).size()};
+}
+
+std::span<const std::byte> CarveGround::rest(std::int64_t offset, std::size_t size) {
+    const std::size_t slot = slotOf(offset);
+    if (pages_[slot].number != offset / pageSize) load(slot, offset);
+    pay(readPrice);
+    if (left_ < 0) return {};
+    const auto within = static_cast<std::size_t>(offset % pageSize);
+    const std::size_t end = std::min(within + size, pages_[slot].size);
+    if (end <= within) return {};
+    return std::span(bytes_).subspan(slot * pageRoom + within, end - within);
+}
+
+std::span<const std::byte> CarveGround::readPaged(std::int64_t offset, std::size_t size) {
+    const auto wanted =
+        static_cast<std::size_t>(std::min(static_cast<std::int64_t>(size), total_ - offset));
+    const auto bytes = rest(offset, wanted);
+    return bytes.size() >= wanted ? bytes : readShort(offset, wanted);
 }
 
 /// Where a page can't be read, or not whole, the few bytes may be.

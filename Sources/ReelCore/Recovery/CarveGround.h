@@ -32,14 +32,22 @@ public:
     std::int64_t total() const { return total_; }
 
     /// A walk begins. Beginnings ascend, but for the few bytes that two chunks share.
-    void begin(std::int64_t start);
+    void begin(std::int64_t start) {
+        constexpr std::int64_t isFree = 8 * readPrice;
+        const std::int64_t used = isSettled_ ? used_ : usedSoFar();
+        credit_ += start - start_ - std::max<std::int64_t>(used - isFree, 0);
+        start_ = start;
+        allowed_ = std::max<std::int64_t>(credit_, 0) / 2 + isFree;
+        left_ = isCancelled_ ? -1 : allowed_;
+        isSettled_ = false;
+    }
 
     /// The walk is sure of a finding. A WAV is by its first bytes: where its chunks could not all
     /// be paid for, it ends by the size that it tells.
     void settle() {
         if (isSettled_ || isCancelled_) return;
         isSettled_ = true;
-        used_ = allowed_ - std::max<std::int64_t>(left_, 0);
+        used_ = usedSoFar();
         left_ = unlimited;
     }
 
@@ -51,24 +59,27 @@ public:
     bool askCancelled();
     bool askCancelledInTime();
 
-    /// The bytes at an offset, up to 32: fewer at the image's end, nothing where they can't be
-    /// read. They stay until the next call.
-    std::span<const std::byte> read(std::int64_t offset, std::size_t size) {
-        const auto held = rest(offset, size);
-        return held.size() >= size ? held : readShort(offset, size);
+    /// What the scan has just read there need not be read again. It must stay until the next call.
+    void hold(std::span<const std::byte> piece, std::int64_t offset) {
+        held_ = piece;
+        heldAt_ = offset;
     }
 
-    /// As many of them as are held together; otherwise the same, but for the end of the image.
-    std::span<const std::byte> rest(std::int64_t offset, std::size_t size) {
-        const std::size_t slot = slotOf(offset);
-        if (pages_[slot].number != offset / pageSize) load(slot, offset);
-        left_ -= readPrice;
+    /// The bytes at an offset within the image, up to 32: fewer at its end, nothing where they
+    /// can't be read. They stay until the next call.
+    std::span<const std::byte> read(std::int64_t offset, std::size_t size) {
+        const auto within = static_cast<std::uint64_t>(offset - heldAt_);
+        if (within + size > held_.size()) return readPaged(offset, size);
+        pay(readPrice);
         if (left_ < 0) return {};
-        const auto within = static_cast<std::size_t>(offset % pageSize);
-        const std::size_t end = std::min(within + size, pages_[slot].size);
-        if (end <= within) return {};
-        return std::span(bytes_).subspan(slot * pageRoom + within, end - within);
+        return held_.subspan(static_cast<std::size_t>(within), size);
     }
+
+    /// As many of them as are at hand together.
+    std::span<const std::byte> rest(std::int64_t offset, std::size_t size);
+
+    /// For what a walk does beside reading.
+    void pay(std::int64_t price) { left_ -= price; }
 
     /// As many bytes as `into` takes, to be searched.
     std::span<const std::byte> read(std::int64_t offset, std::span<std::byte> into);
@@ -86,12 +97,15 @@ private:
         std::size_t size = 0;  ///< With what it shares with the next.
     };
 
+    std::int64_t usedSoFar() const { return allowed_ - std::max<std::int64_t>(left_, 0); }
+
     /// Spreads the pages evenly: those a round number of bytes apart get slots of their own.
     static std::size_t slotOf(std::int64_t offset) {
         const auto number = static_cast<std::uint64_t>(offset / pageSize);
         return static_cast<std::size_t>(number * 0x9E3779B97F4A7C15U >> 55U);
     }
 
+    std::span<const std::byte> readPaged(std::int64_t offset, std::size_t size);
     void load(std::size_t slot, std::int64_t offset);
     std::span<const std::byte> readShort(std::int64_t offset, std::size_t size);
 
@@ -108,6 +122,8 @@ private:
     std::int64_t used_ = 0;     ///< and what it had used when it was sure of a finding.
     bool isSettled_ = false;
 
+    std::span<const std::byte> held_;  ///< What the scan is searching,
+    std::int64_t heldAt_ = 0;          ///< and where it stands.
     std::array<Page, pageCount> pages_;
     std::vector<std::byte> bytes_;  ///< Of the pages, and room for one read.
 };

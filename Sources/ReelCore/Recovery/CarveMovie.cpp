@@ -16,10 +16,22 @@ constexpr std::uint32_t code(const char (&type)[5]) {
 }
 
 bool isKnown(std::uint32_t type) {
-    static constexpr std::array types{code("ftyp"), code("moov"), code("mdat"), code("free"),
-                                      code("skip"), code("wide"), code("uuid"), code("meta"),
-                                      code("moof"), code("mfra"), code("pnot")};
-    return std::ranges::find(types, type) != types.end();
+    switch (type) {
+        case code("ftyp"):
+        case code("moov"):
+        case code("mdat"):
+        case code("free"):
+        case code("skip"):
+        case code("wide"):
+        case code("uuid"):
+        case code("meta"):
+        case code("moof"):
+        case code("mfra"):
+        case code("pnot"):
+            return true;
+        default:
+            return false;
+    }
 }
 
 struct Box {
@@ -54,6 +66,7 @@ bool MovieWalker::endsAt(std::int64_t offset) {
 std::optional<Finding> MovieWalker::walk(std::int64_t start) {
     const std::int64_t total = ground_.total();
     std::int64_t position = start;
+    std::int64_t boxes = 0;
     bool sawMoov = false;
     bool sawMdat = false;
     bool reachedTail = false;
@@ -62,7 +75,7 @@ std::optional<Finding> MovieWalker::walk(std::int64_t start) {
     };
     ways_.begin(start);
     while (position <= total - 8) {
-        if (position != start && !sawMoov && !sawMdat) {
+        if (++boxes > shortWay && !sawMoov && !sawMdat) {
             const std::int64_t further = ways_.pass(position);
             if (further != position) {
                 position = further;

@@ -3,7 +3,6 @@
 #include "ReelCore/Recovery/Signatures.h"
 
 #include <algorithm>
-#include <string_view>
 
 namespace ReelCore {
 
@@ -17,51 +16,51 @@ std::optional<Finding> ProResWalker::walk(std::int64_t start) {
     constexpr std::int64_t fewestFrames = 3;
     std::int64_t frames = 0;
     std::int64_t lastFrame = 0;
-    std::optional<std::int64_t> position = start;
-    while (position && *position <= ground_.total() - headSize) {
-        if (const auto size = frameAt(*position)) {
+    std::int64_t position = start;
+    while (position <= ground_.total() - headSize) {
+        if (const std::int64_t size = frameAt(position)) {
             if (++frames == fewestFrames) ground_.settle();
-            lastFrame = *position;
-            *position += *size;
+            lastFrame = position;
+            position += size;
         } else {
-            position = nextFrame(start, *position);
+            position = nextFrame(start, position);
         }
     }
     if (frames < fewestFrames) return std::nullopt;
     return Finding{FindingKind::orphanProRes, start, lastFrame - start, false};
 }
 
-bool ProResWalker::isFrameSize(std::optional<std::int64_t> size, std::int64_t offset) const {
-    return size && *size >= smallestProResFrame && *size <= largestProResFrame &&
-           *size <= ground_.total() - offset;
-}
-
-std::optional<std::int64_t> ProResWalker::frameAt(std::int64_t offset) {
-    const auto size = proResFrameSize(ground_.read(offset, headSize));
-    if (!isFrameSize(size, offset)) return std::nullopt;
-    return size;
+/// The size of the whole frame that begins at an offset; 0 where none does.
+std::int64_t ProResWalker::frameAt(std::int64_t offset) {
+    const std::int64_t size = proResFrameSize(ground_.read(offset, headSize)).value_or(0);
+    const bool isWhole = size >= smallestProResFrame && size <= largestProResFrame &&
+                         size <= ground_.total() - offset;
+    return isWhole ? size : 0;
 }
 
 /// Sound may lie between two frames, up to 8 MiB with the next frame's head. Blocks are searched
-/// from their beginning on, so that what is known of one holds for every place in it.
-std::optional<std::int64_t> ProResWalker::nextFrame(std::int64_t start, std::int64_t from) {
+/// from their beginning on, so that what is known of one holds for every place in it. The image's
+/// end where no frame follows.
+std::int64_t ProResWalker::nextFrame(std::int64_t start, std::int64_t from) {
     constexpr std::int64_t widestGap = 0x800000;
     const std::int64_t end = std::min(from + widestGap, ground_.total()) - headSize;
     const std::int64_t block = from - from % blockSize;
-    std::int64_t at = skipFrameless(start, block, end);
+    if (block != skippedFrom_) skippedFrom_ = skippedTo_ = block;
+    skippedTo_ = skipFrameless(start, skippedTo_, end);
+    std::int64_t at = skippedTo_;
     if (at < from) {
         at = searchBlock(from).value_or(from);
         if (at == block + blockSize) at = skipFrameless(start, at, end);
     }
-    if (at < from || at > end || !frameAt(at)) return std::nullopt;
-    return at;
+    return at >= from && at <= end && frameAt(at) > 0 ? at : ground_.total();
 }
 
 /// The first frame that begins in a block or in one behind it; where none does up to `end`, or what
-/// follows can't be read, how far that is known.
-std::int64_t ProResWalker::skipFrameless(std::int64_t start, std::int64_t block, std::int64_t end) {
+/// follows can't be read, how far that is known. It is known of a place within a block.
+std::int64_t ProResWalker::skipFrameless(std::int64_t start, std::int64_t from, std::int64_t end) {
+    std::int64_t at = from;
+    if (at > end || at % blockSize != 0) return at;
     frameless_.begin(start);
-    std::int64_t at = block;
     while (at <= end && at % blockSize == 0) {
         const std::int64_t further = frameless_.pass(at);
         if (further != at) {
@@ -80,18 +79,31 @@ std::int64_t ProResWalker::skipFrameless(std::int64_t start, std::int64_t block,
 /// where it can't be read.
 std::optional<std::int64_t> ProResWalker::searchBlock(std::int64_t from) {
     const std::int64_t blockEnd = from - from % blockSize + blockSize;
-    const std::int64_t wanted = std::min(blockEnd + headSize - 1, ground_.total()) - from;
-    buffer_.resize(blockSize + headSize);
-    const auto bytes =
-        ground_.read(from, std::span(buffer_).first(static_cast<std::size_t>(wanted)));
-    if (std::ssize(bytes) < wanted) return std::nullopt;
-    const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-    for (auto tag = text.find(proResTag, 4); tag != text.npos;
-         tag = text.find(proResTag, tag + 1)) {
-        const std::int64_t frame = from + static_cast<std::int64_t>(tag) - 4;
-        if (isFrameSize(proResFrameSize(bytes.subspan(tag - 4)), frame)) return frame;
+    const auto bytes = read(from, std::min(blockEnd + headSize - 1, ground_.total()));
+    if (bytes.empty()) return std::nullopt;
+    SignatureSearch search(bytes);
+    std::int64_t frame = blockEnd;
+    while (frame == blockEnd && search.next()) {
+        const auto& [offset, kind] = search.hit();
+        const std::int64_t at = from + static_cast<std::int64_t>(offset);
+        if (kind == FindingKind::orphanProRes && frameAt(at) > 0) frame = at;
     }
-    return blockEnd;
+    ground_.pay(frame - from);
+    return frame;
+}
+
+/// The bytes of a range, which ends where its block does; nothing where they can't be read. The
+/// frames of a run follow each other through a block that is read once.
+std::span<const std::byte> ProResWalker::read(std::int64_t from, std::int64_t end) {
+    if (end != heldEnd_ || from < heldFrom_) {
+        buffer_.resize(blockSize + headSize);
+        const auto wanted = std::span(buffer_).first(static_cast<std::size_t>(end - from));
+        const bool isWhole = ground_.read(from, wanted).size() == wanted.size();
+        heldFrom_ = from;
+        heldEnd_ = isWhole ? end : from;
+    }
+    const auto held = static_cast<std::size_t>(heldEnd_ - heldFrom_);
+    return std::span(buffer_).first(held).subspan(static_cast<std::size_t>(from - heldFrom_));
 }
 
 }  // namespace ReelCore

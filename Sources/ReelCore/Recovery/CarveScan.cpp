@@ -32,7 +32,7 @@ public:
     std::optional<Finding> from(FindingKind kind, std::int64_t start) {
         ground_.begin(start);
         auto finding = walk(kind, start);
-        if (ground_.isCutOff()) return std::nullopt;
+        if (ground_.isCutOff()) finding.reset();
         return finding;
     }
 
@@ -65,7 +65,7 @@ public:
         : image_(image), ground_(image, total, isCancelled), walks_(ground_) {
         // Room that has to grow is held twice. What is never used takes no memory.
         constexpr std::int64_t smallestFinding = 12;
-        constexpr std::int64_t manyFindings = 3'000'000;
+        constexpr std::int64_t manyFindings = 0x1000000;
         findings_.reserve(
             static_cast<std::size_t>(std::min(total / smallestFinding, manyFindings)));
     }
@@ -74,7 +74,6 @@ public:
         const std::int64_t total = ground_.total();
         std::int64_t position = 0;
         while (position < total && !ground_.askCancelled()) {
-            image_.expectRead(position, chunkSize);
             if (!isHole(image_, position, total) && !searchChunk(position)) break;
             position = std::max(position + step, skipUntil_);
             progress({std::min(position, total), total, std::ssize(findings_)});
@@ -83,7 +82,7 @@ public:
     }
 
 private:
-    static constexpr std::int64_t pieceSize = 0x40000;
+    static constexpr std::int64_t pieceSize = 0x10000;
     /// What a piece shares with the next: no less than the longest signature with what it needs
     /// behind it.
     static constexpr std::int64_t overlap = 32;
@@ -93,6 +92,7 @@ private:
         const std::int64_t end = position + chunkSize;
         buffer_.resize(pieceSize + overlap);
         for (std::int64_t at = position; at < end; at += pieceSize) {
+            readAhead(at);
             const auto wanted = static_cast<std::size_t>(std::min(pieceSize + overlap, end - at));
             const auto into = std::span(buffer_).first(wanted);
             const auto piece = into.first(image_.readAt(at, into));
@@ -103,8 +103,21 @@ private:
         return true;
     }
 
+    /// Keeps the device busy while what it brought is searched, also from one chunk to the next.
+    void readAhead(std::int64_t at) {
+        constexpr std::int64_t distance = 0x800000;
+        constexpr std::int64_t part = 0x100000;
+        expected_ = std::max(expected_, at);
+        while (expected_ < std::min(at + distance, ground_.total())) {
+            image_.expectRead(expected_, part);
+            expected_ += part;
+        }
+    }
+
     void searchPiece(std::span<const std::byte> piece, std::int64_t at) {
+        ground_.hold(piece, at);
         SignatureSearch search(piece);
+        search.skipTo(static_cast<std::size_t>(std::max(skipUntil_ - at, std::int64_t{0})));
         while (search.next()) {
             const std::int64_t start = at + static_cast<std::int64_t>(search.hit().offset);
             // A hit in the overlap is the next piece's.
@@ -114,6 +127,7 @@ private:
             if (!finding) continue;
             findings_.push_back(*finding);
             skipUntil_ = finding->offset + finding->length;
+            search.skipTo(static_cast<std::size_t>(skipUntil_ - at));
         }
     }
 
@@ -123,6 +137,7 @@ private:
     std::vector<std::byte> buffer_;
     std::vector<Finding> findings_;
     std::int64_t skipUntil_ = 0;
+    std::int64_t expected_ = 0;  ///< What lies before it was asked for.
 };
 
 }  // namespace

@@ -17,10 +17,13 @@ namespace ReelCore {
 //
 // A walker serves one scan, whose starts ascend and never lie within what it has found.
 
+/// Steps of a walk that are sooner taken than looked up.
+inline constexpr std::int64_t shortWay = 2;
+
 /// Follows the boxes of a QuickTime or MP4 file.
 class MovieWalker {
 public:
-    explicit MovieWalker(CarveGround& ground) : ground_(ground), ways_(ground.total(), 3) {}
+    explicit MovieWalker(CarveGround& ground) : ground_(ground), ways_(ground.total(), 4) {}
 
     std::optional<Finding> walk(std::int64_t start);
 
@@ -43,28 +46,37 @@ private:
     static constexpr int blockBits = 14;
     static constexpr std::int64_t blockSize = 1 << blockBits;
 
-    std::optional<std::int64_t> frameAt(std::int64_t offset);
-    bool isFrameSize(std::optional<std::int64_t> size, std::int64_t offset) const;
-    std::optional<std::int64_t> nextFrame(std::int64_t start, std::int64_t from);
-    std::int64_t skipFrameless(std::int64_t start, std::int64_t block, std::int64_t end);
+    std::int64_t frameAt(std::int64_t offset);
+    std::int64_t nextFrame(std::int64_t start, std::int64_t from);
+    std::int64_t skipFrameless(std::int64_t start, std::int64_t from, std::int64_t end);
     std::optional<std::int64_t> searchBlock(std::int64_t from);
+    std::span<const std::byte> read(std::int64_t from, std::int64_t end);
 
     CarveGround& ground_;
-    Shortcuts frameless_;  ///< Over blocks in which no whole frame begins.
-    std::vector<std::byte> buffer_;
+    Shortcuts frameless_;            ///< Over blocks in which no whole frame begins.
+    std::int64_t skippedFrom_ = -1;  ///< The block that frames were last looked for in,
+    std::int64_t skippedTo_ = -1;    ///< and how far there is none.
+    std::vector<std::byte> buffer_;  ///< What was last searched,
+    std::int64_t heldFrom_ = 0;      ///< and where it begins
+    std::int64_t heldEnd_ = 0;       ///< and ends.
 };
 
 /// Follows the chunks of a WAV file, or its sound where it was never closed.
 class WaveWalker {
 public:
-    explicit WaveWalker(CarveGround& ground) : ground_(ground), chunks_(ground.total(), 3) {}
+    explicit WaveWalker(CarveGround& ground) : ground_(ground), chunks_(ground.total(), 4) {}
 
     std::optional<Finding> walk(std::int64_t start);
 
 private:
     static constexpr std::int64_t pieceSize = 0x40000;
 
-    std::int64_t lastChunk(std::int64_t start, std::int64_t limit);
+    struct ChunksEnd {
+        std::int64_t place = 0;
+        std::int64_t soundSize = 0;  ///< Of the sound that begins there.
+    };
+
+    ChunksEnd lastChunk(std::int64_t start, std::int64_t limit);
     std::int64_t boundary(std::int64_t from);
     std::optional<std::int64_t> blankRun(std::int64_t from, std::int64_t end);
     std::optional<std::int64_t> signature(std::int64_t from, std::int64_t end);

@@ -12,9 +12,8 @@ namespace {
 
 constexpr std::int64_t chunkHeaderSize = 8;
 
-bool isChunkID(std::string_view id) {
-    return std::ranges::all_of(
-        id, [](char c) { return static_cast<unsigned char>(c) < 0x80 && (c < '\n' || c > '\r'); });
+bool isText(char c) {
+    return static_cast<unsigned char>(c) < 0x80 && (c < '\n' || c > '\r');
 }
 
 struct Chunk {
@@ -27,8 +26,11 @@ std::optional<Chunk> chunkAt(CarveGround& ground, std::int64_t offset) {
     ByteCursor header(ground.read(offset, chunkHeaderSize));
     const auto id = header.text(4);
     const auto size = header.littleEndian<std::uint32_t>();
-    if (!id || !size || !isChunkID(*id)) return std::nullopt;
-    return Chunk{*id == "data", *size};
+    if (!id || !size) return std::nullopt;
+    const std::string_view four = *id;
+    const bool isID = isText(four[0]) && isText(four[1]) && isText(four[2]) && isText(four[3]);
+    if (!isID) return std::nullopt;
+    return Chunk{four == "data", *size};
 }
 
 constexpr std::size_t longBlank = 4096;
@@ -47,22 +49,26 @@ std::size_t skipToBlank(std::span<const std::byte> bytes) {
 
 /// Where the chunks from the beginning of a file on end: at sound, at what can be no chunk or one
 /// too large, or behind the limit.
-std::int64_t WaveWalker::lastChunk(std::int64_t start, std::int64_t limit) {
+WaveWalker::ChunksEnd WaveWalker::lastChunk(std::int64_t start, std::int64_t limit) {
     constexpr std::uint32_t largestChunk = 0x1000000;
-    std::int64_t cursor = start + 12;
+    ChunksEnd end{start + 12, 0};
+    std::int64_t chunks = 0;
     chunks_.begin(start);
-    while (cursor <= limit - chunkHeaderSize) {
-        const std::int64_t further = chunks_.pass(cursor);
-        if (further != cursor) {
-            cursor = further;
-            continue;
+    while (end.place <= limit - chunkHeaderSize) {
+        if (++chunks > shortWay) {
+            const std::int64_t further = chunks_.pass(end.place);
+            if (further != end.place) {
+                end.place = further;
+                continue;
+            }
         }
-        const auto chunk = chunkAt(ground_, cursor);
+        const auto chunk = chunkAt(ground_, end.place);
+        if (chunk && chunk->isData) end.soundSize = chunk->size;
         if (!chunk || chunk->isData || chunk->size >= largestChunk) break;
-        cursor += chunkHeaderSize + chunk->size + chunk->size % 2;
+        end.place += chunkHeaderSize + chunk->size + chunk->size % 2;
     }
-    chunks_.end(cursor);
-    return cursor;
+    chunks_.end(end.place);
+    return end;
 }
 
 /// Where a run of the bytes that blank flash reads as begins; absent where none lies whole before
@@ -137,16 +143,13 @@ std::optional<Finding> WaveWalker::walk(std::int64_t start) {
     const auto riffSize = riff.littleEndian<std::uint32_t>();
     if (!riffSize || !riff.skip(4)) return std::nullopt;
     const std::int64_t limit = std::min(total, start + farthest);
-    const std::int64_t last = lastChunk(start, limit);
-    const auto chunk =
-        last <= limit - chunkHeaderSize ? chunkAt(ground_, last) : std::optional<Chunk>();
-    const bool hasData = chunk && chunk->isData && chunk->size > 0;
-    const std::int64_t dataEnd = hasData ? last + chunkHeaderSize + chunk->size : 0;
+    const auto [last, soundSize] = lastChunk(start, limit);
+    const std::int64_t dataEnd = soundSize > 0 ? last + chunkHeaderSize + soundSize : 0;
     const std::int64_t riffEnd = *riffSize > 0 ? start + 8 + *riffSize : 0;
     ground_.settle();
     std::int64_t end = std::max(dataEnd, riffEnd);
     if (end == 0) end = boundary(std::max(start + 44, last + chunkHeaderSize));
-    return Finding{FindingKind::wave, start, std::min(total, end) - start, hasData};
+    return Finding{FindingKind::wave, start, std::min(total, end) - start, soundSize > 0};
 }
 
 }  // namespace ReelCore

@@ -1,5 +1,6 @@
 #include "ReelCore/Recovery/MdatIndex.h"
 
+#include "ReelCore/Platform/Arithmetic.h"
 #include "ReelCore/Platform/File.h"
 #include "ReelCore/Recovery/MoovRebuilder.h"
 #include "ReelCore/Recovery/ProResFrame.h"
@@ -114,6 +115,7 @@ public:
                 index_.videoSamples.push_back({position, *size});
                 position += *size;
                 index_.referencedEnd = position;
+                requireRoom();
                 continue;
             }
             if (cutFrameAt(position)) break;
@@ -125,6 +127,13 @@ public:
     }
 
 private:
+    /// A frame takes 12 bytes in an index, sound between two of them 8.
+    void requireRoom() const {
+        const std::uint64_t size = 12 * std::uint64_t{index_.videoSamples.size()} +
+                                   8 * std::uint64_t{index_.audioChunks.size()};
+        if (size >> 32U != 0) throw OutOfRange();
+    }
+
     /// The size of the whole frame that begins at a position; absent where none does.
     std::optional<std::int64_t> frameAt(std::int64_t position) {
         if (position > media_.size() - headSize) return std::nullopt;

@@ -16,12 +16,9 @@ std::size_t slotCountFor(std::int64_t places) {
 }  // namespace
 
 Shortcuts::Shortcuts(std::int64_t imageSize, int grainBits)
-    : grainBits_(grainBits), slotCount_(slotCountFor(imageSize >> grainBits)) {}
+    : grainBits_(grainBits), slotCount_(slotCountFor(imageSize >> grainBits)), ends_(mostWays) {}
 
-void Shortcuts::note(std::int64_t place) {
-    constexpr std::size_t mostPassed = 0x10000;
-    passed_.push_back(place);
-    if (passed_.size() < mostPassed) return;
+void Shortcuts::thinOut() {
     for (std::size_t i = 0; i < mostPassed / 2; ++i) passed_[i] = passed_[2 * i];
     passed_.resize(mostPassed / 2);
     stride_ *= 2;

@@ -27,40 +27,43 @@ bool isWaveAt(Bytes bytes, std::size_t match) {
     return cursor.skip(8) && cursor.text(4) == "WAVE";
 }
 
-/// A pair of bytes as a number, in whatever order this processor reads them.
-std::uint16_t pairAt(const void* bytes) {
+/// Most of a pair of bytes as a number, in whatever order this processor reads them: few enough
+/// for a table that stays in the nearest cache.
+constexpr std::size_t pairCount = 0x2000;
+std::size_t pairAt(const void* bytes) {
     std::uint16_t pair;
     std::memcpy(&pair, bytes, sizeof(pair));
-    return pair;
+    return pair % pairCount;
 }
 
 /// Every signature begins with four bytes of its own, and so, wherever it stands, one of their
-/// three pairs stands at a place that can be divided by three: the others need no look.
+/// three pairs stands at a place that can be divided by three: the others need no look. Which of
+/// the three a pair is, from 1 on; 0 where it is none.
 constexpr std::size_t stride = 3;
-using Pairs = std::array<bool, 0x10000>;
+using Pairs = std::array<std::uint8_t, pairCount>;
 
 Pairs telltalePairs() {
     Pairs pairs{};
     const auto* prefix = reinterpret_cast<const char*>(MXFScan::partitionPrefix.data());
     for (const std::string_view begin :
          {std::string_view("ftyp"), proResTag, std::string_view("RIFF"), {prefix, 4}}) {
-        for (std::size_t i = 0; i < stride; ++i) pairs[pairAt(begin.data() + i)] = true;
+        for (std::uint8_t i = 0; i < stride; ++i) pairs[pairAt(begin.data() + i)] = i + 1;
     }
     return pairs;
 }
+
+const Pairs telltales = telltalePairs();
 
 constexpr std::size_t blockSize = 8 * stride;
 
 /// The first block, counted on from `from`, in which a telltale pair stands, or which is the last;
 /// a block ends where the next begins. A branch for each block, none within.
 std::size_t findBlock(Bytes bytes, std::size_t from) {
-    static const Pairs pairs = telltalePairs();
-    const auto isTelltale = [](const std::byte* at) { return int{pairs[pairAt(at)]}; };
+    const auto look = [](const std::byte* at) { return unsigned{telltales[pairAt(at)]}; };
     while (bytes.size() - from > blockSize) {
         const std::byte* at = bytes.data() + from;
-        const int found = isTelltale(at) | isTelltale(at + 3) | isTelltale(at + 6) |
-                          isTelltale(at + 9) | isTelltale(at + 12) | isTelltale(at + 15) |
-                          isTelltale(at + 18) | isTelltale(at + 21);
+        const unsigned found = look(at) | look(at + 3) | look(at + 6) | look(at + 9) |
+                               look(at + 12) | look(at + 15) | look(at + 18) | look(at + 21);
         if (found != 0) break;
         from += blockSize;
     }
@@ -93,15 +96,16 @@ bool SignatureSearch::take(std::size_t match) {
 }
 
 bool SignatureSearch::next() {
-    while (at_ < bytes_.size()) {
-        if (at_ == known_) {
-            const std::size_t block = findBlock(bytes_, known_);
-            // It may begin with the last pair of a signature.
-            at_ = std::max(at_, block - std::min(block, stride - 1));
-            known_ = std::min(block + blockSize, bytes_.size());
+    while (at_ + 1 < bytes_.size()) {
+        if (at_ >= known_) {
+            at_ = findBlock(bytes_, at_);
+            known_ = std::min(at_ + blockSize, bytes_.size() - 1);
         }
         while (at_ < known_) {
-            if (take(at_++)) return true;
+            const std::size_t pair = at_;
+            const std::size_t which = telltales[pairAt(bytes_.data() + pair)];
+            at_ += stride;
+            if (which != 0 && pair + 1 >= from_ + which && take(pair + 1 - which)) return true;
         }
     }
     return false;

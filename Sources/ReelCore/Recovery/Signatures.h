@@ -2,6 +2,7 @@
 
 #include "ReelCore/Recovery/CarveTypes.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <span>
 #include <vector>
@@ -28,6 +29,12 @@ public:
     /// False where there is no more.
     bool next();
 
+    /// Goes on at a place, behind all it came to.
+    void skipTo(std::size_t place) {
+        from_ = place;
+        at_ = std::max(at_, place);
+    }
+
     /// The one that `next` came to.
     const Hit& hit() const { return hit_; }
 
@@ -35,8 +42,9 @@ private:
     bool take(std::size_t match);
 
     std::span<const std::byte> bytes_;
-    std::size_t at_ = 0;     ///< What lies before it was looked at.
-    std::size_t known_ = 0;  ///< Up to here each place needs a look.
+    std::size_t from_ = 0;   ///< What begins before it is left out.
+    std::size_t at_ = 0;     ///< The next pair to be looked at.
+    std::size_t known_ = 0;  ///< Up to here each pair needs a look.
     Hit hit_;
 };
 

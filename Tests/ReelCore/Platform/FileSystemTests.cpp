@@ -9,6 +9,7 @@
 #include <cerrno>
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 using namespace ReelCore;
 using namespace TestSupport;
@@ -68,6 +69,24 @@ TEST_F(FileSystemTest, LeadsSomewhere_ThroughLinks_ButNotADanglingOne) {
     EXPECT_FALSE(FileSystem::leadsSomewhere(at("dangling")));
     EXPECT_FALSE(FileSystem::leadsSomewhere(at("round")));
     EXPECT_FALSE(FileSystem::leadsSomewhere(at("gone")));
+}
+
+TEST_F(FileSystemTest, FlushFolder_WhereNamesCannotBeListed_DoesNothing) {
+    if (::geteuid() != 0) GTEST_SKIP() << "needs root to become another user";
+    std::filesystem::create_directory(at("drop"));
+    std::filesystem::permissions(at("drop"), std::filesystem::perms(0333));
+    std::filesystem::permissions(at(""), std::filesystem::perms(0755));
+
+    const int status = statusOfForked([this] {
+        if (::setuid(12345) != 0) return 2;
+        writeFile(at("drop/file"), "content");
+        FileSystem::flushFolder(at("drop"));
+        return 0;
+    });
+
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(readFile(at("drop/file")), "content");
+    EXPECT_THROW(FileSystem::flushFolder(at("gone")), SystemError);
 }
 
 TEST_F(FileSystemTest, IsExecutable_RegularFilesWithTheRight_AndLinksToThem) {

@@ -6,6 +6,7 @@
 #include "Support/CarveModel.h"
 #include "Support/CountedReads.h"
 #include "Support/KLV.h"
+#include "Support/RIFF.h"
 
 #include <chrono>
 #include <thread>
@@ -124,9 +125,10 @@ TEST(CarveGround, ScanCancelledDuringAWalk_EndsItAndFindsNothing) {
 }
 
 TEST(CarveGround, ScanCancelledDuringAWAV_FindsNothing) {
-    std::string wave = "RIFF" + std::string(4, '\0') + "WAVEbext";
-    wave += std::string{'\x88', '\x13', '\0', '\0'} + std::string(5000, 'b');
-    wave += "data" + std::string{'\x64', '\0', '\0', '\0'} + std::string(mebibyte, 's');
+    // Chunks beyond what the scan holds, so that each is read by itself.
+    const std::string chunk = riffChunk("bext", std::string(200'000, 'b'));
+    const std::string wave = "RIFF" + littleEndian(0, 4) + "WAVE" + chunk + chunk +
+                             riffChunk("data", std::string(mebibyte, 's'));
     const CarveImage image(wave);
     int asked = 0;
 

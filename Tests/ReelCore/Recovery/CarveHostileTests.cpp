@@ -1,7 +1,9 @@
 #include "CarveImage.h"
 #include "Support/Boxes.h"
 #include "Support/CountedReads.h"
+#include "Support/Forked.h"
 #include "Support/KLV.h"
+#include "Support/PeakMemory.h"
 #include "Support/RIFF.h"
 
 #include <gtest/gtest.h>
@@ -111,6 +113,38 @@ TEST(CarveHostile, WavesWithinTheChunksOfOthers_AreReadOnce) {
     const std::string image = repeated(wave, 10'000 * wave.size());
 
     EXPECT_EQ(scanOnce(CarveImage(image)).size(), 10'000U);
+}
+
+/// The most memory that a scan takes beside its findings, in MiB.
+int memoryBesideFindings(const CarveImage& image) {
+    return statusOfForked([&] {
+        const auto findings = image.scan();
+        const auto taken = static_cast<std::int64_t>(findings.size() * sizeof(Finding));
+        return static_cast<int>(
+            std::min<std::int64_t>(254, (peakMemoryInKiB() * 1024 - taken) / mebibyte));
+    });
+}
+
+TEST(CarveHostile, ImagesFullOfFindings_TakeNoMoreMemoryBesideThem) {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "the sanitizer takes memory of its own";
+#endif
+    const CarveImage waves(repeated("RIFF" + littleEndian(4, 4) + "WAVE", 100 * mebibyte));
+    const CarveImage movies(repeated(box("ftyp", "any ") + box("moov"), 100 * mebibyte));
+
+    EXPECT_LT(memoryBesideFindings(waves), 96);
+    EXPECT_LT(memoryBesideFindings(movies), 96);
+}
+
+TEST(CarveHostile, FramesWithSmallGapsOverManyBlocks_AreReadOnce) {
+    const CarveImage image(repeated(boxHeader("icpf", 20), 4 * mebibyte));
+
+    const auto findings = scanOnce(image);
+
+    // From the last frame on, whatever fits is too short for one.
+    ASSERT_GE(findings.size(), 1U);
+    EXPECT_EQ(findings[0].kind, FindingKind::orphanProRes);
+    EXPECT_GT(findings[0].length, 4 * mebibyte - 100);
 }
 
 TEST(CarveHostile, HeaderPartitionsWithTwoTripletsEach_AreNoClipAndReadOnce) {

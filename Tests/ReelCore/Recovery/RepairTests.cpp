@@ -2,6 +2,7 @@
 #include "ReelCore/Platform/FileSystem.h"
 #include "ReferenceMovie.h"
 #include "Support/FakeTool.h"
+#include "Support/Forked.h"
 #include "Support/Snapshot.h"
 #include "Support/SparseFile.h"
 
@@ -162,6 +163,21 @@ TEST_F(Repair, StaleRecording_GetsItsSizes) {
                                       "2.5s of audio recovered"}));
     EXPECT_EQ(probed(*outcome.output, "stream=duration", "a:0"), "2.500000");
     EXPECT_EQ(readFile(clip), staleRecording(2.5));
+}
+
+TEST_F(Repair, IntoAFolderThatCannotBeListed_Succeeds) {
+    if (::geteuid() != 0) GTEST_SKIP() << "needs root to become another user";
+    const URL clip = file("R001.BWF", staleRecording(2.5));
+    std::filesystem::create_directory(output());
+    std::filesystem::permissions(output(), std::filesystem::perms(0333));
+    std::filesystem::permissions(folder(), std::filesystem::perms(0755));
+
+    const int status = statusOfForked([&] {
+        if (::setuid(12345) != 0) return 2;
+        return repaired(clip).succeeded ? 0 : 1;
+    });
+
+    EXPECT_EQ(status, 0);
 }
 
 TEST_F(Repair, HealthyAndUnreadable_HaveNothingToRepair) {
