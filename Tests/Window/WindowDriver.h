@@ -35,8 +35,8 @@ void startOffscreen(int& argc, char** argv);
 /// Gives the application a light or a dark system palette.
 void setLook(Look look);
 
-/// A window, used as a person would use it: things are found by their names, pressed where they stand
-/// and read as they show. It knows no screen. Whatever does not come in time is thrown as
+/// A window, used as a person would use it: things are found by their names, pressed where they
+/// stand and read as they show. It knows no screen. Whatever does not come in time is thrown as
 /// std::runtime_error, with what was waited for.
 class WindowDriver {
 public:

@@ -20,6 +20,7 @@ FocusScope {
             item.forceActiveFocus();
     }
 
+    focus: true
     implicitWidth: outer.implicitWidth + 2 * Theme.huge
     implicitHeight: flickable.contentHeight
     Layout.fillWidth: true

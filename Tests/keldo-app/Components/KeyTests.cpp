@@ -15,12 +15,26 @@ protected:
 TEST_F(KeyTests, Tab_FollowsTheEye) {
     openGallery("Controls");
     driver_->focus("section");
-    EXPECT_EQ(driver_->tabRound(),
-              (QStringList{"head",        "plain",           "symbol",          "prominent",
-                           "destructive", "icon",            "long",            "menu",
-                           "opener",      "segments",        "picker",          "picker.stubborn",
-                           "toggle",      "toggle.stubborn", "cameras.input",   "hours.input",
-                           "rate.input",  "field",           "disclosure.button", "section"}));
+    EXPECT_EQ(driver_->tabRound(), (QStringList{"head",
+                                                "plain",
+                                                "symbol",
+                                                "prominent",
+                                                "destructive",
+                                                "icon",
+                                                "long",
+                                                "menu",
+                                                "opener",
+                                                "segments",
+                                                "picker",
+                                                "picker.stubborn",
+                                                "toggle",
+                                                "toggle.stubborn",
+                                                "cameras.input",
+                                                "hours.input",
+                                                "rate.input",
+                                                "field",
+                                                "disclosure.button",
+                                                "section"}));
 }
 
 TEST_F(KeyTests, Return_PressesTheButtonWithTheRing) {
@@ -39,7 +53,8 @@ TEST_F(KeyTests, Return_IsTheDefaultActionFromAnywhereElse) {
     driver_->key(Qt::Key_Return);
     EXPECT_EQ(last(), "default 1");
     int returns = 1;
-    for (const char* control : {"field", "rate.input", "cameras.input", "segments", "picker", "toggle"}) {
+    for (const char* control :
+         {"field", "rate.input", "cameras.input", "segments", "picker", "toggle"}) {
         driver_->focus(control);
         driver_->key(returns % 2 ? Qt::Key_Enter : Qt::Key_Return);
         EXPECT_EQ(property("page", "returns").toInt(), ++returns) << control;

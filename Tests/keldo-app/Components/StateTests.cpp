@@ -16,8 +16,9 @@ protected:
             const std::string value = driver_->themeColor(color).name().toStdString();
             const Shown expected{text, text.empty() ? "" : value, symbol,
                                  symbol.empty() ? "" : value};
-            driver_->waitFor(std::string("the look of ") + item,
-                             [&] { return driver_->shown(item).symbolColor == expected.symbolColor; });
+            driver_->waitFor(std::string("the look of ") + item, [&] {
+                return driver_->shown(item).symbolColor == expected.symbolColor;
+            });
             EXPECT_EQ(driver_->shown(item), expected) << item;
         }
         WindowSupport::setLook(Look::light);

@@ -144,7 +144,8 @@ TEST_F(FinishedViewTests, FailedRunWithAReason_AddsItBelowTheError) {
     offload()->apply(keldo_app::OffloadEvent{keldo_app::OffloadEvent::Failed{
         "Destination is not writable: /media/SHUTTLE_01",
         "The reel folder lies inside the reel folder on RAID_MASTER."}});
-    EXPECT_EQ(driver_->text("offload.failed.message"), "Destination is not writable: /media/SHUTTLE_01");
+    EXPECT_EQ(driver_->text("offload.failed.message"),
+              "Destination is not writable: /media/SHUTTLE_01");
     EXPECT_EQ(driver_->shown("offload.failed.reasons.0").text,
               "The reel folder lies inside the reel folder on RAID_MASTER.");
     EXPECT_EQ(driver_->shown("offload.failed.reasons.0").textColor,

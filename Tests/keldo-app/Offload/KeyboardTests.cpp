@@ -20,10 +20,9 @@ protected:
 TEST_F(KeyboardTests, Tab_GoesThroughTheSetupAsTheEyeDoes) {
     setUpOffload();
     driver_->focus("mode");
-    EXPECT_EQ(driver_->tabRound(),
-              (QStringList{"offload.source.choose", "offload.remove.0", "offload.remove.1",
-                           "offload.add", "offload.reel", "offload.checksum", "offload.start",
-                           "mode"}));
+    EXPECT_EQ(driver_->tabRound(), (QStringList{"offload.source.choose", "offload.remove.0",
+                                                "offload.remove.1", "offload.add", "offload.reel",
+                                                "offload.checksum", "offload.start", "mode"}));
     driver_->focus("offload.reel");
     keepPictures("focus");
     driver_->focus("offload.start");
@@ -61,8 +60,8 @@ TEST_F(KeyboardTests, AfterARun_TheVerdictHasTheFocusAndTabGoesOnInIt) {
     EXPECT_EQ(driver_->focused(), "offload.verdict");
     EXPECT_TRUE(driver_->accessible("offload.verdict").isFocused);
     EXPECT_EQ(driver_->accessible("offload.verdict").name, "All Files Verified");
-    EXPECT_EQ(driver_->tabRound(), (QStringList{"offload.save", "offload.formatButton", "mode",
-                                                "offload.new"}));
+    EXPECT_EQ(driver_->tabRound(),
+              (QStringList{"offload.save", "offload.formatButton", "mode", "offload.new"}));
 }
 
 TEST_F(KeyboardTests, AfterARun_TheFocusStaysOnTheModeSwitchIfItIsThere) {

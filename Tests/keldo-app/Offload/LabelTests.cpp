@@ -1,8 +1,8 @@
 #include "OffloadFixture.h"
 
 using WindowSupport::Look;
-using WindowSupport::Shown;
 using WindowSupport::OffloadFixture;
+using WindowSupport::Shown;
 
 namespace {
 
@@ -111,11 +111,9 @@ TEST_F(LabelTests, Setup_WithACardAndOneDrive) {
 TEST_F(LabelTests, Scanning) {
     openWindow();
     std::optional<Shown> shown;
-    QObject::connect(offload(), &keldo_app::OffloadViewModel::changed,
-                     offload(), [&] {
-                         if (offload()->stage() == Stage::scanning)
-                             shown = driver_->shown("offload.scanning");
-                     });
+    QObject::connect(offload(), &keldo_app::OffloadViewModel::changed, offload(), [&] {
+        if (offload()->stage() == Stage::scanning) shown = driver_->shown("offload.scanning");
+    });
     chooseCard(card());
     EXPECT_EQ(shown, (Shown{"Scanning…", light.secondary, "magnifyingglass", light.secondary}));
 }

@@ -1,5 +1,5 @@
-#include "ReelCore/Platform/File.h"
 #include "OffloadFixture.h"
+#include "ReelCore/Platform/File.h"
 #include "Window/LoopWatch.h"
 
 #include <functional>
@@ -70,11 +70,9 @@ protected:
 TEST_F(LargeCardTests, AHundredThousandFiles_NeverBlockTheWindowAndTheProgressMoves) {
     openWindow();
     QSet<QString> counts;
-    QObject::connect(offload(), &keldo_app::OffloadViewModel::changed,
-                     offload(), [&] {
-                         if (driver_->isShown("offload.files"))
-                             counts += driver_->text("offload.files");
-                     });
+    QObject::connect(offload(), &keldo_app::OffloadViewModel::changed, offload(), [&] {
+        if (driver_->isShown("offload.files")) counts += driver_->text("offload.files");
+    });
     addDrive(memory_ / "drive");
     const qint64 longest = longestBlockOf([&] {
         chooseCard(memory_ / "card");

@@ -45,8 +45,7 @@ void OffloadFixture::runToEnd() {
 void OffloadFixture::showResultWith(const std::vector<ReelCore::DestinationState>& states) {
     auto result = std::make_shared<ReelCore::OffloadResult>(*offload()->result());
     result->destinationStates = states;
-    offload()->apply(
-        keldo_app::OffloadEvent{keldo_app::OffloadEvent::Finished{std::move(result)}});
+    offload()->apply(keldo_app::OffloadEvent{keldo_app::OffloadEvent::Finished{std::move(result)}});
 }
 
 ReelCore::URL OffloadFixture::faultyDrive(const TestSupport::FaultyFileSystem::Faults& faults) {

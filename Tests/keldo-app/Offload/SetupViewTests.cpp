@@ -59,8 +59,7 @@ TEST_F(SetupViewTests, WhileScanning_SaysSoAndCantStart) {
         EXPECT_FALSE(driver_->isShown("offload.scan"));
         driver_->screenshot(ReelCore::URL(KELDO_SCREENSHOTS) / ("scanning-" + picture + ".png"));
     };
-    QObject::connect(offload(), &keldo_app::OffloadViewModel::changed,
-                     offload(), look);
+    QObject::connect(offload(), &keldo_app::OffloadViewModel::changed, offload(), look);
     for (const auto& [colors, width] : {std::pair("light-", 940), std::pair("dark-", 1600)}) {
         WindowSupport::setLook(width == 940 ? WindowSupport::Look::light
                                             : WindowSupport::Look::dark);
@@ -149,7 +148,8 @@ TEST_F(SetupViewTests, ManyDrivesAndLongPaths_StayInTheirCardsAndScroll) {
              {"offload.sourceCard", "offload.drivesCard", "offload.optionsCard"}) {
             EXPECT_EQ(widerThan(*driver_->find(card)), QStringList());
         }
-        for (const char* text : {"offload.source.text", "offload.drive.0.title", "offload.drive.8.detail"}) {
+        for (const char* text :
+             {"offload.source.text", "offload.drive.0.title", "offload.drive.8.detail"}) {
             EXPECT_TRUE(driver_->find(text)->property("truncated").toBool()) << text;
             EXPECT_EQ(driver_->find(text)->property("elide").toInt(), Qt::ElideMiddle) << text;
         }
@@ -165,7 +165,8 @@ TEST_F(SetupViewTests, TextThatIsCut_StandsWholeInATooltip) {
     std::filesystem::create_directories(far / "A001_C003");
     chooseCard(far / "A001_C003");
     addDrive(far / std::string(200, 'D'));
-    for (const char* name : {"offload.drive.0.detail", "offload.drive.0.title", "offload.source.text"}) {
+    for (const char* name :
+         {"offload.drive.0.detail", "offload.drive.0.title", "offload.source.text"}) {
         driver_->hover(name);
         const QString whole = driver_->text(name);
         driver_->waitFor("the tooltip", [&] {

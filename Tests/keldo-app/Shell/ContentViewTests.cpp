@@ -19,7 +19,8 @@ class ContentViewTests : public OffloadFixture {};
     WindowSupport::waitForStage(driver, keldo_app::OffloadViewModel::Stage::setup);
     driver.press("offload.add");
     driver.press("offload.start");
-    driver.waitFor("the first progress", [&] { return WindowSupport::offloadOf(driver)->progress().has_value(); });
+    driver.waitFor("the first progress",
+                   [&] { return WindowSupport::offloadOf(driver)->progress().has_value(); });
     QMetaObject::invokeMethod(
         &driver.window(), [&] { driver.window().close(); }, Qt::QueuedConnection);
     keldo_app::runUntilClosed();
