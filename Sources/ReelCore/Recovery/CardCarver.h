@@ -17,11 +17,11 @@ struct CardCarver {
     using CarveProgress = ReelCore::CarveProgress;
 
     /// Goes over the whole image and returns what it finds in the order of the image. Takes below
-    /// 16 MiB beside up to 2^24 findings. `isCancelled` is asked, and `progress` called, on this thread,
-    /// once for each 32 MiB; `isCancelled` also within, where half a second has passed. A cancelled
-    /// scan returns what was found so far. In an image that is made to be hard, beginnings may be
-    /// passed over: see CarveGround. Throws RecoveryError: NotFound, or IOFailed for an empty
-    /// image; SystemError where the image can't be read on.
+    /// 16 MiB beside up to 2^24 findings. `isCancelled` is asked, and `progress` called, on this
+    /// thread, once for each 32 MiB; `isCancelled` also within, where half a second has passed. A
+    /// cancelled scan returns what was found so far. In an image that is made to be hard,
+    /// beginnings may be passed over: see CarveGround. Throws RecoveryError: NotFound, or IOFailed
+    /// for an empty image; SystemError where the image can't be read on.
     static std::vector<Finding> scan(
         const URL& image, const std::function<bool()>& isCancelled = [] { return false; },
         const std::function<void(const CarveProgress&)>& progress = [](const CarveProgress&) {});

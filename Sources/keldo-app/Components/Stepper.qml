@@ -36,7 +36,6 @@ RowLayout {
         to: stepper.to
         step: stepper.step
         decimals: stepper.decimals
-        unit: stepper.unit
         Layout.fillWidth: false
         onEdited: value => stepper.edited(value)
     }
@@ -48,6 +47,10 @@ RowLayout {
         autoRepeat: true
         enabled: !(stepper.value >= stepper.to)
         onClicked: number.stepBy(1)
+    }
+    PlainText {
+        visible: stepper.unit !== ""
+        text: stepper.unit
     }
     Item {
         Layout.fillWidth: true

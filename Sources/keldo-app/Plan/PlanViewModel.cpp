@@ -53,8 +53,8 @@ void addEstimate(PlanFacts& facts, const StorageCalculator::Estimate& estimate,
     facts.wholeShoot = Format::text(tb(estimate.shootGB));
     facts.perCopy = Format::text(tb(estimate.perCopyWithMarginGB));
     facts.drivesPerCopy = Format::text(fmt::format("{} × {} TB", count, size));
-    facts.total = Format::text(fmt::format("{} × {} TB   ({})", count * copies, size,
-                                           tb(estimate.totalAllCopiesGB)));
+    facts.total = Format::text(
+        fmt::format("{} × {} TB   ({})", count * copies, size, tb(estimate.totalAllCopiesGB)));
 }
 
 std::string cardsToOwn(const StorageCalculator::CardPlan& card, std::int64_t manual) {
@@ -176,9 +176,10 @@ bool PlanViewModel::usesResolution() const {
 
 std::optional<StorageCalculator::Plan> PlanViewModel::plan() const {
     const bool isCustom = codecID() == "custom";
-    const std::array needed{fps(),     isCustom ? customMbps() : 0, hoursPerDay(),
-                            cameras(), days(),                      copies(),
-                            margin(),  audioChannels()};
+    const std::array needed{fps(),         isCustom ? customMbps() : 0,
+                            hoursPerDay(), cameras(),
+                            days(),        copies(),
+                            margin(),      audioChannels()};
     if (std::ranges::any_of(needed, [](double one) { return std::isnan(one); })) return {};
     StorageCalculator::Plan plan;
     plan.codecID = codecID().toStdString();
@@ -265,8 +266,7 @@ void PlanViewModel::emailReport() {
         return tell("Email failed: " + Format::text(error.what()));
     }
     const QString production = this->production();
-    const QString subject =
-        production.isEmpty() ? "Storage Plan" : "Storage Plan — " + production;
+    const QString subject = production.isEmpty() ? "Storage Plan" : "Storage Plan — " + production;
     desktop->composeMail(subject, written.front(), this, [this](MailOutcome outcome) {
         tell(outcome == MailOutcome::opened ? "Opened in Mail — add recipients and send."
              : outcome == MailOutcome::noService

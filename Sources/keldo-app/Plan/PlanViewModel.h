@@ -11,18 +11,26 @@
 #include <QtQml/qqmlregistration.h>
 
 /// A setting of the plan that is a number, kept in the user's preferences.
-#define KELDO_PLAN_NUMBER(name, setter, ...)                       \
-    Q_PROPERTY(double name READ name WRITE setter NOTIFY changed)  \
-public:                                                            \
-    double name() const { return number({__VA_ARGS__}); }          \
-    void setter(double value) { store({__VA_ARGS__}, value); }
+#define KELDO_PLAN_NUMBER(name, setter, ...)                      \
+    Q_PROPERTY(double name READ name WRITE setter NOTIFY changed) \
+public:                                                           \
+    double name() const {                                         \
+        return number({__VA_ARGS__});                             \
+    }                                                             \
+    void setter(double value) {                                   \
+        store({__VA_ARGS__}, value);                              \
+    }
 
 /// A setting of the plan that is a text.
 #define KELDO_PLAN_TEXT(name, setter, key, initial)                \
     Q_PROPERTY(QString name READ name WRITE setter NOTIFY changed) \
 public:                                                            \
-    QString name() const { return text(key, initial); }            \
-    void setter(const QString& value) { store(key, value); }
+    QString name() const {                                         \
+        return text(key, initial);                                 \
+    }                                                              \
+    void setter(const QString& value) {                            \
+        store(key, value);                                         \
+    }
 
 namespace keldo_app {
 
@@ -54,8 +62,8 @@ struct PlanFacts {
 };
 
 /// The Plan screen: how a shoot will run, kept in the user's preferences, and what that takes,
-/// computed anew whenever it is asked for. A number that means nothing, as a text where one belongs,
-/// is NaN, and leaves nothing to show.
+/// computed anew whenever it is asked for. A number that means nothing, as a text where one
+/// belongs, is NaN, and leaves nothing to show.
 class PlanViewModel : public ViewModel {
     Q_OBJECT
     QML_ELEMENT
@@ -67,13 +75,16 @@ class PlanViewModel : public ViewModel {
     KELDO_PLAN_NUMBER(cameras, setCameras, "plan.cameras", 1, 1, 1'000, PlanNumber::Kind::whole)
     KELDO_PLAN_NUMBER(days, setDays, "plan.days", 1, 1, 10'000, PlanNumber::Kind::whole)
     KELDO_PLAN_NUMBER(copies, setCopies, "plan.copies", 3, 1, 100, PlanNumber::Kind::whole)
-    KELDO_PLAN_NUMBER(audioChannels, setAudioChannels, "plan.audio", 0, 0, 1'000, PlanNumber::Kind::whole)
+    KELDO_PLAN_NUMBER(audioChannels, setAudioChannels, "plan.audio", 0, 0, 1'000,
+                      PlanNumber::Kind::whole)
     KELDO_PLAN_NUMBER(margin, setMargin, "plan.margin", 15.0, 0, 1'000)
     KELDO_PLAN_NUMBER(cardGB, setCardGB, "plan.cardGB", 120, 0, 1'000'000, PlanNumber::Kind::whole)
-    KELDO_PLAN_NUMBER(customCardGB, setCustomCardGB, "plan.customCardGB", 120, 0, 1'000'000, PlanNumber::Kind::whole)
+    KELDO_PLAN_NUMBER(customCardGB, setCustomCardGB, "plan.customCardGB", 120, 0, 1'000'000,
+                      PlanNumber::Kind::whole)
     KELDO_PLAN_NUMBER(holdDays, setHoldDays, "plan.holdDays", 2, 1, 10'000, PlanNumber::Kind::whole)
     KELDO_PLAN_TEXT(production, setProduction, "plan.production", "")
-    KELDO_PLAN_NUMBER(manualCards, setManualCards, "plan.manualCards", 0, 0, 1'000'000'000, PlanNumber::Kind::whole)
+    KELDO_PLAN_NUMBER(manualCards, setManualCards, "plan.manualCards", 0, 0, 1'000'000'000,
+                      PlanNumber::Kind::whole)
 
     Q_PROPERTY(QString cardFamilyID READ cardFamilyID WRITE setCardFamilyID NOTIFY changed)
     /// Whether the user has set the number of cards. Setting it takes the calculated number.

@@ -25,26 +25,24 @@ Job<ReelCore::RecoveryScan> RecoverJobs::scan(const URL& folder, InUse::Token in
             inUse.reset();
             return scan;
         },
-        std::move(done),
-        [](const std::exception&) { return ReelCore::RecoveryScan(); });
+        std::move(done), [](const std::exception&) { return ReelCore::RecoveryScan(); });
 }
 
 Job<OutcomeEvent> RecoverJobs::repair(std::vector<ReelCore::ClipReport> damaged,
                                       std::optional<URL> reference, const URL& output,
                                       InUse::Token inUse,
                                       std::function<void(OutcomeEvent)> consume) {
-    return Job<OutcomeEvent>(
-        {.run =
-             [damaged = std::move(damaged), reference, output,
-              inUse = std::move(inUse)](const auto& send) mutable {
-                 for (const auto& report : damaged) {
-                     send({ClipDoctor::repair(report, reference, output)});
-                 }
-                 inUse.reset();
-                 send({OutcomeEvent::End()});
-             },
-         .consume = std::move(consume),
-         .failed = brokenOff});
+    return Job<OutcomeEvent>({.run =
+                                  [damaged = std::move(damaged), reference, output,
+                                   inUse = std::move(inUse)](const auto& send) mutable {
+                                      for (const auto& report : damaged) {
+                                          send({ClipDoctor::repair(report, reference, output)});
+                                      }
+                                      inUse.reset();
+                                      send({OutcomeEvent::End()});
+                                  },
+                              .consume = std::move(consume),
+                              .failed = brokenOff});
 }
 
 Job<CarveScanEvent> RecoverJobs::scanImage(const URL& image,

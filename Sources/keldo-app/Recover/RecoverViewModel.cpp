@@ -28,7 +28,8 @@ OutcomeRow rowOf(const RepairOutcome& outcome) {
 }
 
 bool isMovie(const ReelCore::ClipReport& report) {
-    return std::ranges::find(ClipDoctor::movieExtensions, ReelCore::lowerCasedExtension(report.url)) !=
+    return std::ranges::find(ClipDoctor::movieExtensions,
+                             ReelCore::lowerCasedExtension(report.url)) !=
            ClipDoctor::movieExtensions.end();
 }
 
@@ -88,8 +89,8 @@ InUse::Use RecoverViewModel::carvedFiles() const {
 }
 
 void RecoverViewModel::chooseCard() {
-    const auto chosen = desktop->chooseFolder("Choose the card or folder to scan",
-                                              FirstPlace::removableMedia);
+    const auto chosen =
+        desktop->chooseFolder("Choose the card or folder to scan", FirstPlace::removableMedia);
     if (!chosen) return;
     cardDir_ = *chosen;
     emit changed();
@@ -110,8 +111,8 @@ void RecoverViewModel::chooseOutput() {
 }
 
 void RecoverViewModel::chooseImage() {
-    const auto chosen =
-        desktop->chooseFile("Choose the raw card image (.img / .dmg made with ddrescue)", FirstPlace::removableMedia);
+    const auto chosen = desktop->chooseFile(
+        "Choose the raw card image (.img / .dmg made with ddrescue)", FirstPlace::removableMedia);
     if (!chosen) return;
     imageURL_ = *chosen;
     dropCarving();
@@ -147,9 +148,9 @@ void RecoverViewModel::runRepair() {
     stage_ = Stage::repairing;
     dropOutcomes();
     repairDone_ = 0;
-    repairJob_ = RecoverJobs::repair(damaged_, reference_, *outputDir_,
-                                     InUse::shared().take({cardRead()}),
-                                     [this](OutcomeEvent event) { apply(std::move(event)); });
+    repairJob_ =
+        RecoverJobs::repair(damaged_, reference_, *outputDir_, InUse::shared().take({cardRead()}),
+                            [this](OutcomeEvent event) { apply(std::move(event)); });
     emit changed();
 }
 
@@ -198,8 +199,7 @@ void RecoverViewModel::extractAll() {
     carveOutcomes_.clear();
     carveOutcomeRows_.reset();
     extractJob_ = RecoverJobs::extract(
-        carveFindings_, *imageURL_, reference_, *outputDir_,
-        InUse::shared().take({carvedFiles()}),
+        carveFindings_, *imageURL_, reference_, *outputDir_, InUse::shared().take({carvedFiles()}),
         [this](OutcomeEvent event) { applyCarved(std::move(event)); });
     emit changed();
 }

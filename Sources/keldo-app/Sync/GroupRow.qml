@@ -36,10 +36,12 @@ ColumnLayout {
         objectName: row.objectName + ".none"
         visible: row.sound === ""
         text: "no matching audio"
+        Layout.leftMargin: Theme.huge
     }
     Note {
         objectName: row.objectName + ".others"
         visible: row.others !== ""
         text: row.others
+        Layout.leftMargin: Theme.huge
     }
 }

@@ -42,8 +42,8 @@ std::vector<std::string> muxArguments(const SyncGroup& group, const SyncGroup::M
             output.native()};
 }
 
-/// True if the synced clip was written whole. What ffmpeg says is heard for one thing only: it calls
-/// a clip done that a full or failing drive has cut short.
+/// True if the synced clip was written whole. What ffmpeg says is heard for one thing only: it
+/// calls a clip done that a full or failing drive has cut short.
 bool muxOne(const SyncGroup& group, const SyncGroup::Match& sound, const URL& folder,
             const URL& ffmpeg) {
     try {
@@ -114,8 +114,8 @@ Job<SyncJobs::URLs> SyncJobs::exportEditorial(Result result, const URL& folder,
         std::move(done), [](const std::exception&) { return URLs(); });
 }
 
-Job<MuxEvent> SyncJobs::mux(Result result, const URL& output, const URL& ffmpeg,
-                            InUse::Token inUse, std::function<void(MuxEvent)> consume) {
+Job<MuxEvent> SyncJobs::mux(Result result, const URL& output, const URL& ffmpeg, InUse::Token inUse,
+                            std::function<void(MuxEvent)> consume) {
     const std::int64_t total = result->syncedCount();
     return Job<MuxEvent>(
         {.run =
@@ -125,7 +125,10 @@ Job<MuxEvent> SyncJobs::mux(Result result, const URL& output, const URL& ffmpeg,
                  send({end});
              },
          .consume = std::move(consume),
-         .failed = [total](const std::exception&) { return MuxEvent{MuxEvent::End{0, total}}; },
+         .failed =
+             [total](const std::exception&) {
+                 return MuxEvent{MuxEvent::End{0, total}};
+             },
          .isPassing =
              [](const MuxEvent& event) {
                  return std::holds_alternative<MuxEvent::Progress>(event.value);

@@ -44,8 +44,7 @@ struct TranscodeJobs {
     /// that fails stops nothing. `consume` is called on the main thread, unless the job was dropped
     /// before: then it goes on to its end unseen. `inUse` ends with the work.
     static Job<TranscodeEvent> run(std::vector<ReelCore::TranscodeRequest> requests,
-                                   std::shared_ptr<const TranscodeFlags> flags,
-                                   InUse::Token inUse,
+                                   std::shared_ptr<const TranscodeFlags> flags, InUse::Token inUse,
                                    std::function<void(TranscodeEvent)> consume);
 };
 

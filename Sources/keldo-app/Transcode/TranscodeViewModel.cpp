@@ -126,12 +126,11 @@ void TranscodeViewModel::start() {
         requests.push_back(makeRequest(input));
         uses.push_back({input, InUse::Purpose::reading});
     }
-    job_ = TranscodeJobs::run(
-        std::move(requests), flags_, InUse::shared().take(std::move(uses)),
-        [this](const TranscodeEvent& event) {
-            std::visit([this](const auto& one) { apply(one); }, event.value);
-            emit changed();
-        });
+    job_ = TranscodeJobs::run(std::move(requests), flags_, InUse::shared().take(std::move(uses)),
+                              [this](const TranscodeEvent& event) {
+                                  std::visit([this](const auto& one) { apply(one); }, event.value);
+                                  emit changed();
+                              });
     emit changed();
 }
 

@@ -229,5 +229,5 @@ TEST_F(KeyboardTests, ArrowsMoveTheChecksumAndTheMode) {
     EXPECT_EQ(offload()->algorithm(), ReelCore::HashAlgorithm::xxhash64);
     driver_->find("mode")->forceActiveFocus();
     driver_->key(Qt::Key_Right);
-    EXPECT_EQ(driver_->text("later"), "Transcode is not in this version yet.");
+    EXPECT_TRUE(driver_->isShown("transcode.add"));
 }

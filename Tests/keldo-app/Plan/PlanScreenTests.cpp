@@ -26,10 +26,12 @@ protected:
 TEST_F(PlanScreenTests, FirstStart_ShowsEveryCardInOrderWithItsTexts) {
     openPlan();
     double top = -1;
-    for (const auto& [card, title] :
-         {std::pair("plan.formatCard", "Camera Format"), {"plan.shootCard", "Shooting Plan"},
-          {"plan.cardsCard", "Camera Cards"}, {"plan.safetyCard", "Safety"},
-          {"plan.needCard", "You Need"}, {"plan.sendCard", "Send to Production"}}) {
+    for (const auto& [card, title] : {std::pair("plan.formatCard", "Camera Format"),
+                                      {"plan.shootCard", "Shooting Plan"},
+                                      {"plan.cardsCard", "Camera Cards"},
+                                      {"plan.safetyCard", "Safety"},
+                                      {"plan.needCard", "You Need"},
+                                      {"plan.sendCard", "Send to Production"}}) {
         EXPECT_EQ(driver_->text(card), title);
         EXPECT_GT(driver_->at(card).y(), top) << card;
         top = driver_->at(card).y();

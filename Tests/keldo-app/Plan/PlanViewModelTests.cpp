@@ -1,6 +1,7 @@
+#include "keldo-app/Plan/PlanViewModel.h"
+
 #include "../ViewModelFixture.h"
 #include "Support/EnvironmentVariable.h"
-#include "keldo-app/Plan/PlanViewModel.h"
 
 #include <algorithm>
 #include <cmath>
@@ -84,14 +85,22 @@ TEST_F(PlanViewModelTests, EachChange_IsStoredUnderItsKeyAtOnce) {
     model_.setHoldDays(3);
     model_.setProduction("Night Shift");
     model_.setManualCards(7);
-    const QMap<QString, QVariant> expected{
-        {"plan.codec", "custom"},      {"plan.res", "hd"},         {"plan.fps", 25.0},
-        {"plan.bitrate", 12.5},        {"plan.hours", 4.5},        {"plan.cameras", qlonglong(2)},
-        {"plan.days", qlonglong(10)},  {"plan.copies", qlonglong(4)},
-        {"plan.audio", qlonglong(8)},  {"plan.margin", 20.0},      {"plan.cardFamily", "cfexpress_b"},
-        {"plan.cardGB", qlonglong(0)}, {"plan.customCardGB", qlonglong(333)},
-        {"plan.holdDays", qlonglong(3)}, {"plan.production", "Night Shift"},
-        {"plan.manualCards", qlonglong(7)}};
+    const QMap<QString, QVariant> expected{{"plan.codec", "custom"},
+                                           {"plan.res", "hd"},
+                                           {"plan.fps", 25.0},
+                                           {"plan.bitrate", 12.5},
+                                           {"plan.hours", 4.5},
+                                           {"plan.cameras", qlonglong(2)},
+                                           {"plan.days", qlonglong(10)},
+                                           {"plan.copies", qlonglong(4)},
+                                           {"plan.audio", qlonglong(8)},
+                                           {"plan.margin", 20.0},
+                                           {"plan.cardFamily", "cfexpress_b"},
+                                           {"plan.cardGB", qlonglong(0)},
+                                           {"plan.customCardGB", qlonglong(333)},
+                                           {"plan.holdDays", qlonglong(3)},
+                                           {"plan.production", "Night Shift"},
+                                           {"plan.manualCards", qlonglong(7)}};
     EXPECT_EQ(stored(), expected);
 }
 
@@ -275,11 +284,9 @@ TEST_F(PlanViewModelTests, Email_SaysWhyThereIsNone) {
     desktop_.mailOutcome = MailOutcome::noService;
     EXPECT_EQ(statusOfEmail(), "No email account configured in Mail.");
     desktop_.mailOutcome = MailOutcome::cannotAttach;
-    EXPECT_EQ(statusOfEmail(),
-              "Mail can't take the attachment — use Save and attach manually.");
+    EXPECT_EQ(statusOfEmail(), "Mail can't take the attachment — use Save and attach manually.");
     TestSupport::writeFile(folder_.path() / "file", "");
-    const TestSupport::EnvironmentVariable variable("TMPDIR",
-                                                    (folder_.path() / "file").native());
+    const TestSupport::EnvironmentVariable variable("TMPDIR", (folder_.path() / "file").native());
     model_.emailReport();
     EXPECT_TRUE(model_.reportStatus().startsWith("Email failed: "));
 }

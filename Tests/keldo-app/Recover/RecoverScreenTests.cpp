@@ -67,13 +67,12 @@ TEST_F(RecoverScreenTests, Setup_HasItsTextsAndTheImagingStepsWordForWord) {
     EXPECT_FALSE(driver_->isShown("recover.imagingText"));
     keepPictures("recover");
     driver_->press("recover.imaging.button");
-    EXPECT_EQ(
-        driver_->text("recover.imagingText"),
-        "1.  diskutil list external   ← find the card's disk number BY SIZE (e.g. disk4)\n"
-        "2.  If macOS offers to initialize or repair it: CANCEL.\n"
-        "3.  sudo /opt/homebrew/bin/ddrescue -d -r3 /dev/rdisk4 ~/card.img ~/card.map\n"
-        "4.  Pick ~/card.img below. If the card never appears in diskutil at all,\n"
-        "    the controller is dead — that's professional (chip-off) recovery.");
+    EXPECT_EQ(driver_->text("recover.imagingText"),
+              "1.  diskutil list external   ← find the card's disk number BY SIZE (e.g. disk4)\n"
+              "2.  If macOS offers to initialize or repair it: CANCEL.\n"
+              "3.  sudo /opt/homebrew/bin/ddrescue -d -r3 /dev/rdisk4 ~/card.img ~/card.map\n"
+              "4.  Pick ~/card.img below. If the card never appears in diskutil at all,\n"
+              "    the controller is dead — that's professional (chip-off) recovery.");
     EXPECT_TRUE(driver_->text("recover.imagingHere").contains("lsblk"));
     EXPECT_TRUE(driver_->text("recover.imagingHere").contains("gddrescue"));
     keepPictures("recover-imaging");
@@ -117,8 +116,10 @@ TEST_F(RecoverScreenTests, EveryKindOfDamage_IsShownWithItsSign) {
     choose("recover.places.output.choose", madeFolder("out"));
     driver_->press("recover.repair");
     driver_->waitFor(
-        "the end", [&] { return driver_->isShown("recover.outcomes.0") &&
-                                driver_->isShown("recover.repair"); },
+        "the end",
+        [&] {
+            return driver_->isShown("recover.outcomes.0") && driver_->isShown("recover.repair");
+        },
         120'000);
     keepPictures("recover-mixed-recovered");
 }

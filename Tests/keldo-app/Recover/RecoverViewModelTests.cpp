@@ -1,8 +1,9 @@
+#include "keldo-app/Recover/RecoverViewModel.h"
+
 #include "../../ReelCore/Recovery/MixedCard.h"
 #include "../ViewModelFixture.h"
 #include "Support/Boxes.h"
 #include "Support/Clip.h"
-#include "keldo-app/Recover/RecoverViewModel.h"
 
 #include <algorithm>
 
@@ -33,8 +34,8 @@ protected:
         makeClip(place("one.mov"), {.seconds = 0.2});
         makeClip(place("two.mov"), {.seconds = 0.3});
         const std::string gap = TestSupport::noise(1 << 20);
-        TestSupport::writeFile(
-            place("card.img"), gap + readFile(place("one.mov")) + gap + readFile(place("two.mov")));
+        TestSupport::writeFile(place("card.img"),
+                               gap + readFile(place("one.mov")) + gap + readFile(place("two.mov")));
         return place("card.img");
     }
 

@@ -1,10 +1,11 @@
+#include "keldo-app/Sync/SyncViewModel.h"
+
 #include "../ViewModelFixture.h"
 #include "Support/Clip.h"
 #include "Support/EnvironmentVariable.h"
 #include "Support/FakeTool.h"
 #include "Support/ShootingDay.h"
 #include "Support/Tool.h"
-#include "keldo-app/Sync/SyncViewModel.h"
 
 using keldo_app::GroupRow;
 using keldo_app::SyncViewModel;
@@ -181,8 +182,8 @@ TEST_F(SyncViewModelTests, MuxAgain_WritesBesideTheFirst) {
     mux();
     EXPECT_EQ(TestSupport::readTree(place("Out")).size(), 2U);
     const auto& synced = *std::ranges::find_if(model_.result()->groups, &SyncGroup::isSynced);
-    EXPECT_TRUE(std::filesystem::exists(
-        place("Out") / (synced.video.url.stem().native() + "_synced 2.mov")));
+    EXPECT_TRUE(std::filesystem::exists(place("Out") /
+                                        (synced.video.url.stem().native() + "_synced 2.mov")));
 }
 
 TEST_F(SyncViewModelTests, Mux_CallsFFmpegAsAgreedAndGoesOnAfterAFailure) {
@@ -198,11 +199,9 @@ TEST_F(SyncViewModelTests, Mux_CallsFFmpegAsAgreedAndGoesOnAfterAFailure) {
     const std::string output =
         (place("Out") / (video.url.stem().native() + "_synced.mov")).native();
     EXPECT_EQ(calls.front(),
-              (std::vector<std::string>{
-                  "-y",   "-v",    "error",  "-i",  video.url.native(),       "-ss",
-                  "5.0",  "-i",    best.clip->url.native(), "-map", "0:v", "-map",
-                  "1:a",  "-c:v",  "copy",   "-c:a", "pcm_s16le", "-shortest",
-                  output}));
+              (std::vector<std::string>{"-y", "-v", "error", "-i", video.url.native(), "-ss", "5.0",
+                                        "-i", best.clip->url.native(), "-map", "0:v", "-map", "1:a",
+                                        "-c:v", "copy", "-c:a", "pcm_s16le", "-shortest", output}));
     EXPECT_TRUE(TestSupport::readTree(place("Out")).empty()) << "no empty clip is left";
 }
 

@@ -61,8 +61,9 @@ TEST_F(TranscodeScreenTests, Setup_HasItsTextsAndSaysWhatIsMissing) {
 
 TEST_F(TranscodeScreenTests, Batch_WithALookASizeAndTwoFailures) {
     TestSupport::writeFile(place("broken.mov"), "no picture");
-    TestSupport::writeFile(place("look.cube"), "LUT_3D_SIZE 2\n0 0 0\n1 0 0\n0 1 0\n1 1 0\n0 0 1\n"
-                                               "1 0 1\n0 1 1\n1 1 1\n");
+    TestSupport::writeFile(place("look.cube"),
+                           "LUT_3D_SIZE 2\n0 0 0\n1 0 0\n0 1 0\n1 1 0\n0 0 1\n"
+                           "1 0 1\n0 1 1\n1 1 1\n");
     openTranscode();
     add({clip("a.mov"), place("broken.mov"), place("gone.mov")});
     choose("transcode.output.choose", madeFolder("out"));
@@ -82,8 +83,7 @@ TEST_F(TranscodeScreenTests, Batch_WithALookASizeAndTwoFailures) {
     EXPECT_EQ(driver_->text("transcode.summary"), "1 of 3 clips → ProRes 422 HQ");
     EXPECT_EQ(driver_->text("transcode.completed.0.title"), "a.mov");
     EXPECT_EQ(driver_->text("transcode.failures.0.title"), "broken.mov");
-    EXPECT_TRUE(
-        driver_->text("transcode.failures.1.detail").startsWith("Input not found: "));
+    EXPECT_TRUE(driver_->text("transcode.failures.1.detail").startsWith("Input not found: "));
     keepPictures("transcode-errors");
     choose("transcode.save", madeFolder("Reports"));
     driver_->waitFor("the report", [&] {

@@ -1,7 +1,8 @@
+#include "keldo-app/Transcode/TranscodeViewModel.h"
+
 #include "../ViewModelFixture.h"
 #include "Support/Clip.h"
 #include "Support/FakeTool.h"
-#include "keldo-app/Transcode/TranscodeViewModel.h"
 
 using keldo_app::TranscodeViewModel;
 using ReelCore::TranscodePreset;
@@ -164,9 +165,9 @@ TEST_F(TranscodeViewModelTests, CancelTwice_EndsAClipThatDoesNotClose) {
     TestSupport::writeFile(place("a.mov"), "picture");
     setUp({place("a.mov")});
     const TestSupport::FakeTool ffprobe("FFPROBE_PATH", "echo 1");
-    const TestSupport::FakeTool ffmpeg("FFMPEG_PATH",
-                                       "trap '' TERM; touch " + place("up").native() +
-                                           "; while :; do sleep 0.05; done");
+    const TestSupport::FakeTool ffmpeg(
+        "FFMPEG_PATH",
+        "trap '' TERM; touch " + place("up").native() + "; while :; do sleep 0.05; done");
     model_.start();
     ASSERT_TRUE(waitFor([&] { return std::filesystem::exists(place("up")); }));
     model_.cancel();
