@@ -17,9 +17,6 @@ ListView {
     clip: true
     interactive: false
     keyNavigationEnabled: false
-    // The list itself has the focus, not one of its rows.
-    onCurrentItemChanged: if (currentItem)
-        currentIndex = -1
     spacing: Theme.tiny
     readonly property real rowWidth: width - (contentHeight > height ? Theme.regular : 0)
     activeFocusOnTab: contentHeight > height
