@@ -1,5 +1,6 @@
 pragma ComponentBehavior: Bound
 import QtQuick
+import QtQuick.Layouts
 import Keldo.Components
 
 Page {
@@ -25,20 +26,27 @@ Page {
         objectName: "files"
         title: "Files"
         systemImage: "film"
-        Repeater {
-            model: page.files
-            FileRow {
-                id: file
-                required property int index
-                required property string modelData
-                objectName: "file." + index
-                title: modelData
-                IconButton {
-                    objectName: "remove." + file.index
-                    symbol: "minus.circle.fill"
-                    text: "Remove " + file.title
-                    color: Theme.danger
-                    onClicked: page.files = page.files.filter(name => name !== file.title)
+        Column {
+            id: rows
+            spacing: Theme.medium
+            Layout.fillWidth: true
+
+            Repeater {
+                model: page.files
+                FileRow {
+                    id: file
+                    required property int index
+                    required property string modelData
+                    objectName: "file." + index
+                    width: rows.width
+                    title: modelData
+                    IconButton {
+                        objectName: "remove." + file.index
+                        symbol: "minus.circle.fill"
+                        text: "Remove " + file.title
+                        color: Theme.danger
+                        onClicked: page.files = page.files.filter(name => name !== file.title)
+                    }
                 }
             }
         }

@@ -1,5 +1,6 @@
 pragma ComponentBehavior: Bound
 import QtQuick
+import QtQuick.Layouts
 import Keldo.Components
 
 Page {
@@ -32,13 +33,20 @@ Page {
     Card {
         objectName: "names"
         title: "Names of others"
-        Repeater {
-            model: page.names
-            FileRow {
-                required property int index
-                required property string modelData
-                objectName: "name." + index
-                title: modelData
+        Column {
+            id: rows
+            spacing: Theme.medium
+            Layout.fillWidth: true
+
+            Repeater {
+                model: page.names
+                FileRow {
+                    required property int index
+                    required property string modelData
+                    objectName: "name." + index
+                    width: rows.width
+                    title: modelData
+                }
             }
         }
     }

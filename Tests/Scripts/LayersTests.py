@@ -191,6 +191,16 @@ class LayersTests(unittest.TestCase):
         self.assertEqual(self.line(path, "import QtQuick.Layouts\nimport keldo.Components"), [])
         self.assertEqual(self.line("Sources/keldo-app/Shell/A.qml", "import keldo.Offload"), [])
 
+    def test_QML_RepeaterInALayout_Refused(self):
+        path = "Sources/keldo-app/Offload/A.qml"
+        for place in ("ColumnLayout", "RowLayout", "Card", "Page"):
+            text = f"{place} {{\n    id: a\n    Repeater {{\n    }}\n}}\n"
+            self.assertEqual(self.line(path, text),
+                             [f"{path}:3: a Repeater belongs into a Column or a Row"])
+        for place in ("Column", "Row", "Item"):
+            text = f"Card {{\n    {place} {{\n        Repeater {{\n        }}\n    }}\n}}\n"
+            self.assertEqual(self.line(path, text), [])
+
     def test_QML_LiteralLooksOutsideTheme_Refused(self):
         path = "Sources/keldo-app/Offload/A.qml"
         for line, what in (

@@ -17,7 +17,6 @@ ListView {
     clip: true
     interactive: false
     keyNavigationEnabled: false
-    currentIndex: -1
     spacing: Theme.tiny
     readonly property real rowWidth: width - (contentHeight > height ? Theme.regular : 0)
     activeFocusOnTab: contentHeight > height

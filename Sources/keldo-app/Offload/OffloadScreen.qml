@@ -37,8 +37,9 @@ Page {
         id: finished
         visible: offload.stage === OffloadViewModel.Stage.finished
         model: offload
+        // Later, when all that one change brings has come.
         onVisibleChanged: if (visible)
-            screen.attend(outcome)
+            Qt.callLater(() => screen.attend(outcome))
         onFormatRequested: formatSheet.open()
     }
     FormatSheet {

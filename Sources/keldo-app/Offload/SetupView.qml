@@ -52,30 +52,38 @@ ColumnLayout {
             text: "Add at least two drives for a safe, format-eligible offload."
             font: Theme.body
         }
-        Repeater {
-            id: drives
-            model: view.model.destinations
+        Column {
+            id: rows
+            visible: drives.count > 0
+            spacing: Theme.medium
+            Layout.fillWidth: true
 
-            FileRow {
-                id: drive
+            Repeater {
+                id: drives
+                model: view.model.destinations
 
-                required property int index
-                required property string name
-                required property string path
-                readonly property alias button: remove
+                FileRow {
+                    id: drive
 
-                objectName: "offload.drive." + index
-                title: name
-                detail: path
-                symbol: "externaldrive.fill"
+                    required property int index
+                    required property string name
+                    required property string path
+                    readonly property alias button: remove
 
-                IconButton {
-                    id: remove
-                    objectName: "offload.remove." + drive.index
-                    symbol: "minus.circle.fill"
-                    text: "Remove " + drive.title
-                    color: Theme.danger
-                    onClicked: view.remove(drive.index, visualFocus)
+                    objectName: "offload.drive." + index
+                    width: rows.width
+                    title: name
+                    detail: path
+                    symbol: "externaldrive.fill"
+
+                    IconButton {
+                        id: remove
+                        objectName: "offload.remove." + drive.index
+                        symbol: "minus.circle.fill"
+                        text: "Remove " + drive.title
+                        color: Theme.danger
+                        onClicked: view.remove(drive.index, visualFocus)
+                    }
                 }
             }
         }
