@@ -196,7 +196,7 @@ class LayersTests(unittest.TestCase):
         for place in ("ColumnLayout", "RowLayout", "Card", "Page"):
             text = f"{place} {{\n    id: a\n    Repeater {{\n    }}\n}}\n"
             self.assertEqual(self.line(path, text),
-                             [f"{path}:3: a Repeater belongs into a Column or a Row"])
+                             [f"{path}:4: a Repeater belongs into a Column or a Row"])
         for place in ("Column", "Row", "Item"):
             text = f"Card {{\n    {place} {{\n        Repeater {{\n        }}\n    }}\n}}\n"
             self.assertEqual(self.line(path, text), [])

@@ -1,4 +1,5 @@
 import QtQuick
+import QtQuick.Layouts
 import QtQuick.Window
 
 // One symbol by its name, tinted.
@@ -14,5 +15,8 @@ Image {
     sourceSize { width: size * Screen.devicePixelRatio; height: size * Screen.devicePixelRatio }
     width: size
     height: size
+    // Its implicit size is that of the picture, in the pixels of the screen.
+    Layout.preferredWidth: size
+    Layout.preferredHeight: size
     Accessible.ignored: true
 }

@@ -28,11 +28,7 @@ Sheet {
         objectName: "sheet.weakerProofs"
         lines: sheet.model.result?.weakerProofs ?? []
     }
-    CodeBlock {
-        objectName: "sheet.command"
-        visible: text !== ""
-        text: sheet.model.formatCommand
-    }
+    CodeBlock { objectName: "sheet.command"; visible: text !== ""; text: sheet.model.formatCommand }
     RowLayout {
         spacing: Theme.small
         PlainText { objectName: "sheet.word.type"; text: "Type" }

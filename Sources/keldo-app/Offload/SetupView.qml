@@ -136,13 +136,13 @@ ColumnLayout {
             color: Theme.attention
             font: Theme.print
         }
+        Item { Layout.fillWidth: true }
         ActionButton {
             objectName: "offload.start"
             role: ActionButton.Role.Prominent
             text: "Start Offload"
             symbol: "play.fill"
             enabled: view.model.canStart
-            Layout.alignment: Qt.AlignRight
             onClicked: view.model.start()
         }
     }

@@ -45,6 +45,12 @@ TEST_F(LayoutTests, NothingStandsOutOfItsCard) {
     }
 }
 
+TEST_F(LayoutTests, SymbolsAreAsLargeAsTheTheme_AtEveryScale) {
+    openGallery("Rows");
+    EXPECT_LE(driver_->at("files.head").height(), 24);
+    EXPECT_EQ(driver_->at("file.0").height(), 36);
+}
+
 TEST_F(LayoutTests, PageIsNoWiderThanCanBeRead) {
     openGallery("Texts");
     driver_->resize(1600, 680);

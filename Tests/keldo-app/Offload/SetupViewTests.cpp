@@ -90,6 +90,18 @@ TEST_F(SetupViewTests, OneDrive_WarnsThatFormattingStaysLocked) {
     keepPictures("one-drive");
 }
 
+TEST_F(SetupViewTests, Start_StandsAtTheTrailingEdgeWithAndWithoutTheWarning) {
+    openWindow();
+    const auto right = [&](const char* name) {
+        const QQuickItem& item = driver_->at(name);
+        return item.mapToScene(QPointF(item.width(), 0)).x();
+    };
+    EXPECT_EQ(right("offload.start"), right("offload.optionsCard"));
+    addDrive(drive("SHUTTLE_01"));
+    EXPECT_TRUE(driver_->isShown("offload.warning"));
+    EXPECT_EQ(right("offload.start"), right("offload.optionsCard"));
+}
+
 TEST_F(SetupViewTests, DrivesAreListedOnceInOrderAndCanBeRemoved) {
     openWindow();
     addDrive(drive("SHUTTLE_01"));
