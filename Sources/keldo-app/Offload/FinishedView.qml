@@ -11,7 +11,7 @@ ColumnLayout {
     required property OffloadViewModel model
     readonly property var result: model.result
     readonly property bool isProved: result?.allVerified ?? false
-    readonly property bool isEligible: model.gate?.eligible ?? false
+    readonly property bool isEligible: model.isEligible
     readonly property Item outcome: failure.visible ? failure : verdict
 
     signal formatRequested
@@ -75,14 +75,14 @@ ColumnLayout {
     }
     Card {
         objectName: "offload.format"
-        visible: !failure.visible && view.model.gate !== undefined
+        visible: !failure.visible && view.result !== undefined
         title: "Format Card?"
         systemImage: "trash"
         tint: view.isEligible ? Theme.accent : Theme.secondary
 
         Note {
             objectName: "offload.reason"
-            text: view.model.gate?.reason ?? ""
+            text: view.model.gateReason
             color: view.isEligible ? Theme.primary : Theme.secondary
             font: Theme.body
         }

@@ -74,16 +74,12 @@ ResultFacts ResultFacts::of(const ReelCore::OffloadResult& result) {
     return facts;
 }
 
-std::vector<FailedFileRow> ResultFacts::failedFiles(const ReelCore::OffloadResult& result) {
-    std::vector<FailedFileRow> rows;
+std::vector<PlaceRow> ResultFacts::failedFiles(const ReelCore::OffloadResult& result) {
+    std::vector<PlaceRow> rows;
     for (const auto& one : result.files) {
-        if (!one.verified()) rows.push_back({Format::text(one.file.relativePath)});
+        if (!one.verified()) rows.push_back(PlaceRow::of(one.file.relativePath));
     }
     return rows;
-}
-
-GateFacts GateFacts::of(const ReelCore::CardFormatter::FormatGate& gate) {
-    return {gate.eligible, Format::text(gate.reason)};
 }
 
 }  // namespace keldo_app

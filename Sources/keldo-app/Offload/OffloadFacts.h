@@ -1,6 +1,5 @@
 #pragma once
 
-#include "ReelCore/CardFormat/CardFormatter.h"
 #include "ReelCore/Offload/OffloadTypes.h"
 #include "ReelCore/Offload/SourceScanner.h"
 #include "keldo-app/Support/ViewModel.h"
@@ -9,19 +8,6 @@
 #include <QStringList>
 
 namespace keldo_app {
-
-/// A backup drive as a row shows it.
-struct DriveRow {
-    Q_GADGET
-    KELDO_FIELD(QString, name)
-    KELDO_FIELD(QString, path)
-};
-
-/// A file that failed verification.
-struct FailedFileRow {
-    Q_GADGET
-    KELDO_FIELD(QString, path)
-};
 
 /// A scan as the source card sums it up.
 struct ScanFacts {
@@ -59,16 +45,7 @@ struct ResultFacts {
     KELDO_FIELD(QStringList, missingLists)  ///< A sentence for each drive without a new hash list.
 
     static ResultFacts of(const ReelCore::OffloadResult& result);
-    static std::vector<FailedFileRow> failedFiles(const ReelCore::OffloadResult& result);
-};
-
-/// The verdict on erasing.
-struct GateFacts {
-    Q_GADGET
-    KELDO_FIELD(bool, eligible)
-    KELDO_FIELD(QString, reason)
-
-    static GateFacts of(const ReelCore::CardFormatter::FormatGate& gate);
+    static std::vector<PlaceRow> failedFiles(const ReelCore::OffloadResult& result);
 };
 
 }  // namespace keldo_app

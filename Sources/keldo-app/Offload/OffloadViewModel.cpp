@@ -1,7 +1,6 @@
 #include "keldo-app/Offload/OffloadViewModel.h"
 
 #include "ReelCore/Reports/Report.h"
-#include "keldo-app/Support/Format.h"
 
 #include <algorithm>
 #include <utility>
@@ -15,11 +14,6 @@ using Purpose = InUse::Purpose;
 namespace {
 
 constexpr std::int64_t minimumCopies = 2;
-
-template <class Facts, class Value>
-QVariant facts(const std::optional<Value>& value) {
-    return value ? QVariant::fromValue(Facts::of(*value)) : QVariant();
-}
 
 }  // namespace
 
@@ -89,7 +83,7 @@ void OffloadViewModel::addDestination() {
     const auto chosen = desktop->chooseFolder("Add Backup Drive", FirstPlace::removableMedia);
     if (!chosen || std::ranges::find(destinations_, *chosen) != destinations_.end()) return;
     destinations_.push_back(*chosen);
-    destinationRows_.append({Format::name(*chosen), Format::path(*chosen)});
+    destinationRows_.append(PlaceRow::of(*chosen));
     emit changed();
 }
 
@@ -113,30 +107,28 @@ void OffloadViewModel::start() {
 }
 
 void OffloadViewModel::apply(OffloadEvent event) {
-    std::visit([this](auto one) { apply(std::move(one)); }, std::move(event.value));
+    if (const auto* progress = std::get_if<OffloadEvent::Progress>(&event.value)) {
+        progress_ = progress->progress;
+    } else if (const auto* failed = std::get_if<OffloadEvent::Failed>(&event.value)) {
+        errorMessage_ = Format::text(failed->description);
+        errorReason_ = Format::text(failed->reason);
+        stage_ = Stage::finished;
+    } else {
+        finish(std::get<OffloadEvent::Finished>(event.value).result);
+    }
     emit changed();
 }
 
-void OffloadViewModel::cancel() {
-    cancelFlag_->cancel();
-}
-
-void OffloadViewModel::apply(OffloadEvent::Progress event) {
-    progress_ = std::move(event.progress);
-}
-
-void OffloadViewModel::apply(OffloadEvent::Finished event) {
-    result_ = std::move(event.result);
+void OffloadViewModel::finish(OffloadJobs::Result result) {
+    result_ = std::move(result);
     resultFacts_ = QVariant::fromValue(ResultFacts::of(*result_));
     failedFiles_.reset(ResultFacts::failedFiles(*result_));
     gate_ = CardFormatter::gate(*result_, minimumCopies);
     stage_ = Stage::finished;
 }
 
-void OffloadViewModel::apply(OffloadEvent::Failed event) {
-    errorMessage_ = Format::text(event.description);
-    errorReason_ = Format::text(event.reason);
-    stage_ = Stage::finished;
+void OffloadViewModel::cancel() {
+    cancelFlag_->cancel();
 }
 
 void OffloadViewModel::saveReport() {
@@ -183,38 +175,16 @@ void OffloadViewModel::clearOutcome() {
     formatStatus_.clear();
 }
 
-void OffloadViewModel::setAlgorithmName(const QString& name) {
-    const auto chosen = ReelCore::fromRawValue<ReelCore::HashAlgorithm>(name.toStdString());
-    if (!chosen) return;
-    algorithm_ = *chosen;
+void OffloadViewModel::setAlgorithmIndex(int index) {
+    const auto all = ReelCore::allCases<ReelCore::HashAlgorithm>();
+    if (index < 0 || index >= std::ssize(all)) return;
+    algorithm_ = all[static_cast<std::size_t>(index)];
     emit changed();
-}
-
-QString OffloadViewModel::algorithmName() const {
-    return Format::text(rawValue(algorithm_));
-}
-
-QStringList OffloadViewModel::algorithmNames() const {
-    QStringList names;
-    for (const auto one : ReelCore::allCases<ReelCore::HashAlgorithm>()) {
-        names.append(Format::text(rawValue(one)));
-    }
-    return names;
 }
 
 QString OffloadViewModel::formatCommand() const {
     const auto plan = formatPlan();
     return plan ? Format::text(plan->command()) : "";
-}
-
-QVariant OffloadViewModel::scanFacts() const {
-    return facts<ScanFacts>(scan_);
-}
-QVariant OffloadViewModel::progressFacts() const {
-    return facts<ProgressFacts>(progress_);
-}
-QVariant OffloadViewModel::gateFacts() const {
-    return facts<GateFacts>(gate_);
 }
 
 }  // namespace keldo_app

@@ -5,11 +5,11 @@
 #include "ReelCore/Offload/SourceScanner.h"
 #include "keldo-app/Offload/OffloadFacts.h"
 #include "keldo-app/Offload/OffloadJobs.h"
+#include "keldo-app/Support/Format.h"
 #include "keldo-app/Support/ReportSaver.h"
 #include "keldo-app/Support/Rows.h"
 #include "keldo-app/Support/ViewModel.h"
 
-#include <QVariant>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -25,12 +25,13 @@ class OffloadViewModel : public ViewModel {
     QML_ELEMENT
     Q_PROPERTY(keldo_app::RowModel* destinations READ destinationRows CONSTANT)
     Q_PROPERTY(QStringList algorithms READ algorithmNames CONSTANT)
-    Q_PROPERTY(QString algorithm READ algorithmName WRITE setAlgorithmName NOTIFY changed)
+    Q_PROPERTY(int algorithmIndex READ algorithmIndex WRITE setAlgorithmIndex NOTIFY changed)
     Q_PROPERTY(QVariant scan READ scanFacts NOTIFY changed)
     Q_PROPERTY(QVariant progress READ progressFacts NOTIFY changed)
     Q_PROPERTY(QVariant result READ resultFacts NOTIFY changed)
     Q_PROPERTY(keldo_app::RowModel* failedFiles READ failedFileRows CONSTANT)
-    Q_PROPERTY(QVariant gate READ gateFacts NOTIFY changed)
+    Q_PROPERTY(bool isEligible READ isEligible NOTIFY changed)
+    Q_PROPERTY(QString gateReason READ gateReason NOTIFY changed)
     Q_PROPERTY(QString reportStatus READ reportStatus NOTIFY changed)
     Q_PROPERTY(QString startObjection READ startObjection NOTIFY changed)
     Q_PROPERTY(QString formatObjection READ formatObjection NOTIFY changed)
@@ -90,30 +91,29 @@ public:
 private:
     RowModel* destinationRows() { return &destinationRows_; }
     RowModel* failedFileRows() { return &failedFiles_; }
-    QString algorithmName() const;
-    void setAlgorithmName(const QString& name);
-    QStringList algorithmNames() const;
-    QVariant scanFacts() const;
-    QVariant progressFacts() const;
+    int algorithmIndex() const { return static_cast<int>(algorithm_); }
+    void setAlgorithmIndex(int index);
+    static QStringList algorithmNames() { return Format::rawValues<ReelCore::HashAlgorithm>(); }
+    QVariant scanFacts() const { return factsOf<ScanFacts>(scan_); }
+    QVariant progressFacts() const { return factsOf<ProgressFacts>(progress_); }
     QVariant resultFacts() const { return resultFacts_; }
-    QVariant gateFacts() const;
+    bool isEligible() const { return gate_ && gate_->eligible; }
+    QString gateReason() const { return gate_ ? Format::text(gate_->reason) : QString(); }
     QString formatCommand() const;
 
     std::vector<InUse::Use> uses() const;
     void scanSource();
     void clearOutcome();
-    void apply(OffloadEvent::Progress event);
-    void apply(OffloadEvent::Finished event);
-    void apply(OffloadEvent::Failed event);
+    void finish(OffloadJobs::Result result);
 
     std::optional<ReelCore::SourceScanner::ScanResult> scan_;
     std::vector<ReelCore::URL> destinations_;
-    Rows<DriveRow> destinationRows_;
+    Rows<PlaceRow> destinationRows_;
     ReelCore::HashAlgorithm algorithm_ = ReelCore::HashAlgorithm::xxhash64;
     std::optional<ReelCore::OffloadProgress> progress_;
     OffloadJobs::Result result_;
     QVariant resultFacts_;
-    Rows<FailedFileRow> failedFiles_;
+    Rows<PlaceRow> failedFiles_;
     std::optional<ReelCore::CardFormatter::FormatGate> gate_;
     ReportSaver report_;
 

@@ -9,7 +9,6 @@ ColumnLayout {
     id: view
 
     required property OffloadViewModel model
-    readonly property var algorithms: model.algorithms
 
     // The keyboard goes on where the row was.
     function remove(row, byKeyboard) {
@@ -117,9 +116,9 @@ ColumnLayout {
             SegmentedControl {
                 objectName: "offload.checksum"
                 name: "Checksum"
-                labels: view.algorithms
-                currentIndex: view.algorithms.indexOf(view.model.algorithm)
-                onChosen: index => view.model.algorithm = view.algorithms[index]
+                labels: view.model.algorithms
+                currentIndex: view.model.algorithmIndex
+                onChosen: index => view.model.algorithmIndex = index
             }
         }
     }
@@ -137,17 +136,12 @@ ColumnLayout {
             font: Theme.print
         }
         Item { Layout.fillWidth: true }
-        ActionButton {
+        DefaultButton {
             objectName: "offload.start"
-            role: ActionButton.Role.Prominent
             text: "Start Offload"
             symbol: "play.fill"
             enabled: view.model.canStart
             onClicked: view.model.start()
         }
-    }
-    DefaultAction {
-        enabled: view.model.canStart
-        onActivated: view.model.start()
     }
 }

@@ -46,9 +46,8 @@ Page {
             objectName: "recover.scanObjection"
             lines: recover.scanObjection === "" ? [] : [recover.scanObjection]
         }
-        ActionButton {
+        DefaultButton {
             objectName: "recover.scan"
-            role: ActionButton.Role.Prominent
             text: recover.stage === RecoverViewModel.Stage.scanning ? "Scanning…" : "Scan for Damage"
             symbol: "stethoscope"
             enabled: recover.canScan
@@ -62,9 +61,5 @@ Page {
     CarveCard {
         visible: !recover.hasScan
         recover: recover
-    }
-    DefaultAction {
-        enabled: !recover.hasScan && recover.canScan
-        onActivated: recover.runScan()
     }
 }

@@ -79,10 +79,9 @@ ColumnLayout {
             visible: view.recover.stage === RecoverViewModel.Stage.repairing
             text: "Repairing " + view.recover.repairDone + "/" + view.recover.damagedCount
         }
-        ActionButton {
+        DefaultButton {
             objectName: "recover.repair"
             visible: view.recover.stage !== RecoverViewModel.Stage.repairing
-            role: ActionButton.Role.Prominent
             text: "Repair " + view.recover.damagedCount + " Clip" + (view.recover.damagedCount === 1 ? "" : "s")
             symbol: "bandage"
             enabled: view.recover.canRepair
@@ -110,9 +109,5 @@ ColumnLayout {
             symbol: "folder"
             onClicked: view.recover.reveal()
         }
-    }
-    DefaultAction {
-        enabled: view.visible && view.recover.canRepair
-        onActivated: view.recover.runRepair()
     }
 }

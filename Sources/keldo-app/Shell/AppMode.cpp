@@ -27,11 +27,7 @@ std::string_view rawValue(AppMode mode) {
 }
 
 QStringList AppModes::labels() const {
-    QStringList labels;
-    for (const AppMode mode : ReelCore::allCases<AppMode>()) {
-        labels.append(Format::text(rawValue(mode)));
-    }
-    return labels;
+    return Format::rawValues<AppMode>();
 }
 
 QUrl AppModes::screen(const QString& label) const {

@@ -1,8 +1,10 @@
 #pragma once
 
+#include "ReelCore/Models/Enumeration.h"
 #include "ReelCore/Platform/URL.h"
 
 #include <QString>
+#include <QStringList>
 #include <cstdint>
 
 namespace keldo_app {
@@ -30,6 +32,16 @@ struct Format {
     static QString name(const ReelCore::URL& url);
 
     static QString text(std::string_view text);
+
+    /// The raw values of an enumeration, in the order of its cases.
+    template <class Enumeration>
+    static QStringList rawValues() {
+        QStringList values;
+        for (const Enumeration one : ReelCore::allCases<Enumeration>()) {
+            values.append(text(rawValue(one)));
+        }
+        return values;
+    }
 };
 
 }  // namespace keldo_app

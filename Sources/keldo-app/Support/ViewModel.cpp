@@ -12,4 +12,8 @@ QString OptionalURL::name() const {
     return has_value() ? Format::name(**this) : QString();
 }
 
+PlaceRow PlaceRow::of(const ReelCore::URL& url) {
+    return {Format::name(url), Format::path(url)};
+}
+
 }  // namespace keldo_app

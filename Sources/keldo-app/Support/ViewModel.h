@@ -5,6 +5,7 @@
 
 #include <QObject>
 #include <QString>
+#include <QVariant>
 #include <optional>
 
 /// A published field in one line: a property for QML to read, `name()` for C++, and `name_` for the
@@ -60,6 +61,12 @@ signals:
     void changed();
 };
 
+/// What QML sees of a value that may be absent: `Facts::of` the value, or nothing.
+template <class Facts, class Value>
+QVariant factsOf(const std::optional<Value>& value) {
+    return value ? QVariant::fromValue(Facts::of(*value)) : QVariant();
+}
+
 /// A place that a user has chosen, or none; QML sees its texts, which are empty where there is
 /// none.
 struct OptionalURL : std::optional<ReelCore::URL> {
@@ -73,6 +80,15 @@ public:
     QString path() const;
     /// The last part of the path.
     QString name() const;
+};
+
+/// A file or a folder as a row shows it.
+struct PlaceRow {
+    Q_GADGET
+    KELDO_FIELD(QString, name)  ///< The last part of the path.
+    KELDO_FIELD(QString, path)
+
+    static PlaceRow of(const ReelCore::URL& url);
 };
 
 }  // namespace keldo_app

@@ -56,9 +56,8 @@ Page {
             visible: !sync.ffmpegReady
             reason: "Without ffmpeg no camera clip can be read:"
         }
-        ActionButton {
+        DefaultButton {
             objectName: "sync.scan"
-            role: ActionButton.Role.Prominent
             text: sync.stage === SyncViewModel.Stage.scanning ? "Scanning…" : "Scan & Group"
             symbol: "wand.and.stars"
             enabled: sync.canScan
@@ -69,10 +68,6 @@ Page {
             objectName: "sync.scanning"
             visible: sync.stage === SyncViewModel.Stage.scanning
             text: "Reading clips and recordings"
-        }
-        DefaultAction {
-            enabled: !sync.hasResult && sync.canScan
-            onActivated: sync.scan()
         }
     }
     GroupsView {

@@ -89,11 +89,11 @@ void SyncViewModel::scan() {
 void SyncViewModel::setResult(SyncJobs::Result result) {
     result_ = std::move(result);
     std::vector<GroupRow> groups;
-    std::vector<UnmatchedRow> unmatched;
+    std::vector<PlaceRow> unmatched;
     if (result_) {
         for (const auto& group : result_->groups) groups.push_back(GroupRow::of(group));
         for (const auto& clip : result_->unmatchedAudio) {
-            unmatched.push_back({Format::name(clip.url)});
+            unmatched.push_back(PlaceRow::of(clip.url));
         }
     }
     syncedCount_ = result_ ? result_->syncedCount() : 0;

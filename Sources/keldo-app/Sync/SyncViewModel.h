@@ -25,12 +25,6 @@ struct GroupRow {
     static GroupRow of(const ReelCore::SyncGroup& group);
 };
 
-/// A recording that belongs to no clip.
-struct UnmatchedRow {
-    Q_GADGET
-    KELDO_FIELD(QString, name)
-};
-
 /// All state and all actions of the Sync screen: one day's media grouped by time of day, and what
 /// is made of the groups.
 class SyncViewModel : public ViewModel {
@@ -92,7 +86,7 @@ private:
     SyncJobs::Result result_;
     qint64 syncedCount_ = 0;
     Rows<GroupRow> groupRows_;
-    Rows<UnmatchedRow> unmatchedRows_;
+    Rows<PlaceRow> unmatchedRows_;
     ReportSaver report_;
 
     std::optional<Job<SyncJobs::Result>> scanJob_;

@@ -132,17 +132,12 @@ ColumnLayout {
                 : view.clips === 0 ? "No clips yet."
                 : view.transcode.outputDir.path === "" ? "No destination yet." : ""
         }
-        ActionButton {
+        DefaultButton {
             objectName: "transcode.start"
-            role: ActionButton.Role.Prominent
             text: "Transcode " + view.clips + " clip" + (view.clips === 1 ? "" : "s")
             symbol: "play.fill"
             enabled: view.transcode.canStart
             onClicked: view.transcode.start()
         }
-    }
-    DefaultAction {
-        enabled: view.visible && view.transcode.canStart
-        onActivated: view.transcode.start()
     }
 }

@@ -77,7 +77,7 @@ void TranscodeViewModel::addInputs() {
     for (const URL& chosen : desktop->chooseFiles("Add clips to transcode")) {
         if (std::ranges::find(inputs_, chosen) != inputs_.end()) continue;
         inputs_.push_back(chosen);
-        inputRows_.append({Format::name(chosen)});
+        inputRows_.append(PlaceRow::of(chosen));
     }
     emit changed();
 }
@@ -141,7 +141,7 @@ void TranscodeViewModel::apply(const TranscodeEvent::Progress& event) {
 
 void TranscodeViewModel::apply(const TranscodeEvent::FileFinished& event) {
     completed_.push_back(event.url);
-    completedRows_.append({Format::name(event.url)});
+    completedRows_.append(PlaceRow::of(event.url));
 }
 
 void TranscodeViewModel::apply(const TranscodeEvent::FileFailed& event) {

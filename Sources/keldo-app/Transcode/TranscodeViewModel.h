@@ -16,12 +16,6 @@
 
 namespace keldo_app {
 
-/// A clip of the batch.
-struct ClipRow {
-    Q_GADGET
-    KELDO_FIELD(QString, name)
-};
-
 /// A clip that could not be rendered.
 struct FailureRow {
     Q_GADGET
@@ -124,12 +118,12 @@ private:
 
     const bool ffmpegAvailable_ = ReelCore::FFmpegLocator().isAvailable();
     std::vector<ReelCore::URL> inputs_;
-    Rows<ClipRow> inputRows_;
+    Rows<PlaceRow> inputRows_;
     int presetIndex_ = indexOf(ReelCore::TranscodePreset::proRes422HQ);
     std::optional<std::int64_t> scaleLongEdge_;
     std::optional<ReelCore::TranscodeProgress> progress_;
     std::vector<ReelCore::URL> completed_;
-    Rows<ClipRow> completedRows_;
+    Rows<PlaceRow> completedRows_;
     std::vector<Failure> failures_;
     Rows<FailureRow> failureRows_;
     ReportSaver report_;

@@ -131,8 +131,9 @@ TEST_F(OffloadViewModelRunTests, Start_ClearsWhatTheRunBeforeLeft) {
 TEST_F(OffloadViewModelRunTests, TheChosenAlgorithmIsUsedAndKept) {
     choose(card());
     add(one());
-    ASSERT_TRUE(model_.setProperty("algorithm", "sha256"));
-    model_.setProperty("algorithm", "crc32");
+    ASSERT_TRUE(model_.setProperty("algorithmIndex", 2));
+    model_.setProperty("algorithmIndex", 3);
+    model_.setProperty("algorithmIndex", -1);
     runToEnd();
     EXPECT_EQ(model_.result()->request.algorithm, ReelCore::HashAlgorithm::sha256);
     EXPECT_EQ(model_.result()->files.front().sourceHash.size(), 64U);
