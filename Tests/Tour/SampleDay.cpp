@@ -13,12 +13,13 @@ using ReelCore::URL;
 
 namespace {
 
-std::string recording(std::uint64_t secondOfDay, double seconds, const char* iXML) {
-    Recording recording;
-    recording.seconds = seconds;
-    recording.timeReference = secondOfDay * recording.sampleRate;
-    recording.iXML = iXML;
-    return broadcastWAV(recording);
+/// With its slate in front of the sound: what stands behind it counts as damage.
+std::string recording(std::uint64_t secondOfDay, std::size_t seconds, std::string_view slate) {
+    const Recording sound;
+    const std::size_t bytes = seconds * sound.sampleRate * sound.bitsPerSample / 8U;
+    return riffFile(riffChunk("fmt ", formatPayload(sound)) +
+                    riffChunk("bext", broadcastPayload(secondOfDay * sound.sampleRate)) +
+                    riffChunk("iXML", slate) + riffChunk("data", std::string(bytes, '\0')));
 }
 
 /// As a recorder leaves it that lost its power: the sizes were to be filled in at the end.
@@ -39,14 +40,14 @@ void makeCard(const URL& card) {
                                          {"A001C002_261121XK", "10:00:10:12"},
                                          {"A001C003_261121XK", "10:30:00:00"}}) {
         makeClip(clips / (std::string(name) + ".MOV"),
-                 {.size = "1920x1080", .seconds = 4, .timecode = timecode});
+                 {.size = "640x360", .seconds = 4, .timecode = timecode});
         writeFile(clips / (std::string(name) + ".XML"), "<Clip/>\n");
     }
     const std::string whole = readFile(clips / "A001C002_261121XK.MOV");
     writeFile(clips / "A001C004_261121XK.MOV", withoutIndex(whole));
     constexpr std::uint64_t hour = 3600;
     writeTree(card / "SOUND",
-              {{"T001.WAV", recording(10 * hour - 5, 25,
+              {{"T001.WAV", recording(10 * hour - 5, 400,
                                       "<BWFXML><SCENE>12A</SCENE><TAKE>3</TAKE><TRACK>"
                                       "<NAME>Boom</NAME></TRACK></BWFXML>")},
                {"T002.WAV", recording(12 * hour, 5, "")},

@@ -35,7 +35,7 @@ void requireClip(const Guide& guide, const fs::path& clip) {
 void plan(Guide& guide, const SampleDay& day) {
     guide.press("mode.Plan");
     guide.press("plan.cameras.stepper.more");
-    guide.press("plan.production");
+    guide.driver.press("plan.production");
     guide.driver.type("Night Shift");
     guide.show("plan.formatCard");
     guide.picture("plan");
@@ -99,10 +99,10 @@ void recover(Guide& guide, const SampleDay& day, const fs::path& copy) {
     guide.choose("recover.card.choose", copy);
     guide.press("recover.scan");
     guide.waitFor("recover.diagnosisCard");
-    guide.requireText("recover.counts", "7 media files · 2 damaged · 5 healthy");
     guide.choose("recover.places.output.choose", day / "Recovered");
     guide.show("recover.counts");
     guide.picture("recover-diagnosis");
+    guide.requireText("recover.counts", "7 media files · 2 damaged · 5 healthy");
     guide.press("recover.repair");
     guide.waitFor("recover.outcomes.1");
     guide.waitFor("recover.repair");
