@@ -35,11 +35,10 @@ void requireClip(const Guide& guide, const fs::path& clip) {
 void plan(Guide& guide, const SampleDay& day) {
     guide.press("mode.Plan");
     guide.press("plan.cameras.stepper.more");
+    guide.requireText("plan.cardsPerDay.value", "4   (8/day total)");
+    guide.picture("plan");
     guide.driver.press("plan.production");
     guide.driver.type("Night Shift");
-    guide.show("plan.formatCard");
-    guide.picture("plan");
-    guide.requireText("plan.cardsPerDay.value", "4   (8/day total)");
     guide.choose("plan.save", day / "Plan");
     guide.requireText("plan.reportStatus", "Saved to Plan.");
     requireFiles(guide, day / "Plan", 2);

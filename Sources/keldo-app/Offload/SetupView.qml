@@ -128,13 +128,16 @@ ColumnLayout {
             color: Theme.attention
             font: Theme.print
         }
+        Item {
+            visible: drives.count !== 1
+            Layout.fillWidth: true
+        }
         ActionButton {
             objectName: "offload.start"
             role: ActionButton.Role.Prominent
             text: "Start Offload"
             symbol: "play.fill"
             enabled: view.model.canStart
-            Layout.alignment: Qt.AlignRight
             onClicked: view.model.start()
         }
     }
