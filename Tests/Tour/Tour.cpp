@@ -1,12 +1,12 @@
-#include "Tour/SampleCard.h"
-#include "Window/FakeDesktop.h"
-#include "Window/WindowDriver.h"
+#include "ReelCore/CardFormat/CardFormatter.h"
+#include "Support/Clip.h"
+#include "Support/FolderTree.h"
+#include "Tour/Guide.h"
+#include "Tour/SampleDay.h"
 #include "keldo-app/Offload/OffloadDriver.h"
 
-#include <QApplication>
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
 #include <stdexcept>
 #include <string>
 
@@ -14,92 +14,169 @@
 
 namespace fs = std::filesystem;
 using keldo_app::OffloadViewModel;
-using WindowSupport::WindowDriver;
+using Tour::Guide;
+using Tour::SampleDay;
 
 namespace {
 
-/// Says each step, does it, and keeps a picture of what the window showed afterwards.
-class Guide {
-public:
-    Guide(WindowDriver& driver, const fs::path& pictures) : driver_(driver), pictures_(pictures) {}
-
-    void press(const std::string& name, const std::string& label) {
-        say(fmt::format("press “{}”", label));
-        driver_.press(QString::fromStdString(name));
-    }
-
-    void picture(const std::string& name) {
-        const fs::path path = pictures_ / fmt::format("{}-{}.png", ++count_, name);
-        driver_.screenshot(path);
-        say("     screenshot " + path.native());
-    }
-
-    static void say(const std::string& line) {
-        fmt::print("{}\n", line);
-        std::fflush(stdout);
-    }
-
-private:
-    WindowDriver& driver_;
-    fs::path pictures_;
-    int count_ = 0;
-};
-
-void require(bool holds, const std::string& what) {
-    if (!holds) throw std::runtime_error("the tour expected " + what);
-    Guide::say("  ok " + what);
+void requireFiles(const Guide& guide, const fs::path& folder, std::size_t count) {
+    const auto tree = TestSupport::readTree(folder);
+    guide.require(tree.size() == count,
+                  fmt::format("{} files in {}", count, folder.filename().native()));
+    for (const auto& [name, content] : tree) guide.require(!content.empty(), name);
 }
 
-void offload(WindowDriver& driver, Guide& guide, const fs::path& folder) {
-    guide.picture("start");
-    guide.press("offload.source.choose", "Choose…");
-    WindowSupport::waitForStage(driver, OffloadViewModel::Stage::setup);
-    guide.picture("card-chosen");
-    guide.press("offload.add", "Add Drive…");
-    guide.picture("one-drive");
-    guide.press("offload.add", "Add Drive…");
-    guide.picture("two-drives");
+void requireClip(const Guide& guide, const fs::path& clip) {
+    const std::string seconds = TestSupport::probed(clip, "format=duration");
+    guide.require(std::atof(seconds.c_str()) > 3,
+                  fmt::format("{} to play (“{}”)", clip.filename().native(), seconds));
+}
 
-    // A picture of the run itself, once a third is done.
-    guide.press("offload.start", "Start Offload");
+void plan(Guide& guide, const SampleDay& day) {
+    guide.press("mode.Plan");
+    guide.press("plan.cameras.stepper.more");
+    guide.requireText("plan.cardsPerDay.value", "4   (8/day total)");
+    guide.picture("plan");
+    guide.driver.press("plan.production");
+    guide.driver.type("Night Shift");
+    guide.choose("plan.save", day / "Plan");
+    guide.requireText("plan.reportStatus", "Saved to Plan.");
+    requireFiles(guide, day / "Plan", 2);
+    guide.press("plan.email");
+    guide.waitForText("plan.reportStatus", "Opened in Mail — add recipients and send.");
+    guide.picture("plan-sent");
+    const fs::path letter = guide.desktop.mails.at(0).attachment;
+    fs::copy_file(letter, day / "Mail" / letter.filename());
+    fs::remove_all(letter.parent_path());
+}
+
+/// The folder that the card was copied to on the first drive.
+fs::path offload(Guide& guide, const SampleDay& day) {
+    auto& driver = guide.driver;
+    guide.press("mode.Offload");
+    guide.picture("offload");
+    guide.choose("offload.source.choose", day.card);
+    WindowSupport::waitForStage(driver, OffloadViewModel::Stage::setup);
+    guide.requireText("offload.fileCount", "10 files");
+    guide.choose("offload.add", day / "SHUTTLE_01");
+    guide.picture("offload-one-drive");
+    guide.choose("offload.add", day / "RAID_MASTER");
+    guide.picture("offload-two-drives");
+    const std::string reel = WindowSupport::offloadOf(driver)->reelName().toStdString();
+    guide.press("offload.start");
     driver.waitFor("a third to be done", [&] {
         const auto& progress = WindowSupport::offloadOf(driver)->progress();
         return (progress && progress->fractionComplete() > 0.3) ||
                WindowSupport::offloadOf(driver)->stage() == OffloadViewModel::Stage::finished;
     });
-    if (driver.isShown("offload.running.cancel")) guide.picture("running");
+    if (driver.isShown("offload.running.cancel")) guide.picture("offload-running");
     WindowSupport::waitForStage(driver, OffloadViewModel::Stage::finished);
-    guide.picture("finished");
-    require(driver.text("offload.verdict") == "All Files Verified", "“All Files Verified”");
-    require(WindowSupport::offloadOf(driver)->gate()->eligible, "an open gate");
-    Guide::say("     " + driver.text("offload.reason").toStdString());
-
-    guide.press("offload.save", "Save Report (PDF + CSV)…");
-    driver.waitFor("the report", [&] { return !driver.text("offload.reportStatus").isEmpty(); });
-    guide.picture("report-saved");
-    require(driver.text("offload.reportStatus") == "Saved 2 file(s) to Reports.",
-            "two report files");
-
-    guide.press("offload.formatButton", "Format Card…");
+    guide.requireText("offload.verdict", "All Files Verified");
+    guide.requireText("offload.reason", "All 10 files verified on 2 drives.");
+    guide.choose("offload.save", day / "Reports");
+    guide.waitForText("offload.reportStatus", "Saved 2 file(s) to Reports.");
+    guide.picture("offload-verified");
+    guide.press("offload.formatButton");
     driver.waitFor("the sheet", [&] {
         const QQuickItem* typed = driver.find("sheet.typed");
         return typed && typed->hasActiveFocus();
     });
     driver.type("erase");
-    require(driver.text("sheet.typed") == "erase", "“erase” to be typed");
-    require(!driver.isEnabled("sheet.erase"), "no erase for “erase”");
-    guide.picture("erase-locked");
+    guide.requireText("sheet.typed", "erase");
+    guide.require(!driver.isEnabled("sheet.erase"), "no erase for “erase”");
+    guide.picture("offload-erase-locked");
     driver.key(Qt::Key_Escape);
     driver.waitFor("the sheet to close", [&] { return !driver.isShown("sheet.typed"); });
-    guide.press("offload.new", "New Offload");
+    guide.press("offload.new");
     WindowSupport::waitForStage(driver, OffloadViewModel::Stage::setup);
-    guide.picture("new-offload");
-    Guide::say("\nWhat was made:");
-    for (const auto& entry : fs::recursive_directory_iterator(folder)) {
-        if (entry.is_regular_file()) {
-            Guide::say(fmt::format("{:>10}  {}", entry.file_size(), entry.path().native()));
-        }
-    }
+    return day / "SHUTTLE_01" / reel;
+}
+
+void recover(Guide& guide, const SampleDay& day, const fs::path& copy) {
+    guide.press("mode.Recover");
+    guide.picture("recover");
+    guide.choose("recover.card.choose", copy);
+    guide.press("recover.scan");
+    guide.waitFor("recover.diagnosisCard");
+    guide.choose("recover.places.output.choose", day / "Recovered");
+    guide.show("recover.counts");
+    guide.picture("recover-diagnosis");
+    guide.requireText("recover.counts", "7 media files · 2 damaged · 5 healthy");
+    guide.press("recover.repair");
+    guide.waitFor("recover.outcomes.1");
+    guide.waitFor("recover.repair");
+    guide.show("recover.reveal");
+    guide.picture("recover-repaired");
+    requireFiles(guide, day / "Recovered", 2);
+    for (const auto& made : fs::directory_iterator(day / "Recovered")) requireClip(guide, made);
+}
+
+void carve(Guide& guide, const SampleDay& day) {
+    guide.press("recover.new");
+    guide.choose("recover.image.choose", day.image);
+    guide.press("recover.scanImage");
+    guide.waitForText("recover.carve", "Carve 2 Items");
+    guide.choose("recover.carvePlaces.output.choose", day / "Carved");
+    guide.choose("recover.carvePlaces.reference.choose",
+                 day.card / "XDROOT/Clip/A001C003_261121XK.MOV");
+    guide.show("recover.carve");
+    guide.picture("recover-image-scanned");
+    guide.press("recover.carve");
+    guide.waitFor("recover.carved.1");
+    guide.waitFor("recover.carve");
+    guide.show("recover.carved.1");
+    guide.picture("recover-carved");
+    const auto whole = TestSupport::readFile(day.card / "XDROOT/Clip/A001C001_261121XK.MOV");
+    guide.require(TestSupport::readFile(day / "Carved" / "carved_001.mov") == whole,
+                  "the carved clip to be the clip that was in the image, byte for byte");
+    requireClip(guide, day / "Carved" / "carved_002_recovered.mov");
+}
+
+void sync(Guide& guide, const SampleDay& day, const fs::path& copy) {
+    guide.press("mode.Sync");
+    guide.choose("sync.media.choose", copy);
+    guide.picture("sync");
+    guide.press("sync.scan");
+    guide.waitFor("sync.groupedCard");
+    guide.picture("sync-groups");
+    guide.requireText("sync.counts", "4 clips · 2 synced · 2 audio unmatched");
+    guide.choose("sync.save", day / "Reports");
+    guide.waitForText("sync.reportStatus", "Saved 2 file(s) to Reports.");
+    guide.choose("sync.export", day / "Editorial");
+    guide.waitForText("sync.exportStatus", "Exported FCPXML + ALE to Editorial.");
+    requireFiles(guide, day / "Editorial", 2);
+    guide.choose("sync.output.choose", day / "Synced");
+    guide.press("sync.mux");
+    guide.waitForText("sync.muxStatus", "Created 2 of 2 synced clips in Synced.");
+    guide.show("sync.reveal");
+    guide.picture("sync-muxed");
+    for (const auto& made : fs::directory_iterator(day / "Synced")) requireClip(guide, made);
+}
+
+void transcode(Guide& guide, const SampleDay& day) {
+    guide.press("mode.Transcode");
+    guide.picture("transcode");
+    guide.chooseFiles("transcode.add", {day / "Synced" / "A001C001_261121XK_synced.mov",
+                                        day / "Synced" / "A001C002_261121XK_synced.mov"});
+    guide.choose("transcode.output.choose", day / "Dailies");
+    guide.press("transcode.applyLUT");
+    guide.choose("transcode.lut.choose", day.look);
+    guide.show("transcode.clipsCard");
+    guide.picture("transcode-ready");
+    guide.press("transcode.start");
+    guide.driver.waitFor("progress or the end", [&] {
+        return guide.driver.isShown("transcode.speed") ||
+               guide.driver.isShown("transcode.doneCard");
+    });
+    if (guide.driver.isShown("transcode.speed")) guide.picture("transcode-running");
+    guide.waitForText("transcode.doneCard", "Transcode Complete");
+    guide.requireText("transcode.summary", "2 of 2 clips → ProRes 422 HQ");
+    guide.choose("transcode.save", day / "Reports");
+    guide.waitForText("transcode.reportStatus", "Saved 2 file(s) to Reports.");
+    guide.picture("transcode-done");
+    requireFiles(guide, day / "Dailies", 2);
+    for (const auto& made : fs::directory_iterator(day / "Dailies")) requireClip(guide, made);
+    requireFiles(guide, day / "Reports", 6);
 }
 
 /// Empties the folder of an earlier tour. Any other folder that holds something is refused.
@@ -109,31 +186,32 @@ void beginAfresh(const fs::path& folder) {
         throw std::runtime_error(folder.native() + " is not empty and not from an earlier tour");
     }
     fs::remove_all(folder);
-    fs::create_directories(folder);
-    std::ofstream(mark) << "made by keldobay-tour, and emptied by it\n";
+    TestSupport::writeTree(folder, {{mark.filename(), "made by keldobay-tour, emptied by it\n"}});
 }
 
 void tour(const fs::path& folder) {
     beginAfresh(folder);
-    const fs::path card = folder / "A001_C003";
-    Guide::say("make a sample card at " + card.native());
-    Tour::makeSampleCard(card);
-    WindowSupport::FakeDesktop desktop;
-    for (const char* name : {"SHUTTLE_01", "RAID_MASTER", "Reports"}) {
-        fs::create_directories(folder / name);
+    Guide::say("make a sample day in " + folder.native());
+    const SampleDay day(folder);
+    Guide guide(folder / "screenshots");
+    plan(guide, day);
+    const fs::path copy = offload(guide, day);
+    recover(guide, day, copy);
+    carve(guide, day);
+    sync(guide, day, copy);
+    transcode(guide, day);
+    guide.require(guide.driver.warnings().isEmpty(), "no complaint from the toolkit");
+    Guide::say("\nWhat was made:");
+    for (const auto& entry : fs::recursive_directory_iterator(folder)) {
+        if (!entry.is_regular_file()) continue;
+        Guide::say(fmt::format("{:>10}  {}", entry.file_size(), entry.path().native()));
     }
-    desktop.answers = {card, folder / "SHUTTLE_01", folder / "RAID_MASTER", folder / "Reports"};
-    WindowDriver driver(WindowSupport::application(desktop));
-    Guide guide(driver, folder / "screenshots");
-    offload(driver, guide, folder);
-    require(driver.warnings().isEmpty(), "no complaint from the toolkit");
-    Guide::say("All Files Verified; the gate is open.");
 }
 
 }  // namespace
 
-/// keldobay-tour FOLDER: offloads a sample card through the real window without a display, and
-/// leaves all it made in FOLDER, which must be empty, missing or from an earlier tour.
+/// keldobay-tour FOLDER: takes a sample day through the real window without a display, and leaves
+/// all it made in FOLDER, which must be empty, missing or from an earlier tour.
 int main(int argc, char* argv[]) {
     WindowSupport::startOffscreen(argc, argv);
     if (argc != 2) {
@@ -146,6 +224,5 @@ int main(int argc, char* argv[]) {
         fmt::print(stderr, "the tour failed: {}\n", error.what());
         std::_Exit(EXIT_FAILURE);
     }
-    std::fflush(stdout);
     std::_Exit(EXIT_SUCCESS);
 }

@@ -135,7 +135,10 @@ ColumnLayout {
             color: Theme.attention
             font: Theme.print
         }
-        Item { Layout.fillWidth: true }
+        Item {
+            visible: drives.count !== 1
+            Layout.fillWidth: true
+        }
         DefaultButton {
             objectName: "offload.start"
             text: "Start Offload"

@@ -30,9 +30,9 @@ QStringList AppModes::labels() const {
     return Format::rawValues<AppMode>();
 }
 
-QUrl AppModes::screen(const QString& label) const {
+QString AppModes::screen(const QString& label) const {
     const QString file = QStringLiteral(":/qt/qml/Keldo/%1/%1Screen.qml").arg(label);
-    return QFile::exists(file) ? QUrl("qrc" + file) : QUrl();
+    return QFile::exists(file) ? "qrc" + file : QString();
 }
 
 }  // namespace keldo_app

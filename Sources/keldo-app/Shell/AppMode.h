@@ -4,7 +4,6 @@
 
 #include <QObject>
 #include <QStringList>
-#include <QUrl>
 #include <string_view>
 
 #include <QtQml/qqmlregistration.h>
@@ -31,7 +30,7 @@ public:
 
     /// The screen of a mode: the file `<label>Screen.qml` of the module of that name. Empty where
     /// there is none.
-    Q_INVOKABLE QUrl screen(const QString& label) const;
+    Q_INVOKABLE QString screen(const QString& label) const;
     int offload() const { return static_cast<int>(AppMode::offload); }
 };
 

@@ -73,12 +73,12 @@ ApplicationWindow {
         anchors.fill: parent
         focus: true
 
-        readonly property url screen: AppModes.screen(view.modes[view.mode])
+        readonly property string screen: AppModes.screen(view.modes[view.mode])
         onScreenChanged: setSource(screen, {desktop: view.desktop})
     }
     LaterScreen {
         anchors.fill: parent
-        visible: AppModes.screen(label).toString() === ""
+        visible: AppModes.screen(label) === ""
         label: view.modes[view.mode]
     }
 }

@@ -16,12 +16,12 @@ namespace keldo_app {
 class RowModel : public QAbstractListModel {
     Q_OBJECT
     QML_ANONYMOUS
-    Q_PROPERTY(qsizetype count READ count NOTIFY countChanged)
+    Q_PROPERTY(int count READ count NOTIFY countChanged)
 
 public:
     using QAbstractListModel::QAbstractListModel;
 
-    qsizetype count() const { return rowCount(); }
+    int count() const { return rowCount(); }
     int rowCount(const QModelIndex& = {}) const override = 0;
 
 signals:
