@@ -163,7 +163,7 @@ TEST_F(KeysAloneTests, Transcode) {
     driver_->key(Qt::Key_Space);
     EXPECT_EQ(driver_->text("transcode.clip.0.title"), "b.mov");
     tabTo("transcode.preset");
-    driver_->key(Qt::Key_Down);
+    driver_->key(Qt::Key_Up);
     chooseByKeys("transcode.output.choose", madeFolder("out"));
     tabTo("mode");
     driver_->key(Qt::Key_Return);

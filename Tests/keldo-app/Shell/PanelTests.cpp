@@ -2,19 +2,27 @@
 #include "Support/Clip.h"
 #include "Support/FakeTool.h"
 #include "Support/ShootingDay.h"
-#include "Window/AccessibleNode.h"
 #include "keldo-app/Support/InUse.h"
 
 #include <vector>
 
 namespace {
 
+void tell(const QQuickItem& item, QStringList& lines) {
+    if (!item.isVisible()) return;
+    lines += item.objectName() + "|" + item.property("text").toString() + "|" +
+             (item.isEnabled() ? "" : "off");
+    for (const QQuickItem* child : item.childItems()) tell(*child, lines);
+}
+
 /// Panels that are dismissed, and what is left behind in the middle of a job.
 class PanelTests : public WindowSupport::ScreenFixture {
 protected:
-    /// All that the window says, to people and to assistive tools.
+    /// Every visible thing of the window with its text, and whether it can be used.
     QStringList told() const {
-        return WindowSupport::AccessibleNode::tree(*driver_->window().contentItem());
+        QStringList lines;
+        tell(*driver_->window().contentItem(), lines);
+        return lines;
     }
 
     void expectDismissedChangesNothing(const QString& button, const QString& prompt) {
