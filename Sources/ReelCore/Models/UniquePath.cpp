@@ -1,5 +1,6 @@
 #include "ReelCore/Models/UniquePath.h"
 
+#include "ReelCore/Platform/ProcessCleanup.h"
 #include "ReelCore/Platform/SystemError.h"
 
 #include <string>
@@ -38,12 +39,19 @@ ReservedOutput::ReservedOutput(const URL& wanted) {
         file_ = File::createExclusively(url_);
     }
     identity_ = FileSystem::identity(url_);
+    if (!identity_) return;
+    try {
+        ProcessCleanup::shared().addReservation(url_, *identity_);
+    } catch (...) {
+        FileSystem::removeIfEmpty(url_, *identity_);
+        throw;
+    }
 }
 
 ReservedOutput::~ReservedOutput() {
-    if (FileSystem::identity(url_) != identity_ || FileSystem::sizeOf(url_) != 0) return;
-    std::error_code ignored;
-    std::filesystem::remove(url_, ignored);
+    if (!identity_) return;
+    FileSystem::removeIfEmpty(url_, *identity_);
+    ProcessCleanup::shared().removeReservation(url_);
 }
 
 }  // namespace ReelCore

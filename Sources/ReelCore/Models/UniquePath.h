@@ -18,10 +18,12 @@ URL uniqueOutputURL(const URL& url);
 /// The first free name, as above, taken by an empty file in the same step, so that no other run, of
 /// this process or of any other, gets it too. Who writes the output opens that file and does not
 /// replace it. At the end the file is removed if it is still this one and still empty: nobody is to
-/// take it for a clip. One that anything was written to stays.
+/// take it for a clip; also where the process comes to its own end before. One that anything was
+/// written to stays.
 class ReservedOutput {
 public:
-    /// Throws SystemError where no file can be made, as in a folder that is missing or read-only.
+    /// Throws SystemError where no file can be made, as in a folder that is missing or read-only,
+    /// and ECANCELED once the process is coming to its end.
     explicit ReservedOutput(const URL& wanted);
     ~ReservedOutput();
     ReservedOutput(const ReservedOutput&) = delete;

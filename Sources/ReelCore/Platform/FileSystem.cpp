@@ -90,6 +90,12 @@ std::optional<std::int64_t> FileSystem::sizeOf(const URL& path) {
     return status.st_size;
 }
 
+void FileSystem::removeIfEmpty(const URL& path, const FileIdentity& meant) {
+    if (identity(path) != meant || sizeOf(path) != 0) return;
+    std::error_code ignored;
+    std::filesystem::remove(path, ignored);
+}
+
 void FileSystem::setModificationDate(const URL& path, Date date) {
     const auto seconds = std::chrono::floor<std::chrono::seconds>(date);
     const timespec access{0, UTIME_OMIT};

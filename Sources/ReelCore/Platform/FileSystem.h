@@ -60,6 +60,9 @@ struct FileSystem {
     /// The size in bytes of the regular file that a path leads to; absent for what is none.
     static std::optional<std::int64_t> sizeOf(const URL& path);
 
+    /// Removes a file that is still the one meant and still empty; a failure is ignored.
+    static void removeIfEmpty(const URL& path, const FileIdentity& meant);
+
     /// Sets the modification date to the nanosecond, and leaves the access date.
     static void setModificationDate(const URL& path, Date date);
 

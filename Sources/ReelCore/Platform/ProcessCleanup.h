@@ -1,8 +1,10 @@
 #pragma once
 
+#include "ReelCore/Platform/FileSystem.h"
 #include "ReelCore/Platform/URL.h"
 
 #include <functional>
+#include <map>
 #include <mutex>
 #include <string_view>
 #include <vector>
@@ -36,9 +38,17 @@ public:
 
     void removePath(const URL& path);
 
+    /// An empty file that keeps a name for an output, once it is made: `run` removes it where it is
+    /// still this one and still empty. The watchdog is not told of it: at another end it stays.
+    /// Throws SystemError: ECANCELED once `run` has begun.
+    void addReservation(const URL& path, const FileIdentity& identity);
+
+    void removeReservation(const URL& path);
+
     /// Asks every child and what it has started itself to end (SIGTERM), waits up to three seconds
     /// for those who started them to reap them, makes the rest end (SIGKILL), and removes the
-    /// files. From its beginning nothing more is started. For the end of the application.
+    /// files and what is left empty of the reservations. From its beginning nothing more is
+    /// started. For the end of the application.
     void run();
 
 private:
@@ -56,6 +66,7 @@ private:
     std::mutex lock_;
     std::vector<int> children_;
     std::vector<URL> paths_;
+    std::map<URL, FileIdentity> reservations_;
     bool isOver_ = false;
     int process_ = 0;
     int watchdog_ = -1;

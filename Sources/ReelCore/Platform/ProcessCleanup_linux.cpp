@@ -87,6 +87,18 @@ void ProcessCleanup::removePath(const URL& path) {
     if (std::erase(paths_, path) != 0) tell(WatchdogMessage::removePath, path.native());
 }
 
+void ProcessCleanup::addReservation(const URL& path, const FileIdentity& identity) {
+    const std::lock_guard guard(lock_);
+    forgetWhatTheParentHad();
+    refuseIfOver();
+    reservations_.insert_or_assign(path, identity);
+}
+
+void ProcessCleanup::removeReservation(const URL& path) {
+    const std::lock_guard guard(lock_);
+    reservations_.erase(path);
+}
+
 void ProcessCleanup::run() {
     {
         const std::lock_guard guard(lock_);
@@ -103,6 +115,7 @@ void ProcessCleanup::run() {
     signalAll(SIGKILL);
     std::error_code ignored;
     for (const URL& path : paths_) std::filesystem::remove_all(path, ignored);
+    for (const auto& [path, identity] : reservations_) FileSystem::removeIfEmpty(path, identity);
 }
 
 void ProcessCleanup::forgetWhatTheParentHad() {
@@ -112,6 +125,7 @@ void ProcessCleanup::forgetWhatTheParentHad() {
     watchdog_ = -1;
     children_.clear();
     paths_.clear();
+    reservations_.clear();
     isOver_ = false;
 }
 

@@ -16,6 +16,8 @@ ListView {
     visible: count > 0
     clip: true
     interactive: false
+    // Rows that are made ahead are made little by little, and the list may be emptied meanwhile.
+    cacheBuffer: 0
     keyNavigationEnabled: false
     spacing: Theme.tiny
     readonly property real rowWidth: width - (contentHeight > height ? Theme.regular : 0)

@@ -2,8 +2,7 @@
 #include "ReelCore/Platform/File.h"
 #include "Window/LoopWatch.h"
 
-#include <functional>
-
+using WindowSupport::longestBlockOf;
 using WindowSupport::OffloadFixture;
 
 namespace {
@@ -16,20 +15,6 @@ constexpr int filesInAFolder = 1'000;
 constexpr qint64 longestBlock = 1'000;
 constexpr int filesInAFolder = 100;
 #endif
-
-/// The longest block while `job` runs, of as many as three runs: another program can take the
-/// processor away for long, which is no fault of the window's and does not happen every time.
-qint64 longestBlockOf(const std::function<void()>& job) {
-    qint64 longest = 0;
-    for (int run = 0; run < 3; ++run) {
-        WindowSupport::LoopWatch watch;
-        job();
-        std::printf("longest block of the event loop: %lld ms\n", watch.longest);
-        longest = watch.longest;
-        if (longest <= longestBlock) break;
-    }
-    return longest;
-}
 
 /// In memory, so that the files come faster than any drive could give them.
 class LargeCardTests : public OffloadFixture {
@@ -74,16 +59,19 @@ TEST_F(LargeCardTests, AHundredThousandFiles_NeverBlockTheWindowAndTheProgressMo
         if (driver_->isShown("offload.files")) counts += driver_->text("offload.files");
     });
     addDrive(memory_ / "drive");
-    const qint64 longest = longestBlockOf([&] {
-        chooseCard(memory_ / "card");
-        EXPECT_EQ(driver_->text("offload.fileCount"),
-                  QString::number(100 * filesInAFolder + 2) + " files");
-        driver_->press("offload.start");
-        waitForStage(Stage::finished, 280'000);
-        EXPECT_EQ(driver_->text("offload.verdict"), "All Files Verified");
-        driver_->press("offload.new");
-        driver_->waitFor("the setup", [&] { return driver_->isShown("offload.source.choose"); });
-    });
+    const qint64 longest = longestBlockOf(
+        [&] {
+            chooseCard(memory_ / "card");
+            EXPECT_EQ(driver_->text("offload.fileCount"),
+                      QString::number(100 * filesInAFolder + 2) + " files");
+            driver_->press("offload.start");
+            waitForStage(Stage::finished, 280'000);
+            EXPECT_EQ(driver_->text("offload.verdict"), "All Files Verified");
+            driver_->press("offload.new");
+            driver_->waitFor("the setup",
+                             [&] { return driver_->isShown("offload.source.choose"); });
+        },
+        longestBlock);
     EXPECT_GT(counts.size(), 20);
     EXPECT_LE(longest, longestBlock);
 }
@@ -92,16 +80,19 @@ TEST_F(ManyFailuresTests, ThousandsOfFailedFiles_NeverBlockTheWindowAndAreAllLis
     openWindow();
     chooseCard(many());
     addDrive(faultyDrive({.flipBitAt = 0}));
-    const qint64 longest = longestBlockOf([&] {
-        driver_->press("offload.start");
-        waitForStage(Stage::finished, 280'000);
-        driver_->waitFor("the list", [&] { return driver_->isShown("offload.failures.0"); });
-        const int failed = driver_->find("offload.failures")->property("count").toInt();
-        EXPECT_EQ(failed, 10 * filesInAFolder);
-        EXPECT_EQ(driver_->text("offload.reason"),
-                  QString::number(failed) + " file(s) failed verification — DO NOT format.");
-        driver_->press("offload.new");
-        driver_->waitFor("the setup", [&] { return driver_->isShown("offload.source.choose"); });
-    });
+    const qint64 longest = longestBlockOf(
+        [&] {
+            driver_->press("offload.start");
+            waitForStage(Stage::finished, 280'000);
+            driver_->waitFor("the list", [&] { return driver_->isShown("offload.failures.0"); });
+            const int failed = driver_->find("offload.failures")->property("count").toInt();
+            EXPECT_EQ(failed, 10 * filesInAFolder);
+            EXPECT_EQ(driver_->text("offload.reason"),
+                      QString::number(failed) + " file(s) failed verification — DO NOT format.");
+            driver_->press("offload.new");
+            driver_->waitFor("the setup",
+                             [&] { return driver_->isShown("offload.source.choose"); });
+        },
+        longestBlock);
     EXPECT_LE(longest, longestBlock);
 }

@@ -1,6 +1,5 @@
 #include "../../ReelCore/Recovery/MixedCard.h"
 #include "Support/Clip.h"
-#include "Window/LoopWatch.h"
 #include "Window/WindowFixture.h"
 #include "keldo-app/Recover/RecoverViewModel.h"
 
@@ -158,19 +157,4 @@ TEST_F(RecoverScreenTests, ImageOfNothing_SaysSo) {
     driver_->press("recover.scanImage");
     driver_->waitFor("the end", [&] { return driver_->isShown("recover.nothingFound"); });
     EXPECT_EQ(driver_->text("recover.nothingFound"), "No media signatures found in the image.");
-}
-
-TEST_F(RecoverScreenTests, ThousandsOfClips_NeverBlockTheWindow) {
-    const std::string clip = "RIFF";
-    for (int i = 0; i < 2'000; ++i) {
-        TestSupport::writeFile(place("card") / ("CLIP" + std::to_string(i) + ".WAV"), clip);
-    }
-    openRecover();
-    choose("recover.card.choose", place("card"));
-    WindowSupport::LoopWatch watch;
-    driver_->press("recover.scan");
-    driver_->waitFor("the results", [&] { return driver_->isShown("recover.report.0"); });
-    for (int i = 0; i < 20; ++i) driver_->wheel("recover.reports", 3);
-    std::printf("longest block of the event loop: %lld ms\n", watch.longest);
-    EXPECT_EQ(driver_->find("recover.reports")->property("count").toInt(), 2'000);
 }

@@ -2,7 +2,6 @@
 
 #include "../ViewModelFixture.h"
 #include "Support/Clip.h"
-#include "Support/EnvironmentVariable.h"
 #include "Support/FakeTool.h"
 #include "Support/ShootingDay.h"
 #include "Support/Tool.h"
@@ -237,14 +236,4 @@ TEST_F(SyncViewModelTests, Reset_ClearsTheReportsTextAndKeepsThatOfTheExport) {
     EXPECT_EQ(model_.exportStatus(), "Exported FCPXML + ALE to Editorial.");
     EXPECT_EQ(model_.mediaDir(), day());
     EXPECT_TRUE(model_.canScan());
-}
-
-TEST_F(SyncViewModelTests, WithoutFFmpeg_NothingCanBeMuxed) {
-    const TestSupport::EnvironmentVariable none("FFMPEG_PATH", "/nowhere/ffmpeg");
-    if (ReelCore::FFmpegLocator().isAvailable()) {
-        GTEST_SKIP() << "ffmpeg stands in a folder where it is always found";
-    }
-    SyncViewModel model;
-    EXPECT_FALSE(model.ffmpegReady());
-    EXPECT_FALSE(model.canMux());
 }
