@@ -23,6 +23,12 @@ ColumnLayout {
         buttonDescription: "Choose the reference clip"
         onChosen: places.recover.chooseReference()
     }
+    Notices {
+        objectName: places.objectName + ".needsReference"
+        lines: places.recover.needsReference
+             ? ["A clip is missing its index and no healthy clip was found on the card — pick a reference from another card shot on the same camera."]
+             : []
+    }
     PathRow {
         objectName: places.objectName + ".output"
         path: places.recover.outputDir.name

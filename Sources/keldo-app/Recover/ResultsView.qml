@@ -63,12 +63,6 @@ ColumnLayout {
             objectName: "recover.places"
             recover: view.recover
         }
-        Notices {
-            objectName: "recover.needsReference"
-            lines: view.recover.needsReference
-                 ? ["A clip is missing its index and no healthy clip was found on the card — pick a reference from another card shot on the same camera."]
-                 : []
-        }
         NeedsFFmpeg {
             objectName: "recover.ffmpeg"
             visible: !view.recover.ffmpegReady

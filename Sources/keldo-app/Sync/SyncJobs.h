@@ -41,7 +41,9 @@ struct SyncJobs {
                                      const std::string& day, std::function<void(URLs)> done);
 
     /// Writes a clip for each group with sound: the picture as it is, the best recording aligned to
-    /// its first frame. A clip that ffmpeg fails at is counted out and stops nothing.
+    /// its first frame. The clip ends with whichever of the two ends first. Sound that begins after
+    /// the picture comes up to a millisecond early, any other is at its sample. A clip that ffmpeg
+    /// fails at is counted out and stops nothing.
     static Job<MuxEvent> mux(Result result, const ReelCore::URL& output,
                              const ReelCore::URL& ffmpeg, InUse::Token inUse,
                              std::function<void(MuxEvent)> consume);

@@ -129,7 +129,10 @@ TEST_F(RecoverScreenTests, NoHealthyClip_ShowsTheWarning) {
     scan(place("card"));
     EXPECT_EQ(driver_->text("recover.places.reference.text"),
               "None — auto-picks the largest healthy clip");
-    EXPECT_TRUE(driver_->isShown("recover.needsReference"));
+    const auto topOf = [&](const char* name) { return driver_->at(name).mapToScene({0, 0}).y(); };
+    const double warning = topOf("recover.places.needsReference");
+    EXPECT_LT(topOf("recover.places.reference.text"), warning);
+    EXPECT_LT(warning, topOf("recover.places.output.text"));
     keepPictures("recover-needs-reference");
 }
 
