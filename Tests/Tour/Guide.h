@@ -22,9 +22,10 @@ public:
     void choose(const QString& button, const ReelCore::URL& answer);
     void chooseFiles(const QString& button, const std::vector<ReelCore::URL>& answer);
 
-    /// Waits for an item to show, or for the text that it must come to have.
     void waitFor(const QString& name) const;
-    void waitForText(const QString& name, const QString& text) const;
+
+    /// Waits for an item to show a text other than the one before, which must be `text`.
+    void waitForText(const QString& name, const QString& text, const QString& before = {}) const;
 
     void require(bool holds, const std::string& what) const;
     void requireText(const QString& name, const QString& text) const;

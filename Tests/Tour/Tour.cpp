@@ -43,7 +43,8 @@ void plan(Guide& guide, const SampleDay& day) {
     guide.requireText("plan.reportStatus", "Saved to Plan.");
     requireFiles(guide, day / "Plan", 2);
     guide.press("plan.email");
-    guide.waitForText("plan.reportStatus", "Opened in Mail — add recipients and send.");
+    guide.waitForText("plan.reportStatus", "Opened in Mail — add recipients and send.",
+                      "Saved to Plan.");
     guide.picture("plan-sent");
     const fs::path letter = guide.desktop.mails.at(0).attachment;
     fs::copy_file(letter, day / "Mail" / letter.filename());
