@@ -82,6 +82,8 @@ TEST_F(TranscodeScreenTests, Batch_WithALookASizeAndTwoFailures) {
     EXPECT_EQ(driver_->text("transcode.doneCard"), "Completed with Errors");
     EXPECT_EQ(driver_->text("transcode.summary"), "1 of 3 clips → ProRes 422 HQ");
     EXPECT_EQ(driver_->text("transcode.completed.0.title"), "a.mov");
+    driver_->waitFor("the failures",
+                     [&] { return driver_->isShown("transcode.failures.1.title"); });
     EXPECT_EQ(driver_->text("transcode.failures.0.title"), "broken.mov");
     EXPECT_TRUE(driver_->text("transcode.failures.1.detail").startsWith("Input not found: "));
     keepPictures("transcode-errors");
