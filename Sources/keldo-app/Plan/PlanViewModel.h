@@ -48,6 +48,7 @@ struct PlanNumber {
 /// The estimate and the cards in words.
 struct PlanFacts {
     Q_GADGET
+    QML_ANONYMOUS
     KELDO_FIELD(bool, hasEstimate)
     KELDO_FIELD(QString, rate)
     KELDO_FIELD(QString, perDay)

@@ -134,7 +134,7 @@ void RecoverViewModel::publish(ReelCore::RecoveryScan scan) {
     scan_ = std::move(scan);
     damaged_ = scan_->damaged();
     const auto healthy = scan_->healthy();
-    healthyCount_ = std::ssize(healthy);
+    healthyCount_ = static_cast<int>(healthy.size());
     reference_ = referenceOf(healthy);
     std::vector<ReportRow> rows;
     for (const auto& report : scan_->reports) rows.push_back(rowOf(report));

@@ -43,8 +43,8 @@ class RecoverViewModel : public ViewModel {
     QML_ELEMENT
     Q_PROPERTY(bool ffmpegReady READ ffmpegReady CONSTANT)
     Q_PROPERTY(bool hasScan READ hasScan NOTIFY changed)
-    Q_PROPERTY(qint64 damagedCount READ damagedCount NOTIFY changed)
-    Q_PROPERTY(qint64 healthyCount READ healthyCount NOTIFY changed)
+    Q_PROPERTY(int damagedCount READ damagedCount NOTIFY changed)
+    Q_PROPERTY(int healthyCount READ healthyCount NOTIFY changed)
     Q_PROPERTY(keldo_app::RowModel* reports READ reportRows CONSTANT)
     Q_PROPERTY(keldo_app::RowModel* outcomes READ outcomeRows CONSTANT)
     Q_PROPERTY(keldo_app::RowModel* findings READ findingRows CONSTANT)
@@ -68,7 +68,7 @@ public:
     KELDO_PUBLISHED(keldo_app::OptionalURL, outputDir, {})
     KELDO_PUBLISHED(keldo_app::OptionalURL, reference, {})
     KELDO_PUBLISHED(Stage, stage, Stage::setup)
-    KELDO_PUBLISHED(qint64, repairDone, 0)
+    KELDO_PUBLISHED(int, repairDone, 0)
     KELDO_PUBLISHED(keldo_app::OptionalURL, imageURL, {})
     KELDO_PUBLISHED(CarveStage, carveStage, CarveStage::idle)
     KELDO_PUBLISHED(double, carveProgress, 0)
@@ -109,8 +109,8 @@ public:
 private:
     bool ffmpegReady() const { return ffmpegReady_; }
     bool hasScan() const { return scan_.has_value(); }
-    qint64 damagedCount() const { return std::ssize(damaged_); }
-    qint64 healthyCount() const { return healthyCount_; }
+    int damagedCount() const { return static_cast<int>(damaged_.size()); }
+    int healthyCount() const { return healthyCount_; }
     RowModel* reportRows() { return &reportRows_; }
     RowModel* outcomeRows() { return &outcomeRows_; }
     RowModel* findingRows() { return &findingRows_; }
@@ -128,7 +128,7 @@ private:
     const bool ffmpegReady_ = ReelCore::FFmpegLocator().isAvailable();
     std::optional<ReelCore::RecoveryScan> scan_;
     std::vector<ReelCore::ClipReport> damaged_;  ///< Of the scan.
-    qint64 healthyCount_ = 0;
+    int healthyCount_ = 0;
     Rows<ReportRow> reportRows_;
     std::vector<ReelCore::RepairOutcome> outcomes_;
     Rows<OutcomeRow> outcomeRows_;

@@ -8,6 +8,8 @@
 #include <QVariant>
 #include <optional>
 
+#include <QtQml/qqmlregistration.h>
+
 /// A published field in one line: a property for QML to read, `name()` for C++, and `name_` for the
 /// view model itself, which emits `changed` after it has altered fields.
 #define KELDO_PUBLISHED(Type, name, ...)           \
@@ -49,6 +51,7 @@ namespace keldo_app {
 /// signal and a setter for each field costs a reader.
 class ViewModel : public QObject {
     Q_OBJECT
+    QML_ANONYMOUS
     Q_PROPERTY(keldo_app::Desktop* desktop MEMBER desktop NOTIFY changed REQUIRED)
 
 public:
@@ -71,6 +74,7 @@ QVariant factsOf(const std::optional<Value>& value) {
 /// none.
 struct OptionalURL : std::optional<ReelCore::URL> {
     Q_GADGET
+    QML_ANONYMOUS
     Q_PROPERTY(QString path READ path)
     Q_PROPERTY(QString name READ name)
 

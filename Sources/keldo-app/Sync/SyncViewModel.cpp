@@ -96,7 +96,7 @@ void SyncViewModel::setResult(SyncJobs::Result result) {
             unmatched.push_back(PlaceRow::of(clip.url));
         }
     }
-    syncedCount_ = result_ ? result_->syncedCount() : 0;
+    syncedCount_ = result_ ? static_cast<int>(result_->syncedCount()) : 0;
     groupRows_.reset(std::move(groups));
     unmatchedRows_.reset(std::move(unmatched));
 }
@@ -152,7 +152,7 @@ void SyncViewModel::mux() {
 
 void SyncViewModel::apply(const MuxEvent& event) {
     if (const auto* progress = std::get_if<MuxEvent::Progress>(&event.value)) {
-        muxDone_ = progress->done;
+        muxDone_ = static_cast<int>(progress->done);
     } else {
         const auto& end = std::get<MuxEvent::End>(event.value);
         muxStatus_ = QStringLiteral("Created %1 of %2 in %3.")

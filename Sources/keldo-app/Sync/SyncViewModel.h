@@ -32,7 +32,7 @@ class SyncViewModel : public ViewModel {
     QML_ELEMENT
     Q_PROPERTY(bool ffmpegReady READ ffmpegReady CONSTANT)
     Q_PROPERTY(bool hasResult READ hasResult NOTIFY changed)
-    Q_PROPERTY(qint64 syncedCount READ syncedCount NOTIFY changed)
+    Q_PROPERTY(int syncedCount READ syncedCount NOTIFY changed)
     Q_PROPERTY(keldo_app::RowModel* groups READ groupRows CONSTANT)
     Q_PROPERTY(keldo_app::RowModel* unmatchedAudio READ unmatchedRows CONSTANT)
     Q_PROPERTY(QString reportStatus READ reportStatus NOTIFY changed)
@@ -50,7 +50,7 @@ public:
     KELDO_PUBLISHED(Stage, stage, Stage::setup)
     KELDO_PUBLISHED(QString, errorMessage, {})
     KELDO_PUBLISHED(QString, muxStatus, {})
-    KELDO_PUBLISHED(qint64, muxDone, 0)
+    KELDO_PUBLISHED(int, muxDone, 0)
     KELDO_PUBLISHED(QString, exportStatus, {})
 
 public:
@@ -73,7 +73,7 @@ public:
 
 private:
     bool hasResult() const { return result_ != nullptr; }
-    qint64 syncedCount() const { return syncedCount_; }
+    int syncedCount() const { return syncedCount_; }
     RowModel* groupRows() { return &groupRows_; }
     RowModel* unmatchedRows() { return &unmatchedRows_; }
 
@@ -84,7 +84,7 @@ private:
 
     const bool ffmpegReady_ = ReelCore::FFmpegLocator().isAvailable();
     SyncJobs::Result result_;
-    qint64 syncedCount_ = 0;
+    int syncedCount_ = 0;
     Rows<GroupRow> groupRows_;
     Rows<PlaceRow> unmatchedRows_;
     ReportSaver report_;

@@ -42,7 +42,7 @@ void TranscodeViewModel::setPresetIndex(int index) {
     emit changed();
 }
 
-void TranscodeViewModel::setScale(qint64 pixels) {
+void TranscodeViewModel::setScale(int pixels) {
     scaleLongEdge_ = pixels > 0 ? std::optional<std::int64_t>(pixels) : std::nullopt;
     emit changed();
 }
@@ -135,7 +135,7 @@ void TranscodeViewModel::start() {
 }
 
 void TranscodeViewModel::apply(const TranscodeEvent::Progress& event) {
-    currentIndex_ = static_cast<qint64>(event.fileIndex);
+    currentIndex_ = static_cast<int>(event.fileIndex);
     progress_ = event.progress;
 }
 

@@ -36,7 +36,7 @@ class TranscodeViewModel : public ViewModel {
     Q_PROPERTY(int presetIndex READ presetIndex WRITE setPresetIndex NOTIFY changed)
     Q_PROPERTY(QString presetName READ presetName NOTIFY changed)
     /// Pixels; 0 for the size of the source.
-    Q_PROPERTY(qint64 scaleLongEdge READ scale WRITE setScale NOTIFY changed)
+    Q_PROPERTY(int scaleLongEdge READ scale WRITE setScale NOTIFY changed)
     Q_PROPERTY(QString currentName READ currentName NOTIFY changed)
     Q_PROPERTY(double fraction READ fraction NOTIFY changed)
     Q_PROPERTY(QString speed READ speed NOTIFY changed)
@@ -62,7 +62,7 @@ public:
     KELDO_PUBLISHED(keldo_app::OptionalURL, outputDir, {})
     KELDO_PUBLISHED(keldo_app::OptionalURL, lutURL, {})
     KELDO_EDITED(bool, applyLUT, setApplyLUT, false)
-    KELDO_PUBLISHED(qint64, currentIndex, 0)
+    KELDO_PUBLISHED(int, currentIndex, 0)
     /// A cancel has been asked for, and the clip under way is being closed.
     KELDO_PUBLISHED(bool, isCancelling, false)
 
@@ -100,8 +100,8 @@ private:
     static QVariantList presets();
     int presetIndex() const { return presetIndex_; }
     QString presetName() const;
-    qint64 scale() const { return scaleLongEdge_.value_or(0); }
-    void setScale(qint64 pixels);
+    int scale() const { return static_cast<int>(scaleLongEdge_.value_or(0)); }
+    void setScale(int pixels);
     QString currentName() const { return inputName(static_cast<std::size_t>(currentIndex_)); }
     double fraction() const { return progress_ ? progress_->fractionComplete : 0; }
     QString speed() const;

@@ -113,7 +113,7 @@ TEST_F(RecoverViewModelTests, Scan_PublishesEveryDiagnosisInOrder) {
     }
     const auto damaged = std::ranges::count_if(
         card.clips, [](const auto& clip) { return clip.diagnosis.isRepairable(); });
-    EXPECT_EQ(model_.property("damagedCount"), static_cast<qint64>(damaged));
+    EXPECT_EQ(model_.property("damagedCount"), static_cast<int>(damaged));
 }
 
 TEST_F(RecoverViewModelTests, Scan_TakesTheLargestHealthyMovieAsReferenceInPlaceOfTheUsers) {
