@@ -49,6 +49,9 @@ ColumnLayout {
                     color: report.color
                     font: Theme.print
                     horizontalAlignment: Text.AlignRight
+                    // The name is cut before the diagnosis is.
+                    Layout.fillWidth: false
+                    Layout.maximumWidth: report.width / 2
                 }
             }
         }

@@ -1,8 +1,10 @@
 #include "ReelCore/Platform/ProcessCleanup.h"
 
+#include "ReelCore/Models/UniquePath.h"
 #include "ReelCore/Platform/SystemError.h"
 #include "ReelCore/Platform/TemporaryPath.h"
 #include "Shell.h"
+#include "Support/FolderTree.h"
 #include "Support/Forked.h"
 
 #include <csignal>
@@ -102,6 +104,27 @@ TEST(ProcessCleanup, Run_RemovesTheTemporaryFiles) {
         ProcessCleanup::shared().run();
 
         return std::filesystem::exists(path.url()) ? 1 : 0;
+    });
+}
+
+TEST(ProcessCleanup, Run_RemovesReservedNamesThatAreStillEmptyAndGivesNoMore) {
+    EXPECT_IN_A_PROCESS_OF_ITS_OWN([] {
+        const TestSupport::TemporaryFolder folder;
+        const ReservedOutput empty(folder.path() / "empty.mov");
+        const ReservedOutput written(folder.path() / "written.mov");
+        std::ofstream(written.url()) << "picture";
+        const ReservedOutput replaced(folder.path() / "replaced.mov");
+        std::ofstream(folder.path() / "other");
+        std::filesystem::rename(folder.path() / "other", replaced.url());
+
+        ProcessCleanup::shared().run();
+
+        const bool isWell = !std::filesystem::exists(empty.url()) &&
+                            std::filesystem::exists(written.url()) &&
+                            std::filesystem::exists(replaced.url());
+        const int late = codeOf([&] { ReservedOutput(folder.path() / "late.mov"); });
+        const bool isThere = std::filesystem::exists(folder.path() / "late.mov");
+        return isWell && late == ECANCELED && !isThere ? 0 : 1;
     });
 }
 

@@ -33,6 +33,8 @@ protected:
         for (int i = 0; i < steps; ++i) driver_->key(arrow);
     }
 
+    std::string around() { return driver_->tabRound().join(" ").toStdString(); }
+
     void tabTo(const QString& name) {
         QStringList passed;
         while (passed.size() < 60) {
@@ -104,16 +106,15 @@ TEST_F(KeysAloneTests, Plan) {
 TEST_F(KeysAloneTests, Recover) {
     makeDamagedCard();
     goToMode(Qt::Key_Right, 4);
-    EXPECT_EQ(driver_->tabRound(), (QStringList{"recover.card.choose", "recover.imaging.button",
-                                                "recover.image.choose", "mode"}));
+    EXPECT_EQ(around(), "recover.card.choose recover.imaging.button recover.image.choose mode");
     chooseByKeys("recover.card.choose", place("card"));
     driver_->key(Qt::Key_Tab);
     EXPECT_EQ(driver_->focused(), "recover.scan");
     tabTo("mode");
     driver_->key(Qt::Key_Return);
     waitUntilShown("recover.repairCard");
-    EXPECT_EQ(driver_->tabRound(), (QStringList{"recover.new", "recover.places.reference.choose",
-                                                "recover.places.output.choose", "mode"}));
+    EXPECT_EQ(around(),
+              "recover.new recover.places.reference.choose recover.places.output.choose mode");
     chooseByKeys("recover.places.output.choose", place("out"));
     tabTo("mode");
     driver_->key(Qt::Key_Return);
@@ -130,13 +131,12 @@ TEST_F(KeysAloneTests, Recover) {
 TEST_F(KeysAloneTests, Sync) {
     TestSupport::makeShortDay(madeFolder("Day1"));
     goToMode(Qt::Key_Right, 3);
-    EXPECT_EQ(driver_->tabRound(), (QStringList{"sync.media.choose", "mode"}));
+    EXPECT_EQ(around(), "sync.media.choose mode");
     chooseByKeys("sync.media.choose", place("Day1"));
     tabTo("mode");
     driver_->key(Qt::Key_Return);
     waitUntilShown("sync.mux");
-    EXPECT_EQ(driver_->tabRound(),
-              (QStringList{"sync.new", "sync.save", "sync.export", "sync.output.choose", "mode"}));
+    EXPECT_EQ(around(), "sync.new sync.save sync.export sync.output.choose mode");
     chooseByKeys("sync.output.choose", madeFolder("Out"));
     tabTo("sync.mux");
     driver_->key(Qt::Key_Return);
@@ -154,11 +154,11 @@ TEST_F(KeysAloneTests, Transcode) {
     desktop_.filesAnswers = {{place("a.mov"), place("b.mov")}};
     tabTo("transcode.add");
     driver_->key(Qt::Key_Return);
+    waitUntilShown("transcode.remove.1");
     tabTo("mode");
-    EXPECT_EQ(driver_->tabRound(),
-              (QStringList{"transcode.remove.0", "transcode.remove.1", "transcode.add",
-                           "transcode.preset", "transcode.output.choose", "transcode.applyLUT",
-                           "transcode.size", "mode"}));
+    EXPECT_EQ(around(),
+              "transcode.remove.0 transcode.remove.1 transcode.add transcode.preset "
+              "transcode.output.choose transcode.applyLUT transcode.size mode");
     tabTo("transcode.remove.0");
     driver_->key(Qt::Key_Space);
     EXPECT_EQ(driver_->text("transcode.clip.0.title"), "b.mov");
@@ -168,7 +168,8 @@ TEST_F(KeysAloneTests, Transcode) {
     tabTo("mode");
     driver_->key(Qt::Key_Return);
     waitUntilShown("transcode.doneCard");
-    EXPECT_EQ(driver_->text("transcode.doneCard"), "Transcode Complete");
+    EXPECT_FALSE(driver_->isShown("transcode.failures.0"));
+    EXPECT_EQ(driver_->text("transcode.doneCard").toStdString(), "Transcode Complete");
     chooseByKeys("transcode.save", madeFolder("Reports"));
     waitUntilShown("transcode.reportStatus");
     driver_->waitFor("the report", [&] {

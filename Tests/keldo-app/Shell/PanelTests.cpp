@@ -18,22 +18,24 @@ void tell(const QQuickItem& item, QStringList& lines) {
 /// Panels that are dismissed, and what is left behind in the middle of a job.
 class PanelTests : public WindowSupport::ScreenFixture {
 protected:
-    /// Every visible thing of the window with its text, and whether it can be used.
-    QStringList told() const {
+    /// Every visible thing of the page with its text, and whether it can be used.
+    std::string told(const QString& page) {
+        driver_->resize(940, 680);
         QStringList lines;
-        tell(*driver_->window().contentItem(), lines);
-        return lines;
+        tell(driver_->at(page), lines);
+        return lines.join("\n").toStdString();
     }
 
     void expectDismissedChangesNothing(const QString& button, const QString& prompt) {
-        const QStringList before = told();
+        const QString page = button.section('.', 0, 0) + ".page";
+        const std::string before = told(page);
         const auto stored = desktop_.stored.values;
         desktop_.answers.clear();
         desktop_.filesAnswers.clear();
         desktop_.messages.clear();
         driver_->press(button);
         EXPECT_EQ(desktop_.messages, QStringList{prompt});
-        EXPECT_EQ(told(), before) << prompt.toStdString();
+        EXPECT_EQ(told(page), before) << prompt.toStdString();
         EXPECT_EQ(desktop_.stored.values, stored);
         EXPECT_TRUE(desktop_.revealed.empty());
     }

@@ -127,6 +127,8 @@ TEST_F(SizeTests, TwoThousandClipsInRecover) {
     driver_->press("recover.scan");
     waitUntilShown("recover.report.0");
     EXPECT_EQ(count("recover.reports"), 2'000);
+    EXPECT_FALSE(driver_->at("recover.report.0.label").property("truncated").toBool())
+        << "the name is cut, and not what is wrong with the clip";
     expectNoOverlap("recover.page");
     keepPictures("recover-two-thousand");
     driver_->press("recover.repair");

@@ -89,7 +89,11 @@ protected:
         choose("transcode.output.choose", place("transcoded"));
         if (shows("transcode.start")) driver_->press("transcode.start");
     }
-    void plan() { driver_->press("plan.cameras.stepper.more"); }
+    void plan() {
+        for (const char* way : {"more", "less"}) {
+            driver_->press(QStringLiteral("plan.days.stepper.") + way);
+        }
+    }
 
     int moment_ = 0;  ///< In milliseconds.
 };
