@@ -20,7 +20,9 @@ ListView {
     cacheBuffer: 0
     keyNavigationEnabled: false
     spacing: Theme.tiny
-    readonly property real rowWidth: width - (contentHeight > height ? Theme.regular : 0)
+    // With room for the scroll mark whether it shows or not: rows that wrap would else decide on
+    // their own width.
+    readonly property real rowWidth: width - Theme.regular
     activeFocusOnTab: contentHeight > height
     ScrollBar.vertical: ScrollMark {}
     Accessible.role: Accessible.List

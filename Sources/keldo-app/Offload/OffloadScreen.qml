@@ -37,11 +37,12 @@ Page {
         id: finished
         visible: offload.stage === OffloadViewModel.Stage.finished
         model: offload
-        // Later, when all that one change brings has come.
         onVisibleChanged: if (visible)
-            Qt.callLater(() => screen.attend(outcome))
+            attending.start()
         onFormatRequested: formatSheet.open()
     }
+    // Once all that one change brings has come.
+    Timer { id: attending; interval: 0; onTriggered: screen.attend(finished.outcome) }
     FormatSheet {
         id: formatSheet
         model: offload

@@ -20,7 +20,7 @@ namespace keldo_app {
 
 /// All state and all actions of the Offload screen. What is absent is an invalid QVariant or an
 /// empty text.
-class OffloadViewModel : public ViewModel {
+class OffloadViewModel : public keldo_app::ViewModel {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(keldo_app::RowModel* destinations READ destinationRows CONSTANT)

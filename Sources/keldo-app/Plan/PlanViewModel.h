@@ -65,7 +65,7 @@ struct PlanFacts {
 /// The Plan screen: how a shoot will run, kept in the user's preferences, and what that takes,
 /// computed anew whenever it is asked for. A number that means nothing, as a text where one
 /// belongs, is NaN, and leaves nothing to show.
-class PlanViewModel : public ViewModel {
+class PlanViewModel : public keldo_app::ViewModel {
     Q_OBJECT
     QML_ELEMENT
     KELDO_PLAN_TEXT(codecID, setCodecID, "plan.codec", "xavci_4k")

@@ -38,7 +38,7 @@ struct OutcomeRow {
 /// All state and all actions of the Recover screen: the scan of a folder with its repairs, and the
 /// scan of a card's image with what is carved out of it. The two know nothing of each other but
 /// the reference and the output folder.
-class RecoverViewModel : public ViewModel {
+class RecoverViewModel : public keldo_app::ViewModel {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(bool ffmpegReady READ ffmpegReady CONSTANT)

@@ -27,7 +27,7 @@ struct GroupRow {
 
 /// All state and all actions of the Sync screen: one day's media grouped by time of day, and what
 /// is made of the groups.
-class SyncViewModel : public ViewModel {
+class SyncViewModel : public keldo_app::ViewModel {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(bool ffmpegReady READ ffmpegReady CONSTANT)

@@ -11,6 +11,7 @@ ColumnLayout {
     required property TranscodeViewModel transcode
     readonly property int clips: transcode.inputs.count
     readonly property var sizes: [0, 3840, 1920, 1280]
+    readonly property var presets: transcode.presets
 
     spacing: Theme.wide
 
@@ -65,8 +66,8 @@ ColumnLayout {
             Picker {
                 objectName: "transcode.preset"
                 name: "Preset"
-                labels: view.transcode.presets.map(preset => preset.text)
-                groups: view.transcode.presets.map(preset => preset.heading)
+                labels: view.presets.map(preset => preset.text)
+                groups: view.presets.map(preset => preset.heading)
                 currentIndex: view.transcode.presetIndex
                 onChosen: index => view.transcode.presetIndex = index
             }

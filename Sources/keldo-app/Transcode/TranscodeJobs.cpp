@@ -41,7 +41,10 @@ Job<TranscodeEvent> TranscodeJobs::run(std::vector<ReelCore::TranscodeRequest> r
                  send({TranscodeEvent::AllDone()});
              },
          .consume = std::move(consume),
-         .failed = [](const std::exception&) { return TranscodeEvent{TranscodeEvent::AllDone()}; },
+         .failed =
+             [](const std::exception& error) {
+                 return TranscodeEvent{TranscodeEvent::AllDone{error.what()}};
+             },
          .isPassing =
              [](const TranscodeEvent& event) {
                  return std::holds_alternative<TranscodeEvent::Progress>(event.value);

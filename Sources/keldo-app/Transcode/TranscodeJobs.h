@@ -28,7 +28,9 @@ struct TranscodeEvent {
         std::size_t fileIndex = 0;
         std::string description;
     };
-    struct AllDone {};
+    struct AllDone {
+        std::string trouble = {};  ///< What kept the batch from being gone through; mostly empty.
+    };
 
     std::variant<Progress, FileFinished, FileFailed, AllDone> value;
 };

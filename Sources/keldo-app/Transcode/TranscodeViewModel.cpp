@@ -149,7 +149,10 @@ void TranscodeViewModel::apply(const TranscodeEvent::FileFailed& event) {
     failureRows_.append({failures_.back().name, failures_.back().message});
 }
 
-void TranscodeViewModel::apply(const TranscodeEvent::AllDone&) {
+void TranscodeViewModel::apply(const TranscodeEvent::AllDone& event) {
+    if (!event.trouble.empty()) {
+        apply(TranscodeEvent::FileFailed{completed_.size() + failures_.size(), event.trouble});
+    }
     stage_ = Stage::finished;
 }
 

@@ -24,7 +24,7 @@ struct FailureRow {
 };
 
 /// All state and all actions of the Transcode screen: a batch of clips, one preset, one look.
-class TranscodeViewModel : public ViewModel {
+class TranscodeViewModel : public keldo_app::ViewModel {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(bool ffmpegAvailable READ ffmpegAvailable CONSTANT)

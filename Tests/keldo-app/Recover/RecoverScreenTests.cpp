@@ -130,9 +130,11 @@ TEST_F(RecoverScreenTests, NoHealthyClip_ShowsTheWarning) {
     EXPECT_EQ(driver_->text("recover.places.reference.text"),
               "None — auto-picks the largest healthy clip");
     const auto topOf = [&](const char* name) { return driver_->at(name).mapToScene({0, 0}).y(); };
-    const double warning = topOf("recover.places.needsReference");
-    EXPECT_LT(topOf("recover.places.reference.text"), warning);
-    EXPECT_LT(warning, topOf("recover.places.output.text"));
+    driver_->waitFor("the warning between the two", [&] {
+        const double warning = topOf("recover.places.needsReference");
+        return topOf("recover.places.reference.text") < warning &&
+               warning < topOf("recover.places.output.text");
+    });
     keepPictures("recover-needs-reference");
 }
 
