@@ -231,3 +231,37 @@ TEST_F(KeyboardTests, ArrowsMoveTheChecksumAndTheMode) {
     driver_->key(Qt::Key_Right);
     EXPECT_TRUE(driver_->isShown("transcode.add"));
 }
+
+TEST_F(KeyboardTests, WholeOffload_IsDoneByKeyboardAlone) {
+    openWindow();
+    desktop_.answers = {card(), drive("SHUTTLE_01"), drive("RAID_MASTER"), drive("Reports")};
+    const auto tabTo = [&](const QString& name) {
+        for (int i = 0; i < 20 && driver_->focused() != name; ++i) driver_->key(Qt::Key_Tab);
+        ASSERT_EQ(driver_->focused().toStdString(), name.toStdString());
+    };
+    tabTo("offload.source.choose");
+    driver_->key(Qt::Key_Space);
+    driver_->waitFor("the scan", [&] { return driver_->isShown("offload.fileCount"); });
+    tabTo("offload.add");
+    driver_->key(Qt::Key_Return);
+    driver_->key(Qt::Key_Return);
+    tabTo("offload.reel");
+    driver_->key(Qt::Key_A, Qt::ControlModifier);
+    driver_->type("A001");
+    driver_->key(Qt::Key_Return);
+    waitForStage(Stage::finished);
+    EXPECT_EQ(driver_->text("offload.verdict"), "All Files Verified");
+    tabTo("offload.save");
+    driver_->key(Qt::Key_Space);
+    driver_->waitFor("the report", [&] {
+        return driver_->text("offload.reportStatus") == "Saved 2 file(s) to Reports.";
+    });
+    tabTo("offload.formatButton");
+    driver_->key(Qt::Key_Return);
+    driver_->waitFor("the sheet", [&] { return driver_->focused() == "sheet.typed"; });
+    driver_->key(Qt::Key_Escape);
+    driver_->waitFor("the sheet to close", [&] { return !driver_->isShown("sheet.typed"); });
+    tabTo("offload.new");
+    driver_->key(Qt::Key_Space);
+    driver_->waitFor("the setup", [&] { return driver_->isShown("offload.start"); });
+}
