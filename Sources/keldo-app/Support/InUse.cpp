@@ -46,7 +46,7 @@ void InUse::release(std::list<std::vector<Use>>::iterator uses) {
         const std::lock_guard guard(lock_);
         taken_.erase(uses);
     }
-    QMetaObject::invokeMethod(this, &InUse::changed, Qt::QueuedConnection);
+    waker_->post();
 }
 
 QString InUse::objection(const Use& wanted) const {

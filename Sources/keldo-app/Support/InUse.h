@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ReelCore/Platform/URL.h"
+#include "keldo-app/Support/Jobs.h"
 
 #include <QObject>
 #include <QString>
@@ -27,6 +28,7 @@ public:
     /// Ends the uses that it stands for when its last owner lets go, on any thread.
     using Token = std::shared_ptr<const void>;
 
+    /// First asked for on the main thread.
     static InUse& shared();
 
     /// Any thread.
@@ -42,8 +44,12 @@ signals:
     void changed();
 
 private:
+    InUse() {
+        waker_->onWake = [this] { emit changed(); };
+    }
     void release(std::list<std::vector<Use>>::iterator uses);
 
+    const std::shared_ptr<Waker> waker_ = Waker::make();
     mutable std::mutex lock_;
     std::list<std::vector<Use>> taken_;
 };
