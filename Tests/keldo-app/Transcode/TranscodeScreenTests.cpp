@@ -1,4 +1,5 @@
 #include "Support/Clip.h"
+#include "Support/FakeTool.h"
 #include "Window/WindowFixture.h"
 #include "keldo-app/Transcode/TranscodeViewModel.h"
 
@@ -96,6 +97,7 @@ TEST_F(TranscodeScreenTests, Batch_WithALookASizeAndTwoFailures) {
 }
 
 TEST_F(TranscodeScreenTests, Running_MovesAndIsCancelled) {
+    const TestSupport::FakeTool asSlowAsItPlays("FFMPEG_PATH", "exec ffmpeg -readrate 1 \"$@\"");
     openTranscode();
     add({clip("long.mov", 40)});
     choose("transcode.output.choose", madeFolder("out"));
