@@ -94,8 +94,8 @@ QQuickItem* WindowDriver::find(const QString& name) const {
 }
 
 QQuickItem& WindowDriver::at(const QString& name) const {
-    QQuickItem* item = find(name);
-    if (!item) throw std::runtime_error("does not show: " + name.toStdString());
+    QQuickItem* item = nullptr;
+    waitFor(name.toStdString() + " to show", [&] { return (item = find(name)) != nullptr; });
     return *item;
 }
 

@@ -54,7 +54,8 @@ public:
     /// The visible item of that name, or null.
     QQuickItem* find(const QString& name) const;
 
-    /// The visible item of that name; throws std::runtime_error if it does not show.
+    /// The visible item of that name, which may take a moment to show; throws std::runtime_error if
+    /// it does not.
     QQuickItem& at(const QString& name) const;
 
     bool isShown(const QString& name) const { return find(name) != nullptr; }
