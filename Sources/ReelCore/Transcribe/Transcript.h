@@ -1,7 +1,6 @@
 #pragma once
 
 #include "ReelCore/Diarize/DiarizationTypes.h"
-#include "ReelCore/Models/Enumeration.h"
 #include "ReelCore/Platform/URL.h"
 #include "ReelCore/Transcribe/FrameRate.h"
 #include "ReelCore/Transcribe/Timecode.h"
@@ -11,7 +10,6 @@
 #include <cstdint>
 #include <map>
 #include <optional>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -39,7 +37,7 @@ struct Transcript {
     std::optional<SlateInfo> slate;
     std::map<std::string, AppearanceHint> appearances;  ///< By the speaker's label.
 
-    /// Where a line begins, to the nearest frame. Beyond 64 bits is a fatal fault.
+    /// Where a line begins, to the nearest frame. Throws OutOfRange beyond 64 bits.
     Timecode timecode(const TranscriptSegment& segment) const;
 
     bool operator==(const Transcript&) const = default;
@@ -70,7 +68,5 @@ struct TranscribeProgress {
 };
 
 std::string_view rawValue(TranscribeProgress::Phase phase);
-template <>
-std::span<const TranscribeProgress::Phase> allCases();
 
 }  // namespace ReelCore
