@@ -12,6 +12,7 @@
 #include "ReelCore/Vision/AppearanceAnalyzer.h"
 #include "ReelCore/Vision/PeopleCounter.h"
 #include "ReelCore/Vision/SlateReader.h"
+#include "ReelCore/Vision/VisionAnalyzer.h"
 
 #include <algorithm>
 #include <exception>
@@ -136,7 +137,7 @@ private:
         constexpr std::int64_t samples = 40;
         constexpr std::int64_t minFrames = 2;
         const auto estimate =
-            PeopleCounter().estimate(request_.input, samples, minFrames, isCancelled_);
+            PeopleCounter{{}, vision_}.estimate(request_.input, samples, minFrames, isCancelled_);
         if (!estimate || estimate->count < 1) return std::nullopt;
         return estimate->count;
     }
@@ -145,7 +146,8 @@ private:
         constexpr double headSeconds = 10.0;
         constexpr std::int64_t samples = 8;
         try {
-            return SlateReader().read(request_.input, headSeconds, samples, isCancelled_);
+            return SlateReader{{}, vision_}.read(request_.input, headSeconds, samples,
+                                                 isCancelled_);
         } catch (const std::exception&) {
             return std::nullopt;
         }
@@ -153,7 +155,7 @@ private:
 
     void addHints(Transcript& transcript, const std::vector<std::string>& speakers) const {
         const std::int64_t total = std::ssize(speakers);
-        const AppearanceAnalyzer analyzer;
+        const AppearanceAnalyzer analyzer{{}, vision_};
         for (const std::string& speaker : speakers) {
             if (isCancelled_()) return;
             report(Phase::appearance, speaker, total, total);
@@ -173,6 +175,7 @@ private:
     const std::function<bool()>& isCancelled_;
     const std::function<void(const TranscribeProgress&)>& progress_;
     AudioExtractor extractor_;
+    VisionAnalyzer vision_;  // One for all, since its detectors take time to load.
 };
 
 /// How long a line and a turn are at the same time; negative where there is time between them.
