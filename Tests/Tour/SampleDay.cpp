@@ -69,7 +69,7 @@ void makeImage(const URL& image, const URL& card) {
 /// A white board of ruled lines, as an ffmpeg filter.
 std::string slate() {
     std::string filter =
-        "color=0x303840:s=1280x720:r=25:d=5,drawbox=x=140:y=60:w=1000:h=600:color=white:t=fill";
+        "color=0x303840:s=1280x720:r=25:d=3,drawbox=x=140:y=60:w=1000:h=600:color=white:t=fill";
     for (const auto& [x, y, text] : {std::tuple(180, 90, "PROD NIGHT SHIFT"),
                                      {180, 210, "SCENE 12A"},
                                      {660, 210, "TAKE 3"},
@@ -108,7 +108,7 @@ void makeInterview(const URL& url) {
         "[0]setsar=1[slate];[1]scale=720:720,pad=1280:720:280:0:0x303840,setsar=1[person];"
         "[slate][person]concat=n=2:v=1[v];"
         "[2]apad=pad_dur=0.7[a];[3]apad=pad_dur=0.7[b];[4]apad=pad_dur=0.7[c];"
-        "[a][b][c]concat=n=3:v=0:a=1,aresample=48000,adelay=2000[s]";
+        "[a][b][c]concat=n=3:v=0:a=1,aresample=48000,adelay=2500[s]";
     arguments.insert(arguments.end(), {"-filter_complex", filter, "-map", "[v]", "-map", "[s]",
                                        "-shortest", "-timecode", "10:45:00:00", "-c:v", "mpeg4",
                                        "-q:v", "3", "-c:a", "pcm_s16le", url.native()});

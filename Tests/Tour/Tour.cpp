@@ -1,6 +1,7 @@
 #include "ReelCore/CardFormat/CardFormatter.h"
 #include "Support/Clip.h"
 #include "Support/FolderTree.h"
+#include "Support/Tool.h"
 #include "Tour/Guide.h"
 #include "Tour/SampleDay.h"
 #include "keldo-app/Offload/OffloadDriver.h"
@@ -180,6 +181,64 @@ void transcode(Guide& guide, const SampleDay& day) {
     requireFiles(guide, day / "Reports", 6);
 }
 
+/// Each line has its words beside the right speaker, whose name was typed in the window. Words are
+/// what a speech model makes of them: of each sentence, one that it always hears.
+void requireDialogue(const Guide& guide, const std::string& text) {
+    std::size_t at = 0;
+    for (const char* piece :
+         {"Prod: NIGHT SHIFT", "Scene 12A", "Take 3", "TIMECODE / SPEAKER", "10:45:0", "Ann",
+          "generator", "Speaker 2", "first shot", "Speaker 3", "battery"}) {
+        at = text.find(piece, at);
+        guide.require(at != text.npos, fmt::format("“{}” in its place", piece));
+    }
+}
+
+/// What LibreOffice makes of a document, where it is installed.
+void requireReadable(const Guide& guide, const fs::path& document) {
+    if (!TestSupport::hasTool("soffice") || !TestSupport::hasTool("pdftotext")) return;
+    const fs::path folder = document.parent_path();
+    const fs::path profile = folder / "profile";
+    TestSupport::outputOf("soffice",
+                          {"-env:UserInstallation=file://" + profile.native(), "--headless",
+                           "--convert-to", "pdf", "--outdir", folder.native(), document.native()});
+    fs::remove_all(profile);
+    fs::path pdf = document;
+    pdf.replace_extension(".pdf");
+    requireDialogue(guide, TestSupport::outputOf("pdftotext", {"-layout", pdf.native(), "-"}));
+}
+
+void transcript(Guide& guide, const SampleDay& day) {
+    auto& driver = guide.driver;
+    guide.press("mode.Transcript");
+    if (driver.isShown("transcript.needs") || driver.isShown("transcript.diarization")) {
+        guide.picture("transcript-needs");
+        Guide::say("  the transcript is left out: Scripts/install-transcript sets up its tools");
+        return;
+    }
+    guide.choose("transcript.input.choose", day.interview);
+    guide.waitFor("transcript.startTC");
+    guide.requireText("transcript.startTC", "Start TC 10:45:00:00");
+    driver.focus("transcript.people");
+    for (int people = 0; people < 3; ++people) driver.key(Qt::Key_Down);
+    guide.choose("transcript.output.choose", day / "Transcripts");
+    guide.show("transcript.clipCard");
+    guide.picture("transcript-setup");
+    guide.press("transcript.start");
+    guide.waitFor("transcript.phase");
+    guide.picture("transcript-running");
+    guide.waitFor("transcript.ready");
+    driver.focus("transcript.name.0");
+    driver.type("Ann");
+    guide.press("transcript.save");
+    guide.waitForText("transcript.renameStatus", "Applied edits and re-saved the .docx.");
+    guide.show("transcript.ready");
+    guide.picture("transcript-ready");
+    const fs::path document = day / "Transcripts" / "Interview_transcript.docx";
+    requireDialogue(guide,
+                    TestSupport::outputOf("unzip", {"-p", document.native(), "word/document.xml"}));
+    requireReadable(guide, document);
+}
+
 /// Empties the folder of an earlier tour. Any other folder that holds something is refused.
 void beginAfresh(const fs::path& folder) {
     const fs::path mark = folder / ".keldobay-tour";
@@ -201,6 +260,7 @@ void tour(const fs::path& folder) {
     carve(guide, day);
     sync(guide, day, copy);
     transcode(guide, day);
+    transcript(guide, day);
     guide.require(guide.driver.warnings().isEmpty(), "no complaint from the toolkit");
     Guide::say("\nWhat was made:");
     for (const auto& entry : fs::recursive_directory_iterator(folder)) {
