@@ -91,17 +91,16 @@ TEST(DocxDocument, Whole_IsAsPrescribedByteForByte) {
                            {"Speaker 1", 61.02, 62.0, "Again."}};
     transcript.appearances = {{"Speaker 1", {"Speaker 1", "01:00:00:12", 2, 1, "blue"}}};
 
-    EXPECT_EQ(documentXML(transcript),
-              head + bold("A001C002.mov  ·  Start TC 01:00:00:00") +
-                  plain("Slate — Scene 12A  ·  Take 3") + tableHead +
-                  row(bold("01:00:00:00") + bold("Speaker 1") +
-                          plain("(person in blue (2 on camera))"),
-                      plain("Hello there.")) +
-                  row(bold("01:00:01:13") + bold("♪ Music"), plain("[MUSIC PLAYING]")) +
-                  row(bold("01:01:01:01") + bold("Speaker 1") +
-                          plain("(person in blue (2 on camera))"),
-                      plain("Again.")) +
-                  tail);
+    EXPECT_EQ(
+        documentXML(transcript),
+        head + bold("A001C002.mov  ·  Start TC 01:00:00:00") +
+            plain("Slate — Scene 12A  ·  Take 3") + tableHead +
+            row(bold("01:00:00:00") + bold("Speaker 1") + plain("(person in blue (2 on camera))"),
+                plain("Hello there.")) +
+            row(bold("01:00:01:13") + bold("♪ Music"), plain("[MUSIC PLAYING]")) +
+            row(bold("01:01:01:01") + bold("Speaker 1") + plain("(person in blue (2 on camera))"),
+                plain("Again.")) +
+            tail);
 }
 
 TEST(DocxDocument, Markup_IsEscapedInEveryText) {
@@ -114,8 +113,7 @@ TEST(DocxDocument, Markup_IsEscapedInEveryText) {
     EXPECT_EQ(documentXML(transcript),
               head + bold("A&amp;B.mov  ·  Start TC 00:00:00:00") +
                   plain("Slate — Scene &lt;1&gt;") + tableHead +
-                  row(bold("00:00:00:00") + bold("A&amp;B") +
-                          plain("(person in &quot;blue&quot;)"),
+                  row(bold("00:00:00:00") + bold("A&amp;B") + plain("(person in &quot;blue&quot;)"),
                       plain("x &lt; &quot;y&quot; &gt; 'z' &amp;amp;")) +
                   tail);
 }
@@ -129,20 +127,20 @@ TEST(DocxDocument, WhatXMLCannotHold_IsReplacedInEveryText) {
     transcript.segments = {{bad, 0.0, 1.0, bad}};
     transcript.appearances = {{bad, {bad, "", 1, 0, bad}}};
 
-    EXPECT_EQ(documentXML(transcript),
-              head + bold(good + "  ·  Start TC 00:00:00:00") + plain("Slate — " + good) +
-                  tableHead +
-                  row(bold("00:00:00:00") + bold(good) + plain("(person in " + good + ")"),
-                      plain(good)) +
-                  tail);
+    EXPECT_EQ(
+        documentXML(transcript),
+        head + bold(good + "  ·  Start TC 00:00:00:00") + plain("Slate — " + good) + tableHead +
+            row(bold("00:00:00:00") + bold(good) + plain("(person in " + good + ")"), plain(good)) +
+            tail);
 }
 
 TEST(DocxDocument, LineBreaksOfTheDialogue_StandAsTheyAre) {
     Transcript transcript = named("A.mov");
     transcript.segments = {{"", 0.0, 1.0, "one\n two\t"}};
 
-    EXPECT_NE(documentXML(transcript).find(row(bold("00:00:00:00") + bold(""), plain("one\n two\t"))),
-              std::string::npos);
+    EXPECT_NE(
+        documentXML(transcript).find(row(bold("00:00:00:00") + bold(""), plain("one\n two\t"))),
+        std::string::npos);
 }
 
 TEST(DocxDocument, Timecodes_CountFromTheStartToTheNearestFrame) {

@@ -112,8 +112,8 @@ TEST_F(WhisperLocatorTest, FileInPlaceOfTheModelsDirectory_HasNoModel) {
 }
 
 TEST_F(WhisperLocatorTest, OnlyNamesThatEndInBin_AreModels) {
-    for (const char* name : {"ggml-base.en.txt", "ggml-base.en.BIN", "ggml-base.en.bin.part", ".bin",
-                             "bin", "ggml-base.enbin"}) {
+    for (const char* name : {"ggml-base.en.txt", "ggml-base.en.BIN", "ggml-base.en.bin.part",
+                             ".bin", "bin", "ggml-base.enbin"}) {
         addModel(name);
     }
     EXPECT_EQ(locator.model(), std::nullopt);

