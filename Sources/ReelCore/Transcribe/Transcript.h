@@ -39,7 +39,7 @@ struct Transcript {
     std::optional<SlateInfo> slate;
     std::map<std::string, AppearanceHint> appearances;  ///< By the speaker's label.
 
-    /// Where a line begins, to the nearest frame. Beyond 64 bits is a fatal fault.
+    /// Where a line begins, to the nearest frame. Throws OutOfRange beyond 64 bits.
     Timecode timecode(const TranscriptSegment& segment) const;
 
     bool operator==(const Transcript&) const = default;
