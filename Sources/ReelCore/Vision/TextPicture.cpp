@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <limits>
 
 #include <opencv2/imgproc.hpp>
 
@@ -44,41 +43,63 @@ Corners cornersOf(const std::vector<cv::Point>& contour) {
     if (corners.size() != 4) return {};
     const double area = cv::contourArea(corners);
     const bool isFilled = cv::contourArea(contour) > 0.9 * area;
-    return isFilled && area > 0.95 * cv::contourArea(hull) ? Corners(corners.begin(), corners.end())
-                                                           : Corners();
+    const bool isWhole = isFilled && area > 0.95 * cv::contourArea(hull);
+    return isWhole ? ordered(Corners(corners.begin(), corners.end())) : Corners();
 }
 
-/// Four-cornered shapes in a small picture, the largest first.
+bool areClose(const Corners& a, const Corners& b) {
+    return std::ranges::equal(a, b,
+                              [](cv::Point2f p, cv::Point2f q) { return cv::norm(p - q) < 8; });
+}
+
+/// Four-cornered shapes in a small picture, at most two. Where a board ends does not hang on what
+/// is called light: the shape that is the same at the most levels wins, a large one over a small
+/// one. A light board is looked for without its dark lines, a dark one without its light lines.
 std::vector<Corners> boardsIn(const cv::Mat& small) {
     const double least = 0.03 * small.cols * small.rows;
-    cv::Mat smooth;
-    cv::GaussianBlur(small, smooth, {5, 5}, 0);
-    std::vector<Corners> boards;
-    for (int level = 0; level < 256; level += 25) {
-        cv::Mat mask;
-        if (level == 0) {
-            cv::Canny(smooth, mask, 40, 120);
-            cv::dilate(mask, mask, cv::Mat());
-        } else {
-            cv::threshold(smooth, mask, level, 255, cv::THRESH_BINARY);
-        }
+    const double most = 0.95 * small.cols * small.rows;
+    const cv::Mat line = cv::Mat::ones(7, 7, CV_8U);
+    struct Board {
+        Corners corners;
+        double weight;
+    };
+    std::vector<Board> boards;
+    const auto look = [&](const cv::Mat& mask) {
         std::vector<std::vector<cv::Point>> contours;
         cv::findContours(mask, contours, cv::RETR_LIST, cv::CHAIN_APPROX_SIMPLE);
         for (const auto& contour : contours) {
-            if (cv::contourArea(contour) < least) continue;
-            if (Corners corners = cornersOf(contour); !corners.empty()) {
-                boards.push_back(std::move(corners));
+            const double area = cv::contourArea(contour);
+            if (area < least || area > most) continue;
+            const Corners corners = cornersOf(contour);
+            if (corners.empty()) continue;
+            const auto same = std::ranges::find_if(
+                boards, [&](const Board& one) { return areClose(one.corners, corners); });
+            if (same == boards.end()) {
+                boards.push_back({corners, area});
+            } else {
+                same->weight += area;
             }
         }
+    };
+    cv::Mat light;
+    cv::Mat dark;
+    cv::morphologyEx(small, light, cv::MORPH_CLOSE, line);
+    cv::morphologyEx(small, dark, cv::MORPH_OPEN, line);
+    for (int level = 25; level < 256; level += 25) {
+        look(light > level);
+        look(dark > level);
     }
-    std::ranges::stable_sort(boards, std::greater(),
-                             [](const Corners& one) { return cv::contourArea(one); });
-    return boards;
+    std::ranges::stable_sort(boards, std::greater(), &Board::weight);
+    std::vector<Corners> best;
+    for (const Board& board : boards) {
+        if (best.size() < 2) best.push_back(board.corners);
+    }
+    return best;
 }
 
 /// The four-cornered part of a picture as seen from the front, as wide as can be read.
 cv::Mat frontOf(const cv::Mat& grey, const Corners& board, cv::Mat& toOriginal) {
-    const Corners from = ordered(board);
+    const Corners& from = board;
     const double width = std::max(cv::norm(from[1] - from[0]), cv::norm(from[2] - from[3]));
     const double height = std::max(cv::norm(from[3] - from[0]), cv::norm(from[2] - from[1]));
     const double scale = readableWidth / std::max(width, height);
@@ -155,9 +176,9 @@ void removeRulings(cv::Mat& grey, cv::Mat& cells) {
                           51, 12);
     cv::Mat across;
     cv::Mat down;
-    const int length = grey.cols / 9;
-    cv::morphologyEx(dark, across, cv::MORPH_OPEN, cv::Mat::ones(1, length, CV_8U));
-    cv::morphologyEx(dark, down, cv::MORPH_OPEN, cv::Mat::ones(length * 2 / 3, 1, CV_8U));
+    // Longer than any stroke of a letter.
+    cv::morphologyEx(dark, across, cv::MORPH_OPEN, cv::Mat::ones(1, grey.cols / 9, CV_8U));
+    cv::morphologyEx(dark, down, cv::MORPH_OPEN, cv::Mat::ones(grey.rows / 7 + 1, 1, CV_8U));
     cv::Mat rulings;
     cv::max(across, down, rulings);
     cv::dilate(rulings, rulings, cv::Mat::ones(7, 7, CV_8U));
@@ -234,12 +255,7 @@ std::vector<TextPicture> TextPicture::of(const StillImage& image) {
     constexpr int smallWidth = 640;
     const cv::Mat small = scaledTo(grey, smallWidth);
     const float scale = static_cast<float>(grey.cols) / static_cast<float>(small.cols);
-    constexpr std::size_t mostBoards = 2;
-    double lastArea = std::numeric_limits<double>::infinity();
     for (Corners& board : boardsIn(small)) {
-        const double area = cv::contourArea(board);
-        if (pictures.size() == mostBoards || area > 0.7 * lastArea) continue;
-        lastArea = area;
         for (cv::Point2f& corner : board) corner *= scale;
         cv::Mat toOriginal;
         const cv::Mat front = frontOf(grey, board, toOriginal);

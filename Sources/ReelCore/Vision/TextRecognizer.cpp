@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstdint>
 #include <iterator>
 #include <stdexcept>
 #include <string_view>
@@ -21,7 +22,8 @@ namespace {
 
 struct Reading {
     std::vector<PlacedText> segments;
-    double sureness = 0.0;  ///< Of all letters and digits together.
+    double sureness = 0.0;    ///< Of all letters together.
+    std::int64_t labels = 0;  ///< Of a slate.
 };
 
 class Tesseract : public TextRecognizer {
@@ -38,19 +40,23 @@ public:
         for (const TextPicture& picture : TextPicture::of(image)) {
             Reading reading = readingOf(picture);
             if (reading.sureness > best.sureness) best = std::move(reading);
+            if (best.labels >= labelsOfASlate) break;
         }
         return TextLayout::lines(std::move(best.segments));
     }
 
 private:
-    static constexpr float leastConfidence = 35.0F;  ///< In percent.
+    static constexpr std::int64_t labelsOfASlate = 3;
+    static constexpr float leastConfidence = 45.0F;  ///< In percent.
 
     Reading readingOf(const TextPicture& picture) {
         std::vector<PlacedText> words = wordsIn(picture.grey, tesseract::PSM_SPARSE_TEXT);
         for (PlacedText& word : words)
             word.cell =
                 picture.cellAt(word.left / 2 + word.right / 2, word.top / 2 + word.bottom / 2);
-        Reading reading{TextLayout::segments(std::move(words)), 0.0};
+        Reading reading;
+        reading.labels = std::ranges::count_if(words, TextLayout::isBareLabel, &PlacedText::text);
+        reading.segments = TextLayout::segments(std::move(words));
         readAgain(reading.segments, picture);
         for (const PlacedText& one : reading.segments) {
             reading.sureness += static_cast<double>(one.text.size()) * one.confidence / 100.0;
