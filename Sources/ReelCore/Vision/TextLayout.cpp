@@ -1,0 +1,141 @@
+#include "ReelCore/Vision/TextLayout.h"
+
+#include "ReelCore/Platform/Text.h"
+
+#include <algorithm>
+#include <array>
+#include <limits>
+#include <string_view>
+#include <utility>
+
+namespace ReelCore {
+
+namespace {
+
+constexpr std::array<std::string_view, 24> labels{
+    "SCENE", "SCN",     "SC",         "TAKE",     "TK",   "SCENE/TAKE", "SC/TK", "ROLL",
+    "CAM",   "CAMROLL", "CAMERAROLL", "DIRECTOR", "DIR",  "CAMERA",     "DP",    "CINEMATOGRAPHER",
+    "PROD",  "TITLE",   "PRODUCTION", "SHOW",     "DATE", "FPS",        "CAM.",  "FRAMERATE"};
+
+/// How much of the lower of two pieces stands beside the other.
+double besideEachOther(const PlacedText& a, const PlacedText& b) {
+    const double shared = std::min(a.bottom, b.bottom) - std::max(a.top, b.top);
+    return shared / std::min(a.height(), b.height());
+}
+
+double belowEachOther(const PlacedText& a, const PlacedText& b) {
+    const double shared = std::min(a.right, b.right) - std::max(a.left, b.left);
+    return shared / std::min(a.width(), b.width());
+}
+
+void append(PlacedText& piece, const PlacedText& next) {
+    piece.text += " " + next.text;
+    piece.left = std::min(piece.left, next.left);
+    piece.top = std::min(piece.top, next.top);
+    piece.right = std::max(piece.right, next.right);
+    piece.bottom = std::max(piece.bottom, next.bottom);
+    piece.confidence = std::min(piece.confidence, next.confidence);
+}
+
+/// How far a value is from its label; infinite for what can't be its value. What shares the label's
+/// cell is nearer than anything else, and stands anywhere below if no other label is in that cell.
+double distance(const PlacedText& label, const PlacedText& value, bool isAloneInCell) {
+    constexpr double never = std::numeric_limits<double>::infinity();
+    const double otherCell = label.cell == value.cell ? 0.0 : 1e6;
+    if (besideEachOther(label, value) > 0.4 && value.left >= label.right) {
+        return otherCell + value.left - label.right;
+    }
+    const double gap = value.top - label.bottom;
+    const double reach = 3.0 * std::max(label.height(), value.height());
+    const bool isBelow = gap > -0.3 * label.height() && gap < reach;
+    const bool isInReach = isAloneInCell && label.cell == value.cell;
+    if (!isBelow || (!isInReach && belowEachOther(label, value) < 0.3)) return never;
+    return otherCell + std::max(gap, 0.0);
+}
+
+/// True if another label stands between the label and the value on its right.
+bool isCutOff(const PlacedText& label, const PlacedText& value,
+              const std::vector<PlacedText>& segments) {
+    return std::ranges::any_of(segments, [&](const PlacedText& other) {
+        return TextLayout::isBareLabel(other.text) && besideEachOther(label, other) > 0.4 &&
+               other.left > label.left && other.left < value.left &&
+               besideEachOther(label, value) > 0.4;
+    });
+}
+
+/// Joins each bare label with the nearest value; each value goes to one label only.
+void pair(std::vector<PlacedText>& segments) {
+    struct Pair {
+        double distance;
+        std::size_t label;
+        std::size_t value;
+    };
+    std::vector<Pair> pairs;
+    for (std::size_t i = 0; i < segments.size(); ++i) {
+        if (!TextLayout::isBareLabel(segments[i].text)) continue;
+        const bool isAlone = std::ranges::none_of(segments, [&](const PlacedText& other) {
+            return &other != &segments[i] && other.cell == segments[i].cell &&
+                   TextLayout::isBareLabel(other.text);
+        });
+        for (std::size_t j = 0; j < segments.size(); ++j) {
+            if (i == j || TextLayout::isBareLabel(segments[j].text)) continue;
+            const double apart = distance(segments[i], segments[j], isAlone);
+            if (apart == std::numeric_limits<double>::infinity()) continue;
+            if (!isCutOff(segments[i], segments[j], segments)) pairs.push_back({apart, i, j});
+        }
+    }
+    std::ranges::stable_sort(pairs, {}, &Pair::distance);
+    std::vector<bool> isTaken(segments.size());
+    std::vector<bool> isGone(segments.size());
+    for (const auto& [apart, label, value] : pairs) {
+        if (isTaken[label] || isTaken[value]) continue;
+        isTaken[label] = isTaken[value] = isGone[value] = true;
+        append(segments[label], segments[value]);
+    }
+    std::size_t at = 0;
+    std::erase_if(segments, [&](const PlacedText&) { return isGone[at++]; });
+}
+
+}  // namespace
+
+std::vector<PlacedText> TextLayout::segments(std::vector<PlacedText> words) {
+    std::ranges::stable_sort(words, {}, &PlacedText::left);
+    std::vector<PlacedText> segments;
+    for (const PlacedText& word : words) {
+        const auto last = std::ranges::find_if(segments, [&](const PlacedText& one) {
+            const double gap = word.left - one.right;
+            return one.cell == word.cell && besideEachOther(one, word) > 0.5 &&
+                   gap < std::max(one.height(), word.height());
+        });
+        if (last == segments.end()) {
+            segments.push_back(word);
+        } else {
+            append(*last, word);
+        }
+    }
+    return segments;
+}
+
+bool TextLayout::isBareLabel(const std::string& text) {
+    std::string letters = Text::upperCased(text);
+    std::erase_if(letters, [](char c) { return c == ' ' || c == '.' || c == ':' || c == '#'; });
+    return std::ranges::find(labels, letters) != labels.end();
+}
+
+std::vector<TextLine> TextLayout::lines(std::vector<PlacedText> segments) {
+    pair(segments);
+    std::ranges::stable_sort(segments, {}, &PlacedText::top);
+    std::vector<TextLine> lines;
+    for (auto row = segments.begin(); row != segments.end();) {
+        const auto end = std::find_if(row, segments.end(), [&](const PlacedText& one) {
+            return besideEachOther(*row, one) < 0.5;
+        });
+        const double top = row->top;
+        std::stable_sort(row, end,
+                         [](const PlacedText& a, const PlacedText& b) { return a.left < b.left; });
+        for (; row != end; ++row) lines.push_back({std::move(row->text), top});
+    }
+    return lines;
+}
+
+}  // namespace ReelCore
