@@ -10,6 +10,13 @@
 
 namespace ReelCore {
 
+namespace {
+
+/// In ICU's units of 10,000 steps, each of some tenths of a millisecond.
+constexpr std::int32_t mostSteps = 1000;
+
+}  // namespace
+
 struct Regex::Compiled {
     std::unique_ptr<icu::RegexPattern> pattern;
 };
@@ -33,10 +40,21 @@ std::optional<Regex::Match> Regex::find(std::string_view text, std::size_t from)
         utext_close);
     const std::unique_ptr<icu::RegexMatcher> matcher(compiled_->pattern->matcher(status));
     if (U_FAILURE(status)) fatal("a text can't be searched");
+    matcher->setTimeLimit(mostSteps, status);
     matcher->reset(view.get());
     if (!matcher->find(static_cast<std::int64_t>(from), status)) return std::nullopt;
-    return Match{static_cast<std::size_t>(matcher->start64(status)),
-                 static_cast<std::size_t>(matcher->end64(status))};
+    const auto begin = [&](int group) { return matcher->start64(group, status); };
+    const auto end = [&](int group) {
+        return static_cast<std::size_t>(matcher->end64(group, status));
+    };
+    Match match{static_cast<std::size_t>(begin(0)), end(0), {}};
+    for (std::int32_t group = 1; group <= matcher->groupCount(); ++group) {
+        match.groups.emplace_back();
+        if (begin(group) < 0) continue;
+        const auto at = static_cast<std::size_t>(begin(group));
+        match.groups.back() = text.substr(at, end(group) - at);
+    }
+    return match;
 }
 
 }  // namespace ReelCore

@@ -4,6 +4,7 @@
 #include <memory>
 #include <optional>
 #include <string_view>
+#include <vector>
 
 namespace ReelCore {
 
@@ -11,10 +12,12 @@ namespace ReelCore {
 /// ends too. Immutable once made: any thread may search with it at once.
 class Regex {
 public:
-    /// A matched piece of the text, in bytes.
+    /// A matched piece of the text, in bytes, and the pieces of it that the expression's groups
+    /// took, the first group's first; one that took no part is absent. They view the text.
     struct Match {
         std::size_t begin;
         std::size_t end;
+        std::vector<std::optional<std::string_view>> groups;
     };
 
     /// An expression that does not compile is a fatal fault: all are constants of the program.
@@ -23,7 +26,9 @@ public:
     Regex(const Regex&) = delete;
     Regex& operator=(const Regex&) = delete;
 
-    /// The first match in well-formed `text` that begins at byte `from` or behind it.
+    /// The first match in well-formed `text` that begins at byte `from` or behind it. A search that
+    /// goes back and forth in the text too often ends without one; how often is too often does not
+    /// hang on the machine.
     std::optional<Match> find(std::string_view text, std::size_t from = 0) const;
 
 private:

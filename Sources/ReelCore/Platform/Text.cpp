@@ -63,6 +63,24 @@ void forEachCharacterEnd(std::string_view text, Visit visit) {
     utext_close(view);
 }
 
+/// The text without what `goes` at both ends.
+std::string withoutEnds(std::string_view bytes, UBool (*goes)(UChar32)) {
+    const std::string text = Text::wellFormed(bytes);
+    const auto* units = reinterpret_cast<const std::uint8_t*>(text.data());
+    auto end = static_cast<std::int32_t>(text.size());
+    std::int32_t begin = 0;
+    UChar32 point = 0;
+    for (std::int32_t at = 0; at < end; begin = at) {
+        U8_NEXT(units, at, end, point);
+        if (!goes(point)) break;
+    }
+    for (std::int32_t at = end; at > begin; end = at) {
+        U8_PREV(units, begin, at, point);
+        if (!goes(point)) break;
+    }
+    return text.substr(static_cast<std::size_t>(begin), static_cast<std::size_t>(end - begin));
+}
+
 }  // namespace
 
 bool Text::isWellFormed(std::string_view bytes) {
@@ -120,21 +138,12 @@ std::string Text::suffix(std::string_view text, std::int64_t count) {
     return whole.erase(0, prefix(whole, passedOver).size());
 }
 
-std::string Text::trimmed(std::string_view bytes) {
-    const std::string text = wellFormed(bytes);
-    const auto* units = reinterpret_cast<const std::uint8_t*>(text.data());
-    auto end = static_cast<std::int32_t>(text.size());
-    std::int32_t begin = 0;
-    UChar32 point = 0;
-    for (std::int32_t at = 0; at < end; begin = at) {
-        U8_NEXT(units, at, end, point);
-        if (!u_isUWhiteSpace(point)) break;
-    }
-    for (std::int32_t at = end; at > begin; end = at) {
-        U8_PREV(units, begin, at, point);
-        if (!u_isUWhiteSpace(point)) break;
-    }
-    return text.substr(static_cast<std::size_t>(begin), static_cast<std::size_t>(end - begin));
+std::string Text::trimmed(std::string_view text) {
+    return withoutEnds(text, u_isUWhiteSpace);
+}
+
+std::string Text::trimmedOnLine(std::string_view text) {
+    return withoutEnds(text, u_isblank);
 }
 
 bool Text::isLeftToRight(std::string_view text) {

@@ -30,6 +30,9 @@ struct Text {
     /// The text without white space and line ends (Unicode White_Space) at both ends.
     static std::string trimmed(std::string_view text);
 
+    /// The text without blanks (Unicode category Zs) and tabs at both ends; line ends stay.
+    static std::string trimmedOnLine(std::string_view text);
+
     /// True if every part of the text runs from left to right (UAX #9).
     static bool isLeftToRight(std::string_view text);
 

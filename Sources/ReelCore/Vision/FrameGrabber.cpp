@@ -42,6 +42,15 @@ URL FrameGrabber::grabFile(const URL& url, double seconds, const URL& directory)
     return output;
 }
 
+std::optional<StillImage> FrameGrabber::still(const URL& url, double seconds,
+                                              const URL& directory) const {
+    try {
+        return loadCGImage(grabFile(url, seconds, directory));
+    } catch (const Error&) {
+        return std::nullopt;
+    }
+}
+
 std::optional<StillImage> FrameGrabber::loadCGImage(const URL& url) {
     try {
         const File file = File::openForReading(url, FileLinks::follow);

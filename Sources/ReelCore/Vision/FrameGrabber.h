@@ -22,6 +22,10 @@ struct FrameGrabber {
     /// number of a frame, and then no frame comes.
     URL grabFile(const URL& url, double seconds, const URL& directory) const;
 
+    /// The frame at `seconds` as a picture, by a file that `grabFile` leaves in `directory`; absent
+    /// where either fails.
+    std::optional<StillImage> still(const URL& url, double seconds, const URL& directory) const;
+
     /// Loads a picture as it is stored, without turning it; absent for a file that is none or has
     /// more than 512 MiB.
     static std::optional<StillImage> loadCGImage(const URL& url);
