@@ -27,7 +27,7 @@ std::vector<InUse::Use> usesOf(const ReelCore::TranscribeRequest& request) {
 }  // namespace
 
 TranscriptViewModel::TranscriptViewModel(QObject* parent) : ViewModel(parent) {
-    selectedModel_ = WhisperLocator().model();
+    if (const auto model = WhisperLocator().model()) selectedModel_ = *model;
     connect(&InUse::shared(), &InUse::changed, this, &TranscriptViewModel::changed);
     connect(&speakers_, &RowModel::dataChanged, this, &TranscriptViewModel::changed);
     connect(&editableSpeakers_, &RowModel::dataChanged, this, &TranscriptViewModel::changed);
