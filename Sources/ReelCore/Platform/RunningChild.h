@@ -6,6 +6,7 @@
 #include <chrono>
 #include <cstddef>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <span>
@@ -53,10 +54,20 @@ public:
         int input = -1;  ///< A descriptor that is to be the standard input; -1 for an empty one.
     };
 
-    /// Throws SystemError if `program` (a path) can't be started, and ECANCELED once the process is
-    /// coming to its end.
+    struct Surroundings {
+        URL workingFolder = {};                               ///< Empty for this process's own.
+        std::map<std::string, std::string> environment = {};  ///< Beside this process's own.
+        /// Leaves the processor and the drives to others who want them, and so does what it starts
+        /// itself. Where the system does not grant that, it runs as others do.
+        bool yields = false;
+    };
+
+    /// Throws SystemError if `program` (a path) can't be started or the working folder is missing,
+    /// and ECANCELED once the process is coming to its end.
     RunningChild(const URL& program, const std::vector<std::string>& arguments,
                  const Streams& streams);
+    RunningChild(const URL& program, const std::vector<std::string>& arguments,
+                 const Streams& streams, const Surroundings& surroundings);
     ~RunningChild();
     RunningChild(const RunningChild&) = delete;
     RunningChild& operator=(const RunningChild&) = delete;

@@ -9,8 +9,11 @@
 #include <thread>
 
 #include <fcntl.h>
+#include <linux/ioprio.h>
 #include <poll.h>
 #include <spawn.h>
+#include <sys/resource.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -59,13 +62,31 @@ private:
     posix_spawnattr_t attributes_{};
 };
 
-std::vector<char*> argumentVector(const URL& program, const std::vector<std::string>& arguments) {
-    std::vector<char*> vector{const_cast<char*>(program.c_str())};
-    for (const std::string& argument : arguments) {
-        vector.push_back(const_cast<char*>(argument.c_str()));
+/// As the system takes a list of texts, which must outlive it.
+std::vector<char*> pointersTo(const std::vector<std::string>& texts) {
+    std::vector<char*> pointers;
+    for (const std::string& text : texts) pointers.push_back(const_cast<char*>(text.c_str()));
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
+/// This process's variables, those named with the values given.
+std::vector<std::string> environmentWith(const std::map<std::string, std::string>& more) {
+    std::vector<std::string> variables;
+    for (char** one = environ; *one; ++one) {
+        const std::string variable = *one;
+        if (!more.contains(variable.substr(0, variable.find('=')))) variables.push_back(variable);
     }
-    vector.push_back(nullptr);
-    return vector;
+    for (const auto& [name, value] : more) variables.push_back(name + "=" + value);
+    return variables;
+}
+
+/// All threads of the child's group, also those that it has started by now.
+void yieldToOthers(pid_t child) {
+    constexpr int niceness = 10;
+    constexpr int lowest = IOPRIO_PRIO_VALUE(IOPRIO_CLASS_BE, 7);
+    ::setpriority(PRIO_PGRP, static_cast<id_t>(child), niceness);
+    ::syscall(SYS_ioprio_set, IOPRIO_WHO_PGRP, child, lowest);
 }
 
 struct Descriptors {
@@ -106,7 +127,8 @@ void connect(SpawnActions& actions, int descriptor, int stream) {
     }
 }
 
-pid_t start(const URL& program, const std::vector<std::string>& arguments, Descriptors streams) {
+pid_t start(const URL& program, const std::vector<std::string>& arguments, Descriptors streams,
+            const RunningChild::Surroundings& surroundings) {
     const RaisedDescriptor output(streams.output);
     const RaisedDescriptor error(streams.error);
     const RaisedDescriptor input(streams.input);
@@ -116,10 +138,17 @@ pid_t start(const URL& program, const std::vector<std::string>& arguments, Descr
     connect(actions, output.number(), STDOUT_FILENO);
     connect(actions, error.number(), STDERR_FILENO);
     ::posix_spawn_file_actions_addclosefrom_np(actions.get(), STDERR_FILENO + 1);
+    if (!surroundings.workingFolder.empty()) {
+        ::posix_spawn_file_actions_addchdir_np(actions.get(), surroundings.workingFolder.c_str());
+    }
+    std::vector<std::string> words{program.native()};
+    words.insert(words.end(), arguments.begin(), arguments.end());
+    const auto variables = environmentWith(surroundings.environment);
     pid_t child = 0;
     const int failure = ::posix_spawn(&child, program.c_str(), actions.get(), attributes.get(),
-                                      argumentVector(program, arguments).data(), environ);
+                                      pointersTo(words).data(), pointersTo(variables).data());
     if (failure != 0) throw SystemError(failure, program);
+    if (surroundings.yields) yieldToOthers(child);
     return child;
 }
 
@@ -166,14 +195,18 @@ private:
 
 RunningChild::RunningChild(const URL& program, const std::vector<std::string>& arguments,
                            const Streams& streams)
+    : RunningChild(program, arguments, streams, Surroundings()) {}
+
+RunningChild::RunningChild(const URL& program, const std::vector<std::string>& arguments,
+                           const Streams& streams, const Surroundings& surroundings)
     : pipe_(std::make_unique<Pipe>()) {
     const auto descriptor = [&](const ChildStream& stream) {
         return stream.kind_ == ChildStream::Kind::pipe ? pipe_->writeEnd() : stream.descriptor_;
     };
     const Descriptors descriptors{descriptor(streams.output), descriptor(streams.error),
                                   streams.input};
-    number_ =
-        ProcessCleanup::shared().addChild([&] { return start(program, arguments, descriptors); });
+    number_ = ProcessCleanup::shared().addChild(
+        [&] { return start(program, arguments, descriptors, surroundings); });
     pipe_->closeWriteEnd();
 }
 

@@ -112,6 +112,29 @@ std::string Text::wellFormedXML(std::string_view bytes) {
     return encode(text);
 }
 
+std::string Text::escapedXML(std::string_view bytes) {
+    std::string result;
+    for (const char c : wellFormedXML(bytes)) {
+        switch (c) {
+            case '&':
+                result += "&amp;";
+                break;
+            case '<':
+                result += "&lt;";
+                break;
+            case '>':
+                result += "&gt;";
+                break;
+            case '"':
+                result += "&quot;";
+                break;
+            default:
+                result += c;
+        }
+    }
+    return result;
+}
+
 std::int64_t Text::characterCount(std::string_view text) {
     if (isASCII(text) && text.find('\r') == text.npos) {
         return static_cast<std::int64_t>(text.size());

@@ -17,6 +17,10 @@ struct Text {
     /// U+FFFD. Markup characters are left to the caller.
     static std::string wellFormedXML(std::string_view bytes);
 
+    /// The same, with the markup characters & < > " written as references: fit to stand in an
+    /// element or between double quotes.
+    static std::string escapedXML(std::string_view bytes);
+
     static bool isWellFormed(std::string_view bytes);
 
     static std::int64_t characterCount(std::string_view text);

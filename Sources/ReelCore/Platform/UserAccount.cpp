@@ -1,7 +1,10 @@
 #include "ReelCore/Platform/UserAccount.h"
 
+#include "ReelCore/Platform/Fatal.h"
+
 #include <array>
 #include <cerrno>
+#include <cstdlib>
 #include <functional>
 #include <vector>
 
@@ -23,6 +26,12 @@ std::string fromAccount(const std::function<std::string(const passwd&)>& read) {
     return found ? read(*found) : std::string();
 }
 
+/// Empty where the variable is not set or holds no absolute path.
+URL absolutePathIn(const char* variable) {
+    const char* const value = std::getenv(variable);
+    return value && *value == '/' ? URL(value) : URL();
+}
+
 }  // namespace
 
 std::string UserAccount::loginName() {
@@ -42,6 +51,14 @@ std::string UserAccount::hostName() {
     std::array<char, 256> name{};
     if (::gethostname(name.data(), name.size() - 1) != 0 || name[0] == '\0') return "unknown";
     return name.data();
+}
+
+URL UserAccount::dataFolder() {
+    if (const URL named = absolutePathIn("XDG_DATA_HOME"); !named.empty()) return named;
+    URL home = absolutePathIn("HOME");
+    if (home.empty()) home = fromAccount([](const passwd& entry) { return entry.pw_dir; });
+    if (!home.is_absolute()) fatal("this user has no home folder");
+    return home / ".local/share";
 }
 
 }  // namespace ReelCore

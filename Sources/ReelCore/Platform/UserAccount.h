@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ReelCore/Platform/URL.h"
+
 #include <string>
 
 namespace ReelCore {
@@ -14,6 +16,11 @@ struct UserAccount {
 
     /// This computer's name, or "unknown".
     static std::string hostName();
+
+    /// Where programs keep what belongs to this user; it need not be there. $XDG_DATA_HOME, or
+    /// where that is no absolute path ".local/share" in the home folder (XDG Base Directory). A
+    /// user without a home folder is a fatal fault.
+    static URL dataFolder();
 };
 
 }  // namespace ReelCore

@@ -5,9 +5,9 @@
 #include "ReelCore/Platform/RunningChild.h"
 #include "ReelCore/Platform/Split.h"
 #include "ReelCore/Platform/Text.h"
+#include "ReelCore/Platform/ToolComplaints.h"
 #include "ReelCore/Recovery/MP4Scan.h"
 #include "ReelCore/Recovery/RecoveryError.h"
-#include "ReelCore/Transcode/FFmpegComplaints.h"
 #include "ReelCore/Transcode/FFmpegLocator.h"
 #include "ReelCore/Transcode/MediaQuery.h"
 #include "ReelCore/Transcribe/TranscribeError.h"
@@ -78,7 +78,7 @@ void run(const URL& ffmpeg, const URL& source, const URL& output) {
                        {"-y", "-err_detect", "ignore_err", "-i", toolPath(source), "-c", "copy",
                         "-ignore_unknown", toolPath(output)},
                        {.output = ChildStream::nowhere(), .error = ChildStream::pipe()});
-    FFmpegComplaints complaints;
+    ToolComplaints complaints;
     child.readAll([&](std::string_view piece) { complaints.take(piece); });
     const bool isDone = child.wait() == 0 && FileSystem::sizeOf(output).value_or(0) > 0 &&
                         !complaints.tellOfFailedDrive() && !holdsNoMedia(output);

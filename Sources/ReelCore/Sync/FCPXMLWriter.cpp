@@ -14,29 +14,6 @@ namespace ReelCore {
 
 namespace {
 
-std::string escaped(std::string_view text) {
-    std::string result;
-    for (const char c : Text::wellFormedXML(text)) {
-        switch (c) {
-            case '&':
-                result += "&amp;";
-                break;
-            case '<':
-                result += "&lt;";
-                break;
-            case '>':
-                result += "&gt;";
-                break;
-            case '"':
-                result += "&quot;";
-                break;
-            default:
-                result += c;
-        }
-    }
-    return result;
-}
-
 /// The one format that all of a timeline's times are in.
 struct Format {
     FrameRate rate = FrameRate::fps24;
@@ -77,8 +54,8 @@ private:
             <media-rep kind="original-media" src="{}"/>
         </asset>
 )",
-                entry->second, escaped(lastPathComponent(url)), FCP::time(duration, rate_), content,
-                absoluteString(url));
+                entry->second, Text::escapedXML(lastPathComponent(url)), FCP::time(duration, rate_),
+                content, absoluteString(url));
         }
         return entry->second;
     }
@@ -93,8 +70,8 @@ std::string clipXML(const SyncGroup& group, double offset, const Format& format,
     const std::string duration = FCP::time(video.duration, format.rate);
     const std::string clip = fmt::format(
         R"(<asset-clip ref="{}" offset="{}" name="{}" duration="{}" format="r1" tcFormat="{}")",
-        assets.idOf(video), FCP::time(offset, format.rate), escaped(video.name()), duration,
-        format.timecodeFormat());
+        assets.idOf(video), FCP::time(offset, format.rate), Text::escapedXML(video.name()),
+        duration, format.timecodeFormat());
     const auto best = group.best();
     if (!best) return fmt::format("                {}/>\n", clip);
     return fmt::format(
@@ -137,8 +114,8 @@ std::string FCPXMLWriter::fcpxml(const SyncResult& result, std::string_view proj
     </library>
 </fcpxml>)",
         FCP::frameDurationString(format.rate), format.width, format.height, assets.xml(),
-        escaped(event), escaped(project), FCP::time(offset, format.rate), format.timecodeFormat(),
-        clips);
+        Text::escapedXML(event), Text::escapedXML(project), FCP::time(offset, format.rate),
+        format.timecodeFormat(), clips);
 }
 
 URL FCPXMLWriter::write(const SyncResult& result, const URL& url, std::string_view project) {

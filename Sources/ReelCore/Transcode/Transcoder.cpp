@@ -6,7 +6,7 @@
 #include "ReelCore/Platform/Number.h"
 #include "ReelCore/Platform/RunningChild.h"
 #include "ReelCore/Platform/TemporaryPath.h"
-#include "ReelCore/Transcode/FFmpegLog.h"
+#include "ReelCore/Platform/ToolLog.h"
 #include "ReelCore/Transcode/MediaQuery.h"
 #include "ReelCore/Transcode/PlainLUT.h"
 #include "ReelCore/Transcode/ProgressReports.h"
@@ -114,7 +114,7 @@ TranscodeResult Transcoder::run(
 
     std::optional<PlainLUT> lut;
     if (request.lut) lut.emplace(request.lut->url);
-    const FFmpegLog log;
+    const ToolLog log("keldo-ffmpeg-");
     RunningChild child(*ffmpeg, arguments(forTool(request, lut), toolPath(result.outputURL)),
                        {.output = ChildStream::pipe(), .error = ChildStream::file(log.file())});
     ProgressReports reports(
@@ -124,7 +124,7 @@ TranscodeResult Transcoder::run(
         throw TranscodeError(TranscodeError::Cancelled{});
     }
     const int status = child.wait();
-    const FFmpegComplaints complaints = log.complaints();
+    const ToolComplaints complaints = log.complaints();
     if (status != 0 || complaints.tellOfFailedDrive()) {
         throw TranscodeError(TranscodeError::FFmpegFailed{status, complaints.tail()});
     }

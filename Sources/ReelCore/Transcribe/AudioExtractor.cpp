@@ -5,7 +5,7 @@
 #include "ReelCore/Platform/RunningChild.h"
 #include "ReelCore/Platform/Split.h"
 #include "ReelCore/Platform/Text.h"
-#include "ReelCore/Transcode/FFmpegComplaints.h"
+#include "ReelCore/Platform/ToolComplaints.h"
 #include "ReelCore/Transcode/MediaQuery.h"
 #include "ReelCore/Transcribe/TranscribeError.h"
 
@@ -27,7 +27,7 @@ void runFFmpeg(const URL& ffmpeg, const Arguments& arguments) {
     constexpr std::int64_t tailLength = 500;
     RunningChild child(ffmpeg, arguments,
                        {.output = ChildStream::nowhere(), .error = ChildStream::pipe()});
-    FFmpegComplaints complaints;
+    ToolComplaints complaints;
     child.readAll([&](std::string_view piece) { complaints.take(piece); });
     if (child.wait() == 0 && !complaints.tellOfFailedDrive()) return;
     const std::string said = complaints.lastText();

@@ -18,24 +18,24 @@ namespace ReelCore {
 
 /// What a transcript is to be made of.
 struct TranscribeRequest {
-    URL input;                           ///< A clip or a sound file.
-    std::vector<SpeakerTrack> speakers;  ///< With `diarize`, only counted.
-    URL outputDirectory;
-    std::optional<Timecode> startTimecodeOverride;  ///< Instead of the clip's own.
+    URL input = {};                           ///< A clip or a sound file.
+    std::vector<SpeakerTrack> speakers = {};  ///< With `diarize`, only counted.
+    URL outputDirectory = {};
+    std::optional<Timecode> startTimecodeOverride = {};  ///< Instead of the clip's own.
     bool readSlate = true;
     bool appearanceHints = true;
-    std::optional<DiarizationOptions> diarize;  ///< Present: voices are told apart in one mix.
-    std::optional<URL> modelOverride;           ///< A speech model instead of the located one.
+    std::optional<DiarizationOptions> diarize = {};  ///< Present: voices are told apart in one mix.
+    std::optional<URL> modelOverride = {};           ///< A speech model instead of the located one.
 };
 
 /// A clip's dialogue, line by line, with what is known about who speaks.
 struct Transcript {
-    std::vector<TranscriptSegment> segments;      ///< In reading order.
-    Timecode startTimecode{0, FrameRate::fps24};  ///< Of second 0 of the source.
-    FrameRate frameRate = FrameRate::fps24;       ///< The clip's own.
-    std::string sourceName;                       ///< With its extension.
-    std::optional<SlateInfo> slate;
-    std::map<std::string, AppearanceHint> appearances;  ///< By the speaker's label.
+    std::vector<TranscriptSegment> segments = {};  ///< In reading order.
+    Timecode startTimecode{0, FrameRate::fps24};   ///< Of second 0 of the source.
+    FrameRate frameRate = FrameRate::fps24;        ///< The clip's own.
+    std::string sourceName = {};                   ///< With its extension.
+    std::optional<SlateInfo> slate = {};
+    std::map<std::string, AppearanceHint> appearances = {};  ///< By the speaker's label.
 
     /// Where a line begins, to the nearest frame. Throws OutOfRange beyond 64 bits.
     Timecode timecode(const TranscriptSegment& segment) const;

@@ -3,10 +3,10 @@
 #include "ReelCore/Models/UniquePath.h"
 #include "ReelCore/Platform/Number.h"
 #include "ReelCore/Platform/RunningChild.h"
+#include "ReelCore/Platform/ToolComplaints.h"
 #include "ReelCore/Sync/ALEWriter.h"
 #include "ReelCore/Sync/FCPXMLWriter.h"
 #include "ReelCore/Sync/Synchronizer.h"
-#include "ReelCore/Transcode/FFmpegComplaints.h"
 
 #include <algorithm>
 #include <utility>
@@ -51,7 +51,7 @@ bool muxOne(const SyncGroup& group, const SyncGroup::Match& sound, const URL& fo
                                               (group.video.url.stem().native() + "_synced.mov"));
         ReelCore::RunningChild child(ffmpeg, muxArguments(group, sound, output.url()),
                                      {.error = ReelCore::ChildStream::pipe()});
-        ReelCore::FFmpegComplaints complaints;
+        ReelCore::ToolComplaints complaints;
         child.readAll([&](std::string_view bytes) { complaints.take(bytes); });
         return child.wait() == 0 && !complaints.tellOfFailedDrive();
     } catch (const std::exception&) {

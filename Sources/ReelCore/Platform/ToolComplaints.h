@@ -5,9 +5,9 @@
 
 namespace ReelCore {
 
-/// What one run of ffmpeg says on its standard error, taken in as it comes. A damaged clip can make
-/// it complain for hours: every line is looked at, and only the last 256 KiB are held.
-class FFmpegComplaints {
+/// What one run of a tool says on its standard error, taken in as it comes. A damaged clip can make
+/// ffmpeg complain for hours: every line is looked at, and only the last 256 KiB are held.
+class ToolComplaints {
 public:
     /// The next bytes, cut anywhere.
     void take(std::string_view bytes);
@@ -19,8 +19,8 @@ public:
     /// name, become U+FFFD.
     std::string tail() const;
 
-    /// True if a drive failed or ran full. ffmpeg then ends what it has and, unless that fails at
-    /// once, calls it a success.
+    /// True if ffmpeg says that a drive failed or ran full. It then ends what it has and, unless
+    /// that fails at once, calls it a success.
     bool tellOfFailedDrive() const;
 
 private:

@@ -1,4 +1,4 @@
-#include "ReelCore/Transcode/FFmpegLog.h"
+#include "ReelCore/Platform/ToolLog.h"
 
 #include "ReelCore/Platform/Error.h"
 
@@ -15,12 +15,13 @@ constexpr std::size_t blockBytes = 262'144;
 
 }  // namespace
 
-FFmpegLog::FFmpegLog() : path_("keldo-ffmpeg-", ".log"), file_(File::create(path_.url())) {
+ToolLog::ToolLog(std::string_view prefix)
+    : path_(prefix, ".log"), file_(File::create(path_.url())) {
     file_.reserve(reservedBytes);
 }
 
-FFmpegComplaints FFmpegLog::complaints() const {
-    FFmpegComplaints complaints;
+ToolComplaints ToolLog::complaints() const {
+    ToolComplaints complaints;
     try {
         const File file = File::openForReading(path_.url());
         std::string block(blockBytes, '\0');

@@ -1,4 +1,4 @@
-#include "ReelCore/Transcode/FFmpegComplaints.h"
+#include "ReelCore/Platform/ToolComplaints.h"
 
 #include "ReelCore/Platform/DriveFailure.h"
 #include "ReelCore/Platform/Split.h"
@@ -41,7 +41,7 @@ std::string fromACharactersBeginning(const std::string& text) {
 
 }  // namespace
 
-void FFmpegComplaints::take(std::string_view bytes) {
+void ToolComplaints::take(std::string_view bytes) {
     // Of an endless line, the end.
     constexpr std::size_t mostOfALine = 4096;
     last_ += bytes;
@@ -56,19 +56,19 @@ void FFmpegComplaints::take(std::string_view bytes) {
     keepLast(line_, mostOfALine);
 }
 
-std::string FFmpegComplaints::lastText() const {
+std::string ToolComplaints::lastText() const {
     if (last_.size() <= mostBytes) return last_;
     return fromACharactersBeginning(last_.substr(last_.size() - mostBytes));
 }
 
-std::string FFmpegComplaints::tail() const {
+std::string ToolComplaints::tail() const {
     const std::string text = lastText();
     std::vector<std::string_view> lines = piecesOf(text, "\n");
     if (lines.size() > mostLines) lines.erase(lines.begin(), lines.end() - mostLines);
     return Text::wellFormed(fmt::format("{}", fmt::join(lines, "\n")));
 }
 
-bool FFmpegComplaints::tellOfFailedDrive() const {
+bool ToolComplaints::tellOfFailedDrive() const {
     return driveHasFailed_ || endsWithFailedDrive(line_);
 }
 
