@@ -80,10 +80,10 @@ public:
     /// The folder is made, for the key and its certificate.
     explicit EncryptedServers(const ReelCore::URL& keys) {
         std::filesystem::create_directories(keys);
-        TestSupport::outputOf("openssl",
-                              {"req", "-x509", "-newkey", "rsa:2048", "-nodes", "-days", "2",
-                               "-subj", "/CN=localhost", "-addext", "subjectAltName=DNS:localhost",
-                               "-keyout", keys / "key", "-out", keys / "certificate"});
+        TestSupport::outputOf(
+            "openssl", {"req", "-x509", "-newkey", "rsa:2048", "-nodes", "-days", "2", "-subj",
+                        "/CN=localhost", "-addext", "subjectAltName=DNS:localhost", "-keyout",
+                        keys / "key", "-out", keys / "certificate"});
         const QByteArray key = QByteArray::fromStdString(TestSupport::readFile(keys / "key"));
         const auto certificates = QSslCertificate::fromPath((keys / "certificate").c_str());
         own_.setLocalCertificate(certificates.constFirst());
