@@ -10,6 +10,21 @@
 
 #include <QtQml/qqmlregistration.h>
 
+/// A list of a view model in one line: a property for QML, `name()` for C++, and `name_` for the
+/// view model itself.
+#define KELDO_ROWS(Row, name)                                       \
+    Q_PROPERTY(keldo_app::RowModel* name READ name##Model CONSTANT) \
+public:                                                             \
+    const keldo_app::Rows<Row>& name() const {                      \
+        return name##_;                                             \
+    }                                                               \
+                                                                    \
+private:                                                            \
+    keldo_app::RowModel* name##Model() {                            \
+        return &name##_;                                            \
+    }                                                               \
+    keldo_app::Rows<Row> name##_;
+
 namespace keldo_app {
 
 /// A list as QML sees it.
@@ -46,6 +61,15 @@ public:
     QVariant data(const QModelIndex& index, int role) const override {
         if (!checkIndex(index, CheckIndexOption::IndexIsValid)) return {};
         return property(role).readOnGadget(&rows_[static_cast<std::size_t>(index.row())]);
+    }
+
+    /// As `model.name = …` in a delegate does.
+    bool setData(const QModelIndex& index, const QVariant& value, int role) override {
+        if (!checkIndex(index, CheckIndexOption::IndexIsValid)) return false;
+        Row& row = rows_[static_cast<std::size_t>(index.row())];
+        if (!property(role).writeOnGadget(&row, value)) return false;
+        emit dataChanged(index, index, {role});
+        return true;
     }
 
     QHash<int, QByteArray> roleNames() const override {
