@@ -30,7 +30,7 @@ def mel_filters(bands):
 def write(path, sizes, words, tensors):
     """`sizes`: of vocabulary, audio context, state, audio heads and layers, text context, state,
     heads and layers, mel bands. `words`: the text of the first tokens, as bytes. `tensors`: name,
-    shape, F32 or F16, and the bytes, or None for zeros, which take no space on the disk."""
+    shape, F32 or F16, and the bytes."""
     with open(path, "wb") as file:
         file.write(struct.pack("<12i", MAGIC, *sizes, F16))
         filters = mel_filters(sizes[-1])
@@ -42,12 +42,8 @@ def write(path, sizes, words, tensors):
             file.write(struct.pack("<i", len(word)) + word)
         for name, shape, kind, data in tensors:
             size = math.prod(shape) * (2 if kind == F16 else 4)
-            if data is not None and len(data) != size:
+            if len(data) != size:
                 raise ValueError(f"{name} has {len(data)} bytes instead of {size}")
             file.write(struct.pack("<3i", len(shape), len(name), kind))
             file.write(struct.pack(f"<{len(shape)}i", *reversed(shape)) + name.encode())
-            if data is None:
-                file.seek(size, 1)
-            else:
-                file.write(data)
-        file.truncate(file.tell())
+            file.write(data)
