@@ -64,4 +64,8 @@ Card {
             onClicked: card.sync.reveal()
         }
     }
+    Notices {
+        objectName: "sync.muxShortened"
+        lines: card.sync.muxShortened === "" ? [] : [card.sync.muxShortened]
+    }
 }
