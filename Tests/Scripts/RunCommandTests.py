@@ -59,6 +59,10 @@ class RunCommandTests(unittest.TestCase):
                          [f"{self.tree}/data/keldobay/bin/whisper-cli",
                           f"{self.tree}/data/keldobay/python/bin/python3"])
 
+    def test_DataHomeIsRelative_DoesNotCount(self):
+        self.install()
+        self.assertEqual(self.run_it(XDG_DATA_HOME="data")[0], f"{self.tools}/bin/whisper-cli")
+
     def test_VariableIsSet_IsLeftAlone(self):
         self.install()
         self.assertEqual(self.run_it(KELDO_PYTHON="/own/python3"),
