@@ -24,6 +24,7 @@ RowLayout {
         name: row.symbol
         color: row.color
         size: row.symbolSize
+        Layout.alignment: row.detailIsName ? Qt.AlignVCenter : Qt.AlignTop
     }
     ColumnLayout {
         spacing: 0

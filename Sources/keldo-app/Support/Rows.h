@@ -3,8 +3,10 @@
 #include <QAbstractListModel>
 #include <QHash>
 #include <QMetaProperty>
+#include <algorithm>
 #include <concepts>
 #include <cstddef>
+#include <iterator>
 #include <utility>
 #include <vector>
 
@@ -85,6 +87,16 @@ public:
         const int at = rowCount();
         beginInsertRows({}, at, at);
         rows_.push_back(std::move(row));
+        endInsertRows();
+        emit countChanged();
+    }
+
+    /// Many at once are told of at once.
+    void appendAll(std::vector<Row> rows) {
+        if (rows.empty()) return;
+        const int at = rowCount();
+        beginInsertRows({}, at, at + static_cast<int>(rows.size()) - 1);
+        std::ranges::move(rows, std::back_inserter(rows_));
         endInsertRows();
         emit countChanged();
     }

@@ -137,7 +137,7 @@ TEST_F(NoFFmpegTests, Transcode_SaysWhatItNeedsAndStillShowsTheCommand) {
         addClips({place("a.mov")});
         choose("transcode.output.choose", place("out"));
         EXPECT_TRUE(driver_->text("transcode.preview").startsWith("ffmpeg "));
-        EXPECT_EQ(driver_->text("transcode.startNeeds"), "ffmpeg is missing.");
+        EXPECT_EQ(driver_->text("transcode.startRow.needs"), "ffmpeg is missing.");
         EXPECT_FALSE(driver_->isEnabled("transcode.start"));
         driver_->key(Qt::Key_Return);
         EXPECT_FALSE(driver_->isShown("transcode.running"));

@@ -13,7 +13,7 @@ using WindowSupport::longestBlockOf;
 namespace {
 
 #if defined(NDEBUG) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
-constexpr qint64 longestBlock = 100;
+constexpr qint64 longestBlock = 50;
 #else
 // A debug or sanitized build is that much slower, and only shows that nothing goes wrong.
 constexpr qint64 longestBlock = 1'000;

@@ -46,6 +46,19 @@ TEST_F(RowsTests, Append_TellsOfTheNewRowAlone) {
     EXPECT_EQ(rows_.count(), 3);
 }
 
+TEST_F(RowsTests, AppendAll_TellsOnceOfAllNewRows) {
+    QSignalSpy inserted(&rows_, &QAbstractItemModel::rowsInserted);
+    QSignalSpy counted(&rows_, &keldo_app::RowModel::countChanged);
+    rows_.appendAll({});
+    EXPECT_EQ(inserted.count(), 0);
+    rows_.appendAll({{"plum", 3}, {"fig", 4}});
+    ASSERT_EQ(inserted.count(), 1);
+    EXPECT_EQ(inserted.first().at(1), 2);
+    EXPECT_EQ(inserted.first().at(2), 3);
+    EXPECT_EQ(counted.count(), 1);
+    EXPECT_EQ(at(3, "name"), "fig");
+}
+
 TEST_F(RowsTests, Remove_TakesThatRowAlone) {
     QSignalSpy removed(&rows_, &QAbstractItemModel::rowsRemoved);
     rows_.remove(0);
