@@ -84,7 +84,7 @@ ColumnLayout {
                     required property var model
                     width: parent.width
                     spacing: Theme.medium
-                    NameText { objectName: "transcript.original." + speaker.index; name: speaker.model.original || "—"; Layout.maximumWidth: Theme.labelWidth }
+                    NameText { objectName: "transcript.original." + speaker.index; name: speaker.model.original || "—"; Layout.fillWidth: false; Layout.preferredWidth: Theme.labelWidth }
                     Symbol { name: "arrow.right"; color: Theme.secondary }
                     InputField { objectName: "transcript.name." + speaker.index; name: "Name of " + speaker.model.original; text: speaker.model.name; Layout.maximumWidth: Theme.choiceWidth; onTextEdited: speaker.model.name = text }
                     Note { objectName: "transcript.note." + speaker.index; text: speaker.model.note }
@@ -102,6 +102,7 @@ ColumnLayout {
         title: "Preview — click a speaker to reassign the line"
         systemImage: "doc.text"
 
+        Note { objectName: "transcript.nothing"; visible: lines.count === 0; font: Theme.body; text: "Nothing was heard in this clip." }
         BoundedList {
             id: lines
             objectName: "transcript.lines"
@@ -111,47 +112,53 @@ ColumnLayout {
             model: view.transcript.editedSegments
             activeFocusOnTab: true
             highlightMoveDuration: 0
+            onCountChanged: currentIndex = 0
             // The arrows go from line to line; Page Up and Page Down scroll.
             Keys.onUpPressed: decrementCurrentIndex()
             Keys.onDownPressed: incrementCurrentIndex()
-            delegate: RowLayout {
+            delegate: FocusScope {
                 id: line
                 required property int index
                 required property string bucket
                 required property string timecode
                 required property string text
                 width: lines.rowWidth
-                spacing: Theme.medium
-                PlainText { objectName: "transcript.lineTC." + line.index; text: line.timecode; color: Theme.secondary; font: Theme.code; Layout.alignment: Qt.AlignTop; Layout.topMargin: Theme.small }
-                ActionButton {
-                    id: button
-                    objectName: "transcript.lineSpeaker." + line.index
-                    text: view.nameOf(line.bucket)
-                    details: line.timecode + " " + line.text
-                    trailingSymbol: "chevron.down"
-                    spokenRole: Accessible.ButtonMenu
-                    focus: true
-                    activeFocusOnTab: false
-                    Layout.preferredWidth: Theme.typedWidth
-                    Layout.alignment: Qt.AlignTop
-                    onClicked: {
-                        lines.currentIndex = line.index;
-                        speakers.parent = button;
-                        speakers.line = line.index;
-                        speakers.currentIndex = view.buckets.indexOf(line.bucket);
-                        speakers.open();
+                implicitHeight: row.implicitHeight
+
+                RowLayout {
+                    id: row
+                    width: parent.width
+                    spacing: Theme.medium
+                    PlainText { objectName: "transcript.lineTC." + line.index; text: line.timecode; color: Theme.secondary; font: Theme.code; Layout.alignment: Qt.AlignTop; Layout.topMargin: Theme.small }
+                    ActionButton {
+                        id: button
+                        objectName: "transcript.lineSpeaker." + line.index
+                        text: view.nameOf(line.bucket)
+                        details: line.timecode + " " + line.text
+                        trailingSymbol: "chevron.down"
+                        spokenRole: Accessible.ButtonMenu
+                        focus: true
+                        activeFocusOnTab: false
+                        Layout.preferredWidth: Theme.typedWidth
+                        Layout.alignment: Qt.AlignTop
+                        onClicked: speakers.openAt(line.index, line.bucket, button)
                     }
+                    Note { objectName: "transcript.lineText." + line.index; text: line.text; font: Theme.body; color: Theme.primary; Layout.topMargin: Theme.tiny + 2 }
                 }
-                Note { objectName: "transcript.lineText." + line.index; text: line.text; font: Theme.body; color: Theme.primary; Layout.topMargin: Theme.tiny + 2 }
             }
         }
         // One for all lines.
         ChoiceList {
             id: speakers
-            property int line: -1
+            function openAt(line, bucket, button) {
+                lines.currentIndex = line;
+                currentIndex = view.buckets.indexOf(bucket);
+                parent = button;
+                open();
+            }
             name: "Speaker"
             labels: view.buckets.map(bucket => view.nameOf(bucket))
-            onChosen: index => view.transcript.reassign(line, view.buckets[index])
+            onChosen: index => view.transcript.reassign(lines.currentIndex, view.buckets[index])
         }
     }
 }

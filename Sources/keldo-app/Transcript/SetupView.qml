@@ -18,14 +18,7 @@ ColumnLayout {
         title: "Clip"
         systemImage: "film"
 
-        PathRow {
-            objectName: "transcript.input"
-            path: view.transcript.input.path
-            placeholder: "No clip selected"
-            buttonText: "Choose"
-            buttonDescription: "Choose a clip to transcribe"
-            onChosen: view.transcript.chooseInput()
-        }
+        PathRow { objectName: "transcript.input"; path: view.transcript.input.path; placeholder: "No clip selected"; buttonText: "Choose"; buttonDescription: "Choose a clip to transcribe"; onChosen: view.transcript.chooseInput() }
         Busy { objectName: "transcript.probing"; visible: view.isProbing; text: "Reading audio tracks & timecode…" }
         Badges {
             visible: view.hasClip && !view.isProbing
@@ -34,9 +27,7 @@ ColumnLayout {
         }
         Note { objectName: "transcript.local"; text: "Audio stays on this Mac — Whisper runs locally." }
     }
-    SpeakersCard {
-        transcript: view.transcript
-    }
+    SpeakersCard { transcript: view.transcript }
     Card {
         objectName: "transcript.analysisCard"
         title: "Analysis (on-device)"
@@ -44,9 +35,9 @@ ColumnLayout {
 
         Note { objectName: "transcript.analysisNote"; text: "All analysis runs locally with Apple Vision — nothing leaves this Mac." }
         Toggle { objectName: "transcript.readSlate"; text: "Read the slate"; on: view.transcript.readSlate; onSwitched: on => view.transcript.readSlate = on }
-        Note { objectName: "transcript.slateNote"; text: "OCR the clapperboard from the clip head — Scene / Take / Roll / Director." }
+        Note { objectName: "transcript.slateNote"; Layout.leftMargin: Theme.huge; text: "OCR the clapperboard from the clip head — Scene / Take / Roll / Director." }
         Toggle { objectName: "transcript.hints"; text: "Appearance hints per speaker"; on: view.transcript.appearanceHints; onSwitched: on => view.transcript.appearanceHints = on }
-        Note { objectName: "transcript.hintsNote"; text: "Sample a frame while each speaker talks and note the person on camera (e.g. “in blue”) for you to confirm." }
+        Note { objectName: "transcript.hintsNote"; Layout.leftMargin: Theme.huge; text: "Sample a frame while each speaker talks and note the person on camera (e.g. “in blue”) for you to confirm." }
     }
     Card {
         objectName: "transcript.modelCard"
@@ -56,13 +47,8 @@ ColumnLayout {
         FormRow {
             visible: view.transcript.models.length > 0
             label: "Model"
-            Picker {
-                objectName: "transcript.model"
-                name: "Model"
-                labels: view.transcript.models
-                currentIndex: view.transcript.modelIndex
-                onChosen: index => view.transcript.modelIndex = index
-            }
+            labelWidth: Theme.typedWidth
+            Picker { objectName: "transcript.model"; name: "Model"; labels: view.transcript.models; currentIndex: view.transcript.modelIndex; onChosen: index => view.transcript.modelIndex = index }
         }
         Note { objectName: "transcript.noModels"; visible: view.transcript.models.length === 0; font: Theme.body; text: "No models installed." }
         Note { objectName: "transcript.modelElsewhere"; visible: view.transcript.modelIndex < 0 && view.transcript.selectedModel.path !== ""; text: "Now in use: " + view.transcript.selectedModel.path }
@@ -84,20 +70,10 @@ ColumnLayout {
         title: "Output"
         systemImage: "doc.text"
 
-        PathRow {
-            objectName: "transcript.output"
-            path: view.transcript.outputDir.path
-            placeholder: "No folder selected"
-            buttonText: "Choose"
-            buttonDescription: "Choose output folder"
-            onChosen: view.transcript.chooseOutput()
-        }
+        PathRow { objectName: "transcript.output"; path: view.transcript.outputDir.path; placeholder: "No folder selected"; buttonText: "Choose"; buttonDescription: "Choose output folder"; onChosen: view.transcript.chooseOutput() }
         Note { objectName: "transcript.outputNote"; text: "Produces a two-column Word document: time-of-day timecode + speaker on the left, dialogue on the right." }
     }
-    Notices {
-        objectName: "transcript.objection"
-        lines: view.transcript.objection === "" ? [] : [view.transcript.objection]
-    }
+    Notices { objectName: "transcript.objection"; lines: view.transcript.objection === "" ? [] : [view.transcript.objection] }
     RowLayout {
         spacing: Theme.medium
         Note {
@@ -108,12 +84,6 @@ ColumnLayout {
                 : !view.transcript.hasVoices ? ["Diarization is not set up.", "No channel is on.", "No audio files yet."][view.transcript.speakerMode]
                 : view.transcript.outputDir.path === "" ? "No output folder yet." : ""
         }
-        DefaultButton {
-            objectName: "transcript.start"
-            text: "Create Transcript"
-            symbol: "play.fill"
-            enabled: view.transcript.canStart
-            onClicked: view.transcript.start()
-        }
+        DefaultButton { objectName: "transcript.start"; text: "Create Transcript"; symbol: "play.fill"; enabled: view.transcript.canStart; onClicked: view.transcript.start() }
     }
 }

@@ -21,13 +21,7 @@ Card {
     FormRow {
         label: "How to find speakers"
         labelWidth: Theme.typedWidth
-        SegmentedControl {
-            objectName: "transcript.mode"
-            name: "How to find speakers"
-            labels: ["Auto-detect", "ISO channels", "Separate files"]
-            currentIndex: card.mode
-            onChosen: index => card.transcript.speakerMode = index
-        }
+        SegmentedControl { objectName: "transcript.mode"; name: "How to find speakers"; labels: ["Auto-detect", "ISO channels", "Separate files"]; currentIndex: card.mode; onChosen: index => card.transcript.speakerMode = index }
     }
     Note {
         objectName: "transcript.modeNote"
@@ -39,14 +33,8 @@ Card {
         visible: card.isDiarizing
         label: "Number of people"
         labelWidth: Theme.typedWidth
-        Picker {
-            objectName: "transcript.people"
-            name: "Number of people"
-            // More than a dozen voices in one mix nobody tells apart.
-            labels: ["Auto (count faces)", ...Array.from({length: 12}, (_, index) => String(index + 1))]
-            currentIndex: card.people
-            onChosen: index => card.transcript.numSpeakers = index
-        }
+        // More than a dozen voices in one mix nobody tells apart.
+        Picker { objectName: "transcript.people"; name: "Number of people"; labels: ["Auto (count faces)", ...Array.from({length: 12}, (_, index) => String(index + 1))]; currentIndex: card.people; onChosen: index => card.transcript.numSpeakers = index }
     }
     Note {
         objectName: "transcript.peopleNote"
@@ -56,10 +44,10 @@ Card {
     }
     Notices {
         objectName: "transcript.diarization"
-        lines: !card.isDiarizing || card.transcript.diarizeReady ? [] : [
-            "Diarization not set up — install with `python3 -m pip install --user sherpa-onnx numpy` and add the diarization models. (Slate/appearance still work.)",
-            "On this system, Scripts/install-transcript sets up both: a python environment of its own, and the models in " + card.transcript.modelsFolder + "/diarization."]
+        lines: !card.isDiarizing || card.transcript.diarizeReady ? []
+             : ["Diarization not set up — install with `python3 -m pip install --user sherpa-onnx numpy` and add the diarization models. (Slate/appearance still work.)"]
     }
+    Note { objectName: "transcript.diarizationHere"; visible: card.isDiarizing && !card.transcript.diarizeReady; text: "On this system, Scripts/install-transcript sets up both: a python environment of its own, and the models in " + card.transcript.modelsFolder + "/diarization." }
     Column {
         visible: card.mode === TranscriptViewModel.SpeakerMode.iso && card.transcript.speakers.count > 0
         spacing: Theme.small
@@ -72,13 +60,7 @@ Card {
                 required property int index
                 required property var model
                 width: parent.width
-                Toggle {
-                    objectName: "transcript.channel." + channel.index
-                    text: "Ch " + (channel.index + 1)
-                    on: channel.model.isEnabled
-                    Layout.maximumWidth: Theme.labelWidth
-                    onSwitched: on => channel.model.isEnabled = on
-                }
+                Toggle { objectName: "transcript.channel." + channel.index; text: "Ch " + (channel.index + 1); on: channel.model.isEnabled; Layout.maximumWidth: Theme.labelWidth; onSwitched: on => channel.model.isEnabled = on }
                 InputField { objectName: "transcript.channelName." + channel.index; name: "Name of channel " + (channel.index + 1); placeholderText: "Name"; text: channel.model.name; onTextEdited: channel.model.name = text }
             }
         }
@@ -98,7 +80,7 @@ Card {
                 width: parent.width
                 title: model.fileName
                 symbol: "waveform"
-                InputField { objectName: "transcript.fileName." + file.index; name: "Speaker in " + file.title; placeholderText: "Name"; text: file.model.name; onTextEdited: file.model.name = text }
+                InputField { objectName: "transcript.fileName." + file.index; name: "Speaker in " + file.title; placeholderText: "Name"; text: file.model.name; Layout.fillWidth: false; Layout.preferredWidth: Theme.choiceWidth; onTextEdited: file.model.name = text }
                 IconButton { objectName: "transcript.removeFile." + file.index; symbol: "minus.circle.fill"; text: "Remove " + file.title; color: Theme.danger; onClicked: card.transcript.removeFile(file.index) }
             }
         }

@@ -8,19 +8,19 @@ namespace keldo_app {
 
 namespace {
 
-TranscriptUIEvent endOf(const ReelCore::TranscribeRequest& request, const CancellationFlag& cancel,
-                        const std::function<void(TranscriptUIEvent)>& send) {
-    try {
-        const ReelCore::TranscriptBuilder builder([&] { return cancel.isSet(); });
-        auto [transcript, document] =
-            builder.run(request, [&](const ReelCore::TranscribeProgress& progress) {
-                send({TranscriptUIEvent::Progress{std::string(rawValue(progress.phase)),
-                                                  progress.speaker}});
-            });
-        return {TranscriptUIEvent::Finished{std::move(transcript), std::move(document)}};
-    } catch (const std::exception& error) {
-        return {TranscriptUIEvent::Failed{error.what()}};
-    }
+using Send = std::function<void(TranscriptUIEvent)>;
+
+/// The use ends with the work, also where that fails.
+TranscriptUIEvent transcribe(const ReelCore::TranscribeRequest& request,
+                             const CancellationFlag& cancel, InUse::Token /*inUse*/,
+                             const Send& send) {
+    const ReelCore::TranscriptBuilder builder([&] { return cancel.isSet(); });
+    auto [transcript,
+          document] = builder.run(request, [&](const ReelCore::TranscribeProgress& progress) {
+        send(
+            {TranscriptUIEvent::Progress{std::string(rawValue(progress.phase)), progress.speaker}});
+    });
+    return {TranscriptUIEvent::Finished{std::move(transcript), std::move(document)}};
 }
 
 }  // namespace
@@ -33,9 +33,7 @@ Job<TranscriptUIEvent> TranscriptJobs::run(ReelCore::TranscribeRequest request,
         {.run =
              [request = std::move(request), cancel,
               inUse = std::move(inUse)](const auto& send) mutable {
-                 auto end = endOf(request, *cancel, send);
-                 inUse.reset();
-                 send(std::move(end));
+                 send(transcribe(request, *cancel, std::move(inUse), send));
              },
          .consume = std::move(consume),
          .failed =

@@ -169,7 +169,6 @@ void TranscriptViewModel::start() {
     if (!canStart()) return;
     cancelFlag_->clear();
     isCancelling_ = false;
-    dropResult();
     job_ = TranscriptJobs::run(request(), cancelFlag_, InUse::shared().take(usesOf(request())),
                                [this](const TranscriptUIEvent& event) { apply(event); });
     stage_ = Stage::running;
@@ -186,13 +185,10 @@ void TranscriptViewModel::apply(const TranscriptUIEvent& event) {
     if (const auto* progress = std::get_if<TranscriptUIEvent::Progress>(&event.value)) {
         progressPhase_ = Format::text(progress->phase);
         progressSpeaker_ = Format::text(progress->speaker.value_or(""));
+    } else if (const auto* result = std::get_if<TranscriptUIEvent::Finished>(&event.value)) {
+        publish(*result);
     } else {
-        const auto* result = std::get_if<TranscriptUIEvent::Finished>(&event.value);
-        if (result)
-            publish(*result);
-        else
-            errorMessage_ =
-                Format::text(std::get<TranscriptUIEvent::Failed>(event.value).description);
+        errorMessage_ = Format::text(std::get<TranscriptUIEvent::Failed>(event.value).description);
         stage_ = Stage::finished;
     }
     emit changed();
@@ -218,6 +214,7 @@ void TranscriptViewModel::publish(const TranscriptUIEvent::Finished& result) {
             {Format::text(line.speaker), Format::text(timecode), Format::text(line.text)});
     }
     editedSegments_.reset(std::move(lines));
+    stage_ = Stage::finished;
 }
 
 std::vector<std::string> TranscriptViewModel::distinctSpeakers(
@@ -313,12 +310,6 @@ void TranscriptViewModel::revealDocx() {
 
 void TranscriptViewModel::reset() {
     if (stage_ == Stage::running) return;
-    dropResult();
-    stage_ = Stage::setup;
-    emit changed();
-}
-
-void TranscriptViewModel::dropResult() {
     rewriteJob_.reset();
     isSaving_ = false;
     transcript_.reset();
@@ -328,6 +319,8 @@ void TranscriptViewModel::dropResult() {
     editableSpeakers_.reset();
     editedSegments_.reset();
     appearancesByBucket_.clear();
+    stage_ = Stage::setup;
+    emit changed();
 }
 
 }  // namespace keldo_app

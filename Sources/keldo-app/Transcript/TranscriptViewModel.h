@@ -87,7 +87,6 @@ public:
     const bool available = whisperReady && ffmpegReady;
     const bool diarizeReady = ReelCore::DiarizationModels().isAvailable();
     const QString modelsFolder = Format::path(ReelCore::WhisperLocator::modelsDirectory());
-
     /// What stands before a model's name where models are fetched. Tests have a server of their
     /// own.
     QString modelSource = "https://huggingface.co/ggerganov/whisper.cpp/resolve/main/ggml-";
@@ -127,13 +126,15 @@ public:
     QString objection() const;
     bool canStart() const;
 
-    /// Empty where no field of the slate is known.
-    QString slateLine() const;
+    QString startTimecode() const;
+    QString slateLine() const;  ///< Empty where no field of the slate is known.
+    bool hasHints() const { return !appearancesByBucket_.empty(); }
     /// The speakers in order of first appearance, without what is no speech.
     static std::vector<std::string> distinctSpeakers(const ReelCore::Transcript& transcript);
     /// The buckets that a line can be moved to: the speakers, then what is no speech.
     QStringList assignableBuckets() const;
     QString displayName(const QString& bucket) const;
+    QVariantMap displayNames() const;
 
     Q_INVOKABLE void chooseInput();
     Q_INVOKABLE void addFiles();
@@ -155,16 +156,11 @@ public:
 private:
     using ClipInfo = ReelCore::AudioExtractor::ClipInfo;
 
-    QString startTimecode() const;
-    bool hasHints() const { return !appearancesByBucket_.empty(); }
-    QVariantMap displayNames() const;
-
     void publish(const ClipInfo& clip);
     void publish(const TranscriptUIEvent::Finished& result);
     void apply(const TranscriptUIEvent& event);
     ReelCore::TranscribeRequest request() const;
     ReelCore::Transcript edited() const;
-    void dropResult();
     void endDownload();
 
     std::vector<ReelCore::URL> availableModels_ = ReelCore::WhisperLocator().availableModels();
