@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """Scripts/install-dependencies with a made-up package manager: what it would install, and as whom."""
 import os
+import shutil
 import subprocess
 import tempfile
 import unittest
@@ -29,18 +30,27 @@ class InstallDependenciesTests(unittest.TestCase):
         self.tool("apt-get", NOTE + 'case " $* " in *" $BROKEN "*) exit 100 ;; esac')
         self.tool("sudo", NOTE + 'while [ "${1#-}" != "$1" ]; do shift; done; exec "$@"')
         self.tool("id", 'echo "$USER_ID"')
+        self.tool("npm", "true")
 
     def tool(self, name, body):
         path = Path(self.folder.name, name)
         path.write_text(f"#!/bin/sh\n{body}\n", encoding="utf-8")
         path.chmod(0o755)
 
-    def install(self, what, missing="", user=0, broken="-"):
+    def only(self, *tools):
+        """A folder that has just these programs of the system."""
+        folder = Path(self.folder.name, "system")
+        folder.mkdir()
+        for tool in tools:
+            folder.joinpath(tool).symlink_to(shutil.which(tool))
+        return str(folder)
+
+    def install(self, what, missing="", user=0, broken="-", path=os.environ["PATH"]):
         """The exit status, and the calls of sudo and apt-get without their options."""
         calls = Path(self.folder.name, "calls")
         run = subprocess.run(
             [SCRIPT, what], stdin=subprocess.DEVNULL, capture_output=True, text=True, check=False,
-            env={**os.environ, "PATH": f"{self.folder.name}:{os.environ['PATH']}",
+            env={**os.environ, "PATH": f"{self.folder.name}:{path}",
                  "CALLS": str(calls), "MISSING": missing, "USER_ID": str(user), "BROKEN": broken})
         lines = calls.read_text(encoding="utf-8").splitlines() if calls.exists() else []
         words = [[word for word in line.split() if "=" not in word and "::" not in word
@@ -48,7 +58,7 @@ class InstallDependenciesTests(unittest.TestCase):
         return run.returncode, [" ".join(line) for line in words]
 
     def test_NothingMissing_CallsNeitherSudoNorApt(self):
-        for what in ("run", "test", "tools"):
+        for what in ("run", "transcript", "test", "tools"):
             with self.subTest(what):
                 self.assertEqual(self.install(what, user=1000), (0, []))
 
@@ -68,6 +78,15 @@ class InstallDependenciesTests(unittest.TestCase):
         self.assertEqual(self.install("run", missing="libgtest-dev gcovr"), (0, []))
         self.assertEqual(self.install("test", missing="libgtest-dev gcovr")[1][1],
                          "apt-get install --yes --no-install-recommends libgtest-dev")
+
+    def test_NpmFromElsewhere_ItsPackageIsNotAskedFor(self):
+        self.assertEqual(self.install("transcript", missing="npm"), (0, []))
+
+    def test_NoNpm_ItsPackageIsInstalled(self):
+        path = self.only("bash", "basename", "dirname", "awk", "sort", "comm", "env")
+        Path(self.folder.name, "npm").unlink()
+        self.assertEqual(self.install("transcript", missing="npm", path=path)[1][1],
+                         "apt-get install --yes --no-install-recommends npm")
 
     def test_PackageListsOutOfReach_InstallsFromTheOldOnes(self):
         status, calls = self.install("run", missing="cmake", broken="update")

@@ -42,6 +42,7 @@ class TestCommandTests(unittest.TestCase):
         shutil.copy(TREE / "Scripts/junit-counts", self.tree / "Scripts")
         for script in ("install-dependencies", "layers", "screen-sizes", "format", "qmllint"):
             self.script(f"Scripts/{script}", "true")
+        self.script("Scripts/install-transcript", 'echo "$@" > installed')
         self.script("Tests/Scripts/SomeTests.py", "true")
         self.script("Fuzz/run", "true")
         self.script("bin/cmake", CMAKE)
@@ -55,15 +56,17 @@ class TestCommandTests(unittest.TestCase):
 
     def run_test(self, *options, results=PASSED, broken="-"):
         """The exit status and the lines of a run."""
+        environment = {name: value for name, value in os.environ.items()
+                       if name != "KELDO_TEST_TRANSCRIPT"}
         run = subprocess.run(
             [self.tree / "test", *options], capture_output=True, text=True, check=False,
-            env={**os.environ, "PATH": f"{self.tree}/bin:{os.environ['PATH']}",
-                 "RESULTS": results, "BROKEN": broken})
+            env={**environment, "PATH": f"{self.tree}/bin:{os.environ['PATH']}",
+                 "XDG_CACHE_HOME": f"{self.tree}/cache", "RESULTS": results, "BROKEN": broken})
         return run.returncode, run.stdout.splitlines()
 
-    # layers, sizes, scripts, format; three presets configured and built; qmllint, tour, benchmark,
-    # fuzzers.
-    STAGES = 4 + 6 + 4
+    # layers, sizes, scripts, format, transcript; three presets configured and built; qmllint, tour,
+    # benchmark, fuzzers.
+    STAGES = 5 + 6 + 4
 
     def test_AllPasses_CountsStagesAndTestsOfThreeBuilds(self):
         status, lines = self.run_test(results=PASSED)
@@ -72,37 +75,49 @@ class TestCommandTests(unittest.TestCase):
 
     def test_Quick_RunsChecksAndReleaseTestsAlone(self):
         status, lines = self.run_test("--quick", results=PASSED * 2)
-        self.assertEqual(lines[-1], "9 passed, 0 failed, 0 skipped")
+        self.assertEqual(lines[-1], "10 passed, 0 failed, 0 skipped")
         self.assertEqual(status, 0)
 
     def test_OneTestFails_FailsAndShowsIt(self):
         status, lines = self.run_test("--quick", results=PASSED + FAILED)
-        self.assertEqual(lines[-3:], ["Failed:", "  release tests", "8 passed, 1 failed, 0 skipped"])
+        self.assertEqual(lines[-3:], ["Failed:", "  release tests", "9 passed, 1 failed, 0 skipped"])
         self.assertEqual(status, 1)
 
     def test_OneTestSkips_NamesItAndItsReason(self):
         status, lines = self.run_test("--quick", results=PASSED + SKIPPED)
         self.assertEqual(lines[-3:], ["Skipped:", "  release: C: needs a loop device",
-                                      "8 passed, 0 failed, 1 skipped"])
+                                      "9 passed, 0 failed, 1 skipped"])
         self.assertEqual(status, 0)
 
     def test_NoTestFound_Fails(self):
         self.script("bin/ctest", "exit 8")
         status, lines = self.run_test("--quick")
-        self.assertEqual(lines[-1], "7 passed, 1 failed, 0 skipped")
+        self.assertEqual(lines[-1], "8 passed, 1 failed, 0 skipped")
         self.assertEqual(status, 1)
 
     def test_LayersFail_GoesOnToTheTests(self):
         self.script("Scripts/layers", "echo a finding; exit 1")
         status, lines = self.run_test("--quick")
         self.assertIn("        a finding", lines)
-        self.assertEqual(lines[-1], "7 passed, 1 failed, 0 skipped")
+        self.assertEqual(lines[-1], "8 passed, 1 failed, 0 skipped")
         self.assertEqual(status, 1)
 
     def test_SanitizerBuildFails_GoesOnToTheOthers(self):
         status, lines = self.run_test(broken="asan")
         self.assertEqual(lines[-1], f"{self.STAGES - 2 + 2} passed, 1 failed, 0 skipped")
         self.assertEqual(status, 1)
+
+    def test_TranscriptToolsNotToBeHad_CountsThemAsSkippedAndGoesOn(self):
+        self.script("Scripts/install-transcript", "echo Not there: bin/whisper-cli; exit 1")
+        status, lines = self.run_test("--quick")
+        self.assertEqual(lines[-3:], ["Skipped:", "  transcript tools: Not there: bin/whisper-cli",
+                                      "8 passed, 0 failed, 1 skipped"])
+        self.assertEqual(status, 0)
+
+    def test_CacheFolder_TakesTheTranscriptTools(self):
+        self.run_test("--quick")
+        self.assertEqual((self.tree / "installed").read_text(encoding="utf-8"),
+                         f"--multilingual {self.tree}/cache/keldobay-transcript\n")
 
     def test_TourBenchmarksAndFuzzersGone_Fails(self):
         self.script("bin/cmake", "mkdir -p build/$(basename $2)")
