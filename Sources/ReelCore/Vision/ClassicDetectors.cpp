@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 
 #include <opencv2/imgproc.hpp>
 #include <opencv2/objdetect.hpp>
@@ -23,7 +24,10 @@ std::pair<cv::Mat, double> smallGrey(const cv::Mat& image, int edge) {
     cv::cvtColor(image, grey, cv::COLOR_BGR2GRAY);
     const double scale =
         std::max(1.0, static_cast<double>(std::max(image.cols, image.rows)) / edge);
-    if (scale > 1.0) cv::resize(grey, grey, cv::Size(), 1.0 / scale, 1.0 / scale, cv::INTER_AREA);
+    const auto scaledTo = [&](int length) {
+        return std::max(1, static_cast<int>(std::lround(length / scale)));
+    };
+    cv::resize(grey, grey, {scaledTo(image.cols), scaledTo(image.rows)}, 0, 0, cv::INTER_AREA);
     return {grey, scale};
 }
 

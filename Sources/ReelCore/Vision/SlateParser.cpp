@@ -54,6 +54,12 @@ std::optional<std::string> group(const Regex& pattern, std::string_view text) {
     return found ? std::optional(found->front()) : std::nullopt;
 }
 
+/// The text with a stroke in the place of a match: the "TK" of "SC/TK 12-3" labels the 3 and not
+/// the 12.
+std::string without(std::string text, const Regex::Match& match) {
+    return text.replace(match.begin, match.end - match.begin, "/");
+}
+
 }  // namespace
 
 SlateInfo SlateParser::parse(const std::vector<std::string>& lines) {
@@ -68,7 +74,8 @@ SlateInfo SlateParser::parse(const std::vector<std::string>& lines) {
 
     info.roll = group(patterns.roll, text);
     info.scene = group(patterns.scene, text);
-    info.take = group(patterns.take, text);
+    const auto both = patterns.sceneAndTake.find(text);
+    info.take = group(patterns.take, both ? without(text, *both) : text);
     info.director = group(patterns.director, text);
     info.camera = group(patterns.camera, text);
     info.production = group(patterns.production, text);
@@ -77,9 +84,9 @@ SlateInfo SlateParser::parse(const std::vector<std::string>& lines) {
     info.date = group(patterns.labelledDate, text);
     if (!info.date) info.date = group(patterns.date, text);
     if (info.scene && info.take) return info;
-    if (const auto both = groups(patterns.sceneAndTake, text, 2)) {
-        if (!info.scene) info.scene = both->at(0);
-        if (!info.take) info.take = both->at(1);
+    if (const auto pair = groups(patterns.sceneAndTake, text, 2)) {
+        if (!info.scene) info.scene = pair->at(0);
+        if (!info.take) info.take = pair->at(1);
     }
     return info;
 }

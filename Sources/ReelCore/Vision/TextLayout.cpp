@@ -116,6 +116,26 @@ std::vector<PlacedText> TextLayout::segments(std::vector<PlacedText> words) {
     return segments;
 }
 
+std::string TextLayout::numbered(std::string word) {
+    constexpr std::string_view likeZero = "Oo";
+    constexpr std::string_view likeOne = "Iil";
+    constexpr std::string_view digits = "0123456789";
+    const auto isOf = [](std::string_view set) {
+        return [set](char c) { return set.find(c) != set.npos; };
+    };
+    const auto number = std::ranges::count_if(word, isOf(digits));
+    const auto meant =
+        std::ranges::count_if(word, isOf(likeZero)) + std::ranges::count_if(word, isOf(likeOne));
+    const auto others = std::ssize(word) - number - meant;
+    const auto capitals = std::ranges::count_if(
+        word, [](char c) { return c >= 'A' && c <= 'Z' && c != 'O' && c != 'I'; });
+    const bool isPlain = others == capitals;
+    if (!isPlain || number == 0 || others > 2) return word;
+    std::ranges::replace_if(word, isOf(likeZero), '0');
+    std::ranges::replace_if(word, isOf(likeOne), '1');
+    return word;
+}
+
 bool TextLayout::isBareLabel(const std::string& text) {
     std::string letters = Text::upperCased(text);
     std::erase_if(letters, [](char c) { return c == ' ' || c == '.' || c == ':' || c == '#'; });

@@ -32,6 +32,7 @@ public:
         if (api_.Init(nullptr, "eng", tesseract::OEM_LSTM_ONLY) != 0) {
             throw std::runtime_error("no English data");
         }
+        api_.SetVariable("debug_file", "/dev/null");  // what it notices is for no person
     }
 
     std::vector<TextLine> read(const StillImage& image) override {
@@ -118,9 +119,9 @@ private:
                 !at->BoundingBox(tesseract::RIL_WORD, &left, &top, &right, &bottom)) {
                 continue;
             }
-            words.push_back({text.get(), static_cast<double>(left), static_cast<double>(top),
-                             static_cast<double>(right), static_cast<double>(bottom), 0,
-                             static_cast<double>(confidence)});
+            words.push_back({TextLayout::numbered(text.get()), static_cast<double>(left),
+                             static_cast<double>(top), static_cast<double>(right),
+                             static_cast<double>(bottom), 0, static_cast<double>(confidence)});
         } while (at->Next(tesseract::RIL_WORD));
         return words;
     }

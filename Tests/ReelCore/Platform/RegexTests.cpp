@@ -60,6 +60,23 @@ TEST(Regex, EmptyMatch_HasAPlace) {
     EXPECT_EQ(match->end, 2U);
 }
 
+TEST(Regex, Groups_AreWhatTheyTook) {
+    const auto match = Regex("(a+)(b)?(?:c)(d*)").find("xé aac");
+
+    ASSERT_TRUE(match);
+    ASSERT_EQ(match->groups.size(), 3U);
+    EXPECT_EQ(match->groups[0], "aa");
+    EXPECT_EQ(match->groups[1], std::nullopt);
+    EXPECT_EQ(match->groups[2], "");
+}
+
+TEST(Regex, SearchWithoutEnd_EndsWithoutAMatch) {
+    const std::string blanks(100'000, ' ');
+
+    EXPECT_EQ(found(Regex("x\\s*y?\\s*z"), "x" + blanks), std::nullopt);
+    EXPECT_EQ(found(Regex("x\\s*y?\\s*z"), "x" + blanks + "z"), "x" + blanks + "z");
+}
+
 TEST(Regex, OneRegexInManyThreads_FindsInEachText) {
     const Regex regex("[0-9]+");
     std::vector<int> hits(4);

@@ -179,6 +179,14 @@ TEST(TextTrimmed, MalformedBytes_BecomeReplacements) {
     EXPECT_EQ(Text::trimmed(" \xFF \xE2\x80"), replacement + " " + replacement);
 }
 
+TEST(TextTrimmedOnLine, BlanksAndTabsGo_LineEndsStay) {
+    EXPECT_EQ(Text::trimmedOnLine(" \t\u00A0\u3000a  b\t \u2003"), "a  b");
+    EXPECT_EQ(Text::trimmedOnLine(" \n a \r\n"), "\n a \r\n");
+    EXPECT_EQ(Text::trimmedOnLine(" \v "), "\v");
+    EXPECT_EQ(Text::trimmedOnLine(" \t "), "");
+    EXPECT_EQ(Text::trimmedOnLine(" \xFF "), replacement);
+}
+
 TEST(TextOrderingKey, CanonicalEquivalents_HaveTheSameKey) {
     EXPECT_EQ(Text::orderingKey(composedE), Text::orderingKey(decomposedE));
     EXPECT_EQ(Text::orderingKey("\u212B"), Text::orderingKey("A\u030A"));  // Angstrom, A with ring.
