@@ -14,11 +14,11 @@ BoundedList {
         required property string name
         required property string method
         required property string output
-        required property string account
+        required detail
         objectName: list.objectName + "." + index
         width: list.rowWidth
         title: name + " [" + method + "]"
-        detail: account + (output === "" ? "" : "\n→ " + PlainName.oneLine(output))
+        path: output === "" ? "" : "→ " + output
         symbol: succeeded ? "checkmark.circle.fill" : "xmark.circle.fill"
         color: succeeded ? Theme.proved : Theme.danger
     }

@@ -189,13 +189,13 @@ esac)");
     choose("sync.media.choose", place("Day1"));
     const auto job = [&] {
         driver_->press("sync.scan");
-        waitUntilShown("sync.group.0");
+        waitUntilShown("sync.group.0", 120'000 + groups() * 100);
         scroll("sync.groups");
         driver_->press("sync.new");
     };
     EXPECT_LE(longestBlockOf(job, longestBlock), longestBlock);
     driver_->press("sync.scan");
-    waitUntilShown("sync.group.0");
+    waitUntilShown("sync.group.0", 120'000 + groups() * 100);
     EXPECT_EQ(driver_->text("sync.counts"),
               QStringLiteral("%1 clips · %1 synced · 6 audio unmatched").arg(groups()));
     for (int i = 0; i < 40; ++i) driver_->wheel("sync.groups", 500);

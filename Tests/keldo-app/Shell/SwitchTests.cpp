@@ -3,9 +3,12 @@
 #include "Support/Clip.h"
 #include "Support/RIFF.h"
 #include "Support/ShootingDay.h"
+#include "Window/LoopWatch.h"
 #include "keldo-app/Support/InUse.h"
 
+#include <QElapsedTimer>
 #include <QTest>
+#include <algorithm>
 #include <cstdlib>
 #include <functional>
 #include <random>
@@ -22,6 +25,13 @@ int switches() {
     const char* wanted = std::getenv("KELDO_TEST_SWITCHES");
     return wanted ? std::atoi(wanted) : 20;
 }
+
+/// In milliseconds, for half of them: a screen shows at once.
+#if defined(NDEBUG) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+constexpr qint64 longestSwitch = 200;
+#else
+constexpr qint64 longestSwitch = 2'000;
+#endif
 
 unsigned seed() {
     const char* wanted = std::getenv("KELDO_TEST_SEED");
@@ -95,7 +105,16 @@ protected:
         }
     }
 
-    int moment_ = 0;  ///< In milliseconds.
+    void switchTo(const QString& mode) {
+        const qint64 waited = WindowSupport::keptWaiting();
+        QElapsedTimer clock;
+        clock.start();
+        openMode(mode);
+        took_.push_back(clock.elapsed() - (WindowSupport::keptWaiting() - waited));
+    }
+
+    int moment_ = 0;            ///< In milliseconds.
+    std::vector<qint64> took_;  ///< Each switch, in milliseconds of this thread's own.
 };
 
 }  // namespace
@@ -114,12 +133,17 @@ TEST_F(SwitchTests, AtAnyMomentOfAnyJob_BreakNothingAndTheUnseenJobsEnd) {
         const auto& [mode, job] = jobs[random() % jobs.size()];
         // Also a press on the mode that shows: it changes nothing.
         driver_->press("mode." + mode);
-        openMode(mode == "Plan" ? "Transcript" : "Plan");
-        openMode(mode);
+        switchTo(mode == "Plan" ? "Transcript" : "Plan");
+        switchTo(mode);
         moment_ = static_cast<int>(random() % 400);
         job();
         QTest::qWait(static_cast<int>(random() % 120));
     }
+    ASSERT_FALSE(took_.empty());
+    std::ranges::sort(took_);
+    std::printf("%zu switches: %lld ms each, %lld at most\n", took_.size(), took_[took_.size() / 2],
+                took_.back());
+    EXPECT_LT(took_[took_.size() / 2], longestSwitch);
     openMode("Plan");
     for (const char* name : {"card", "broken", "day", "clip.mov"}) {
         const InUse::Use erase{place(name), InUse::Purpose::erasing};
