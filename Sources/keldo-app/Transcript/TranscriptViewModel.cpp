@@ -170,7 +170,7 @@ void TranscriptViewModel::start() {
     cancelFlag_->clear();
     isCancelling_ = false;
     job_ = TranscriptJobs::run(request(), cancelFlag_, InUse::shared().take(usesOf(request())),
-                               [this](const TranscriptUIEvent& event) { apply(event); });
+                               [this](TranscriptUIEvent event) { apply(std::move(event)); });
     stage_ = Stage::running;
     emit changed();
 }
@@ -181,12 +181,12 @@ void TranscriptViewModel::cancel() {
     emit changed();
 }
 
-void TranscriptViewModel::apply(const TranscriptUIEvent& event) {
+void TranscriptViewModel::apply(TranscriptUIEvent event) {
     if (const auto* progress = std::get_if<TranscriptUIEvent::Progress>(&event.value)) {
         progressPhase_ = Format::text(progress->phase);
         progressSpeaker_ = Format::text(progress->speaker.value_or(""));
-    } else if (const auto* result = std::get_if<TranscriptUIEvent::Finished>(&event.value)) {
-        publish(*result);
+    } else if (auto* result = std::get_if<TranscriptUIEvent::Finished>(&event.value)) {
+        publish(std::move(*result));
     } else {
         errorMessage_ = Format::text(std::get<TranscriptUIEvent::Failed>(event.value).description);
         stage_ = Stage::finished;
@@ -194,8 +194,8 @@ void TranscriptViewModel::apply(const TranscriptUIEvent& event) {
     emit changed();
 }
 
-void TranscriptViewModel::publish(const TranscriptUIEvent::Finished& result) {
-    transcript_ = result.transcript;
+void TranscriptViewModel::publish(TranscriptUIEvent::Finished result) {
+    transcript_ = std::move(result.transcript);
     docxURL_ = result.document;
     appearancesByBucket_ = transcript_->appearances;
     std::vector<SpeakerEdit> speakers;
@@ -284,14 +284,15 @@ void TranscriptViewModel::applyEdits() {
     if (!transcript_ || !docxURL_ || isSaving_) return;
     renameStatus_.clear();
     isSaving_ = true;
+    const auto transcript = std::make_shared<const ReelCore::Transcript>(edited());
     const auto inUse = InUse::shared().take({{*docxURL_, InUse::Purpose::writing}});
     rewriteJob_ = runOnce<QString>(
-        [transcript = edited(), document = *docxURL_, inUse] {
-            ReelCore::DocxTranscriptWriter().write(transcript, document);
+        [transcript, document = *docxURL_, inUse] {
+            ReelCore::DocxTranscriptWriter().write(*transcript, document);
             return QString("Applied edits and re-saved the .docx.");
         },
-        [this, transcript = edited()](const QString& status) {
-            transcript_ = transcript;
+        [this, transcript](const QString& status) {
+            transcript_ = *transcript;
             renameStatus_ = status;
             isSaving_ = false;
             emit changed();

@@ -157,8 +157,8 @@ private:
     using ClipInfo = ReelCore::AudioExtractor::ClipInfo;
 
     void publish(const ClipInfo& clip);
-    void publish(const TranscriptUIEvent::Finished& result);
-    void apply(const TranscriptUIEvent& event);
+    void publish(TranscriptUIEvent::Finished result);
+    void apply(TranscriptUIEvent event);
     ReelCore::TranscribeRequest request() const;
     ReelCore::Transcript edited() const;
     void endDownload();

@@ -1,4 +1,5 @@
 #include "../Offload/OffloadDriver.h"
+#include "../Transcript/TranscriptTools.h"
 #include "ScreenFixture.h"
 #include "Support/Clip.h"
 #include "Support/RIFF.h"
@@ -54,7 +55,8 @@ protected:
         std::string image;
         for (int i = 0; i < 20; ++i) image += whole + TestSupport::noise(4'096);
         TestSupport::writeFile(place("card.img"), image);
-        for (const char* name : {"drive", "repaired", "carved", "synced", "transcoded"}) {
+        for (const char* name :
+             {"drive", "repaired", "carved", "synced", "transcoded", "transcribed"}) {
             madeFolder(name);
         }
     }
@@ -99,6 +101,14 @@ protected:
         choose("transcode.output.choose", place("transcoded"));
         if (shows("transcode.start")) driver_->press("transcode.start");
     }
+    void transcribe() {
+        for (const char* part : {"readSlate", "hints", "mode.ISO channels"}) {
+            driver_->press(QStringLiteral("transcript.") + part);
+        }
+        choose("transcript.input.choose", place("clip.mov"));
+        choose("transcript.output.choose", place("transcribed"));
+        if (shows("transcript.start")) driver_->press("transcript.start");
+    }
     void plan() {
         for (const char* way : {"more", "less"}) {
             driver_->press(QStringLiteral("plan.days.stepper.") + way);
@@ -115,6 +125,7 @@ protected:
 
     int moment_ = 0;            ///< In milliseconds.
     std::vector<qint64> took_;  ///< Each switch, in milliseconds of this thread's own.
+    WindowSupport::TranscriptTools tools_;
 };
 
 }  // namespace
@@ -125,9 +136,13 @@ TEST_F(SwitchTests, AtAnyMomentOfAnyJob_BreakNothingAndTheUnseenJobsEnd) {
     SCOPED_TRACE(first);
     std::mt19937 random(first);
     const std::vector<std::pair<QString, std::function<void()>>> jobs{
-        {"Offload", [this] { offload(); }},     {"Recover", [this] { repair(); }},
-        {"Recover", [this] { carve(); }},       {"Sync", [this] { sync(); }},
-        {"Transcode", [this] { transcode(); }}, {"Plan", [this] { plan(); }}};
+        {"Offload", [this] { offload(); }},
+        {"Recover", [this] { repair(); }},
+        {"Recover", [this] { carve(); }},
+        {"Sync", [this] { sync(); }},
+        {"Transcode", [this] { transcode(); }},
+        {"Transcript", [this] { transcribe(); }},
+        {"Plan", [this] { plan(); }}};
     openWindow();
     for (int i = 0; i < switches(); ++i) {
         const auto& [mode, job] = jobs[random() % jobs.size()];
@@ -155,7 +170,8 @@ TEST_F(SwitchTests, AtAnyMomentOfAnyJob_BreakNothingAndTheUnseenJobsEnd) {
     driver_->waitFor(
         "the end of the carves", [&] { return InUse::shared().objection(carve).isEmpty(); },
         300'000);
-    for (const char* name : {"drive", "repaired", "carved", "synced", "transcoded"}) {
+    for (const char* name :
+         {"drive", "repaired", "carved", "synced", "transcoded", "transcribed"}) {
         for (const auto& entry : std::filesystem::recursive_directory_iterator(place(name))) {
             EXPECT_FALSE(entry.is_regular_file() && entry.file_size() == 0) << entry.path();
         }

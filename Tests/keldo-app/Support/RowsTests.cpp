@@ -67,6 +67,19 @@ TEST_F(RowsTests, Remove_TakesThatRowAlone) {
     EXPECT_EQ(at(0, "name"), "pear");
 }
 
+TEST_F(RowsTests, DelegateSetsAField_AltersThatRowAlone) {
+    QSignalSpy altered(&rows_, &QAbstractItemModel::dataChanged);
+    const int name = rows_.roleNames().key("name");
+    EXPECT_TRUE(rows_.setData(rows_.index(1), "plum", name));
+    EXPECT_EQ(rows_[1].name, "plum");
+    EXPECT_EQ(rows_[0].name, "apple");
+    ASSERT_EQ(altered.count(), 1);
+    EXPECT_EQ(altered.first().at(0).toModelIndex().row(), 1);
+    EXPECT_FALSE(rows_.setData(rows_.index(2), "fig", name));
+    EXPECT_FALSE(rows_.setData(rows_.index(0), "fig", Qt::UserRole + 9));
+    EXPECT_EQ(altered.count(), 1);
+}
+
 TEST_F(RowsTests, Change_AltersOneRowAndResetsNothing) {
     QSignalSpy altered(&rows_, &QAbstractItemModel::dataChanged);
     QSignalSpy reset(&rows_, &QAbstractItemModel::modelReset);
