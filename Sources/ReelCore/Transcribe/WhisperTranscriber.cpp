@@ -52,8 +52,9 @@ private:
 void run(const URL& whisper, const std::vector<std::string>& arguments,
          const std::function<bool()>& isCancelled) {
     const ToolLog log("keldo-whisper-");
+    // Its threads would wait for each other by counting, which takes what they have yielded.
     RunningChild child(whisper, arguments, {.error = ChildStream::file(log.file())},
-                       {.yields = true});
+                       {.environment = {{"OMP_WAIT_POLICY", "passive"}}, .yields = true});
     do {
         if (!isCancelled()) continue;
         child.end();

@@ -173,12 +173,14 @@ TEST_F(WhisperTranscriberTest, ToolReadsNothingFromUs) {
 TEST_F(WhisperTranscriberTest, Tool_YieldsToOtherWork) {
     const FakeTool whisper(tool,
                            "for i in $(seq 1000); do [ \"$(nice)\" -ge 10 ] && break; done\n"
-                           "nice >\"$(dirname \"$9\")/nice\"\n" +
+                           "echo $(nice) $OMP_WAIT_POLICY >\"$(dirname \"$9\")/nice\"\n" +
                                std::string(oneLine));
 
     transcribe();
 
-    EXPECT_GE(std::stoi(readFile(folder() / "in/nice")), 10);
+    const std::string found = readFile(folder() / "in/nice");
+    EXPECT_GE(std::stoi(found), 10);
+    EXPECT_TRUE(found.ends_with(" passive\n")) << found;
 }
 
 TEST_F(WhisperTranscriberTest, PathsThatLookLikeSomethingElse_ReachTheToolAbsolute) {
