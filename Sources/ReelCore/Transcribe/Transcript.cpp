@@ -2,6 +2,11 @@
 
 namespace ReelCore {
 
+URL TranscribeRequest::documentURL() const {
+    const URL name = lastPathComponent(input);
+    return outputDirectory / (name.stem().native() + "_transcript.docx");
+}
+
 Timecode Transcript::timecode(const TranscriptSegment& segment) const {
     return startTimecode.adding(segment.startSeconds);
 }

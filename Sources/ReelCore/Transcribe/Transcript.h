@@ -26,6 +26,9 @@ struct TranscribeRequest {
     bool appearanceHints = true;
     std::optional<DiarizationOptions> diarize = {};  ///< Present: voices are told apart in one mix.
     std::optional<URL> modelOverride = {};           ///< A speech model instead of the located one.
+
+    /// The input's name with "_transcript.docx" for its extension, in the output folder.
+    URL documentURL() const;
 };
 
 /// A clip's dialogue, line by line, with what is known about who speaks.

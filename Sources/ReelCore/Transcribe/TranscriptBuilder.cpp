@@ -167,8 +167,7 @@ private:
 
     URL write(const Transcript& transcript) const {
         FileSystem::createFolders(request_.outputDirectory);
-        const std::string name = URL(transcript.sourceName).stem().native() + "_transcript.docx";
-        return DocxTranscriptWriter().write(transcript, request_.outputDirectory / name);
+        return DocxTranscriptWriter().write(transcript, request_.documentURL());
     }
 
     const TranscribeRequest& request_;

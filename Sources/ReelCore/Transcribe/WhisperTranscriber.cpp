@@ -4,12 +4,14 @@
 #include "ReelCore/Platform/File.h"
 #include "ReelCore/Platform/FileSystem.h"
 #include "ReelCore/Platform/RunningChild.h"
+#include "ReelCore/Platform/SystemError.h"
 #include "ReelCore/Platform/Text.h"
 #include "ReelCore/Platform/ToolLog.h"
 #include "ReelCore/Transcode/MediaQuery.h"
 #include "ReelCore/Transcribe/TranscribeError.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <filesystem>
 #include <string_view>
@@ -77,7 +79,10 @@ double numberOr(const json& value, double otherwise) {
     return value.is_number() ? value.get<double>() : otherwise;
 }
 
-json parse(const std::string& text) {
+/// whisper-cli writes control characters as they are, which JSON does not allow within texts.
+json parse(std::string text) {
+    std::ranges::replace_if(
+        text, [](char one) { return static_cast<unsigned char>(one) < 0x20; }, ' ');
     // Nothing that is looked at stands deeper; what does is not kept.
     constexpr int deepest = 8;
     try {
@@ -100,7 +105,9 @@ std::vector<TranscriptSegment> WhisperTranscriber::transcribe(
     URL outputBase = audio;
     outputBase.replace_extension();
     URL resultPath = outputBase;
-    const Result result(resultPath += ".json");
+    resultPath += ".json";
+    if (resultPath == audio || resultPath == *model) throw SystemError(EINVAL, resultPath);
+    const Result result(std::move(resultPath));
 
     run(*whisper, arguments(toolPath(*model), audio, outputBase), isCancelled);
 

@@ -94,7 +94,7 @@ ColumnLayout {
         RowLayout {
             spacing: Theme.medium
             Note { objectName: "transcript.renameStatus"; text: view.transcript.renameStatus; horizontalAlignment: Text.AlignRight }
-            DefaultButton { objectName: "transcript.save"; text: "Update & Re-save .docx"; symbol: "square.and.arrow.down"; enabled: !view.transcript.isSaving; onClicked: view.transcript.applyEdits() }
+            DefaultButton { objectName: "transcript.save"; text: "Update & Re-save .docx"; symbol: "square.and.arrow.down"; onClicked: view.transcript.applyEdits() }
         }
     }
     Card {

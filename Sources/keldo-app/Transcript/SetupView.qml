@@ -81,9 +81,10 @@ ColumnLayout {
             horizontalAlignment: Text.AlignRight
             text: !view.transcript.available ? "See “Setup Needed” above."
                 : !view.hasClip ? "No clip yet."
-                : !view.transcript.hasVoices ? ["Diarization is not set up.", "No channel is on.", "No audio files yet."][view.transcript.speakerMode]
-                : view.transcript.outputDir.path === "" ? "No output folder yet." : ""
+                : !view.transcript.hasVoices ? ["Diarization is not set up.", view.transcript.channelCount > 0 ? "No channel is on." : "This clip has no audio channels.", "No audio files yet."][view.transcript.speakerMode]
+                : view.transcript.outputDir.path === "" ? "No output folder yet."
+                : view.transcript.earlierDocument === "" ? "" : view.transcript.earlierDocument + " is there and will be replaced."
         }
-        DefaultButton { objectName: "transcript.start"; text: "Create Transcript"; symbol: "play.fill"; enabled: view.transcript.canStart; onClicked: view.transcript.start() }
+        DefaultButton { objectName: "transcript.start"; text: "Create Transcript"; symbol: "play.fill"; isNext: view.transcript.earlierDocument === ""; enabled: view.transcript.canStart; onClicked: view.transcript.start() }
     }
 }

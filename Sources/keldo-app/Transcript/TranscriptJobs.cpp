@@ -6,40 +6,27 @@
 
 namespace keldo_app {
 
-namespace {
-
-using Send = std::function<void(TranscriptUIEvent)>;
-
-/// The use ends with the work, also where that fails.
-TranscriptUIEvent transcribe(const ReelCore::TranscribeRequest& request,
-                             const CancellationFlag& cancel, InUse::Token /*inUse*/,
-                             const Send& send) {
-    const ReelCore::TranscriptBuilder builder([&] { return cancel.isSet(); });
-    auto [transcript,
-          document] = builder.run(request, [&](const ReelCore::TranscribeProgress& progress) {
-        send(
-            {TranscriptUIEvent::Progress{std::string(rawValue(progress.phase)), progress.speaker}});
-    });
-    return {TranscriptUIEvent::Finished{std::move(transcript), std::move(document)}};
-}
-
-}  // namespace
-
 Job<TranscriptUIEvent> TranscriptJobs::run(ReelCore::TranscribeRequest request,
                                            std::shared_ptr<const CancellationFlag> cancel,
                                            InUse::Token inUse,
                                            std::function<void(TranscriptUIEvent)> consume) {
+    auto transcribe = [request = std::move(request), cancel,
+                       inUse = std::move(inUse)](const auto& send) mutable {
+        auto use = std::move(inUse);  // Ends before the last event, also where that is a failure.
+        auto made = ReelCore::TranscriptBuilder([&] {
+                        return cancel->isSet();
+                    }).run(request, [&](const ReelCore::TranscribeProgress& at) {
+            send({TranscriptUIEvent::Progress{std::string(rawValue(at.phase)), at.speaker}});
+        });
+        use.reset();
+        send({TranscriptUIEvent::Finished{std::move(made.first), std::move(made.second)}});
+    };
     return Job<TranscriptUIEvent>(
-        {.run =
-             [request = std::move(request), cancel,
-              inUse = std::move(inUse)](const auto& send) mutable {
-                 send(transcribe(request, *cancel, std::move(inUse), send));
-             },
+        {.run = std::move(transcribe),
          .consume = std::move(consume),
-         .failed =
-             [](const std::exception& error) {
-                 return TranscriptUIEvent{TranscriptUIEvent::Failed{error.what()}};
-             },
+         .failed = [](const auto& error) -> TranscriptUIEvent {
+             return {TranscriptUIEvent::Failed{error.what()}};
+         },
          .isPassing =
              [](const TranscriptUIEvent& event) {
                  return std::holds_alternative<TranscriptUIEvent::Progress>(event.value);

@@ -25,7 +25,7 @@ Page {
     }
 
     objectName: "transcript.page"
-    head: ActionButton { objectName: "transcript.new"; visible: screen.isFinished; text: "New Transcript"; symbol: "arrow.counterclockwise"; onClicked: transcript.reset() }
+    head: ActionButton { objectName: "transcript.new"; visible: screen.isFinished; enabled: !transcript.isSaving; text: "New Transcript"; symbol: "arrow.counterclockwise"; onClicked: transcript.reset() }
     onIsFinishedChanged: if (isFinished) attending.start()
 
     TranscriptViewModel { id: transcript; objectName: "transcript"; desktop: screen.desktop }
@@ -55,7 +55,7 @@ Page {
             ActionButton { objectName: "transcript.cancel"; role: ActionButton.Role.Destructive; text: transcript.isCancelling ? "Cancelling…" : "Cancel"; symbol: "stop.fill"; onClicked: transcript.cancel() }
         }
         Note { objectName: "transcript.runningNote"; text: "Audio stays on this Mac — Whisper runs locally." }
-        Note { objectName: "transcript.cancelNote"; visible: transcript.isCancelling; text: "The step under way is being ended. If all is transcribed already, the document is still written." }
+        Note { objectName: "transcript.cancelNote"; visible: transcript.isCancelling; text: "It ends after the step under way. If all is transcribed already, the document is still written." }
     }
     FailureCard { id: failed; objectName: "transcript.failed"; visible: screen.isFinished && transcript.errorMessage !== ""; title: "Transcription Failed"; message: transcript.errorMessage }
     ResultView { id: result; visible: screen.isFinished && transcript.errorMessage === ""; transcript: transcript }

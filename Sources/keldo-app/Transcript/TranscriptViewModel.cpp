@@ -1,9 +1,11 @@
 #include "keldo-app/Transcript/TranscriptViewModel.h"
 
+#include "ReelCore/Platform/FileSystem.h"
 #include "ReelCore/Transcribe/DocxTranscriptWriter.h"
 #include "ReelCore/Transcribe/SpeechClassifier.h"
 #include "keldo-app/Support/Download.h"
 
+#include <QTimer>
 #include <algorithm>
 
 namespace keldo_app {
@@ -15,9 +17,8 @@ using ReelCore::WhisperLocator;
 namespace {
 
 std::vector<InUse::Use> usesOf(const ReelCore::TranscribeRequest& request) {
-    const URL document = request.input.stem().native() + "_transcript.docx";
     std::vector<InUse::Use> uses{{request.input, InUse::Purpose::reading},
-                                 {request.outputDirectory / document, InUse::Purpose::writing}};
+                                 {request.documentURL(), InUse::Purpose::writing}};
     for (const auto& track : request.speakers) {
         if (track.fileURL) uses.push_back({*track.fileURL, InUse::Purpose::reading});
     }
@@ -35,7 +36,7 @@ TranscriptViewModel::TranscriptViewModel(QObject* parent) : ViewModel(parent) {
 
 void TranscriptViewModel::chooseInput() {
     const auto chosen = desktop->chooseFile("Choose a clip to transcribe");
-    if (!chosen) return;
+    if (!chosen || stage_ > Stage::probing) return;
     input_ = *chosen;
     stage_ = Stage::probing;
     probeJob_ =
@@ -137,6 +138,12 @@ QString TranscriptViewModel::objection() const {
     return {};
 }
 
+QString TranscriptViewModel::earlierDocument() const {
+    if (!input_ || !outputDir_) return {};
+    const URL document = request().documentURL();
+    return ReelCore::FileSystem::exists(document) ? Format::name(document) : QString();
+}
+
 bool TranscriptViewModel::canStart() const {
     return input_ && outputDir_ && stage_ == Stage::setup && available && hasVoices() &&
            objection().isEmpty();
@@ -169,6 +176,7 @@ void TranscriptViewModel::start() {
     if (!canStart()) return;
     cancelFlag_->clear();
     isCancelling_ = false;
+    progressPhase_ = progressSpeaker_ = QString();
     job_ = TranscriptJobs::run(request(), cancelFlag_, InUse::shared().take(usesOf(request())),
                                [this](TranscriptUIEvent event) { apply(std::move(event)); });
     stage_ = Stage::running;
@@ -281,7 +289,9 @@ ReelCore::Transcript TranscriptViewModel::edited() const {
 }
 
 void TranscriptViewModel::applyEdits() {
-    if (!transcript_ || !docxURL_ || isSaving_) return;
+    if (!transcript_ || !docxURL_) return;
+    isToBeSavedAgain_ = isSaving_;
+    if (isSaving_) return;
     renameStatus_.clear();
     isSaving_ = true;
     const auto transcript = std::make_shared<const ReelCore::Transcript>(edited());
@@ -295,6 +305,7 @@ void TranscriptViewModel::applyEdits() {
             transcript_ = *transcript;
             renameStatus_ = status;
             isSaving_ = false;
+            if (isToBeSavedAgain_) QTimer::singleShot(0, this, &TranscriptViewModel::applyEdits);
             emit changed();
         },
         [](const std::exception&) { return QString("Edits applied; .docx rewrite failed."); });
@@ -312,7 +323,7 @@ void TranscriptViewModel::revealDocx() {
 void TranscriptViewModel::reset() {
     if (stage_ == Stage::running) return;
     rewriteJob_.reset();
-    isSaving_ = false;
+    isSaving_ = isToBeSavedAgain_ = false;
     transcript_.reset();
     docxURL_.reset();
     errorMessage_.clear();

@@ -69,6 +69,7 @@ class TranscriptViewModel : public keldo_app::ViewModel {
     Q_PROPERTY(QString startTimecode READ startTimecode NOTIFY changed)
     Q_PROPERTY(QString slateLine READ slateLine NOTIFY changed)
     Q_PROPERTY(bool hasHints READ hasHints NOTIFY changed)
+    Q_PROPERTY(QString earlierDocument READ earlierDocument NOTIFY changed)
     Q_PROPERTY(QStringList assignableBuckets READ assignableBuckets NOTIFY changed)
     /// `displayName` of the speakers by their buckets.
     Q_PROPERTY(QVariantMap displayNames READ displayNames NOTIFY changed)
@@ -87,8 +88,7 @@ public:
     const bool available = whisperReady && ffmpegReady;
     const bool diarizeReady = ReelCore::DiarizationModels().isAvailable();
     const QString modelsFolder = Format::path(ReelCore::WhisperLocator::modelsDirectory());
-    /// What stands before a model's name where models are fetched. Tests have a server of their
-    /// own.
+    /// What stands before a model's name where models are fetched. Tests have their own server.
     QString modelSource = "https://huggingface.co/ggerganov/whisper.cpp/resolve/main/ggml-";
 
     KELDO_PUBLISHED(Stage, stage, Stage::setup)
@@ -129,6 +129,7 @@ public:
     QString startTimecode() const;
     QString slateLine() const;  ///< Empty where no field of the slate is known.
     bool hasHints() const { return !appearancesByBucket_.empty(); }
+    QString earlierDocument() const;  ///< The name of what a run would replace; mostly empty.
     /// The speakers in order of first appearance, without what is no speech.
     static std::vector<std::string> distinctSpeakers(const ReelCore::Transcript& transcript);
     /// The buckets that a line can be moved to: the speakers, then what is no speech.
@@ -171,6 +172,7 @@ private:
     std::optional<Job<ClipInfo>> probeJob_;
     std::optional<Job<TranscriptUIEvent>> job_;
     std::optional<Job<QString>> rewriteJob_;
+    bool isToBeSavedAgain_ = false;  ///< Edits came while the document was being written.
 };
 
 }  // namespace keldo_app
