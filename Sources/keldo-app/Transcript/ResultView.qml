@@ -129,7 +129,7 @@ ColumnLayout {
                     id: row
                     width: parent.width
                     spacing: Theme.medium
-                    PlainText { objectName: "transcript.lineTC." + line.index; text: line.timecode; color: Theme.secondary; font: Theme.code; Layout.alignment: Qt.AlignTop; Layout.topMargin: Theme.small }
+                    PlainText { objectName: "transcript.lineTC." + line.index; text: line.timecode; color: Theme.secondary; font: Theme.code; Layout.alignment: Qt.AlignTop; Layout.topMargin: Theme.tiny + 2; Layout.leftMargin: Theme.tiny }
                     ActionButton {
                         id: button
                         objectName: "transcript.lineSpeaker." + line.index
@@ -143,7 +143,7 @@ ColumnLayout {
                         Layout.alignment: Qt.AlignTop
                         onClicked: speakers.openAt(line.index, line.bucket, button)
                     }
-                    Note { objectName: "transcript.lineText." + line.index; text: line.text; font: Theme.body; color: Theme.primary; Layout.topMargin: Theme.tiny + 2 }
+                    Note { objectName: "transcript.lineText." + line.index; text: line.text; font: Theme.body; color: Theme.primary; Layout.alignment: Qt.AlignTop; Layout.topMargin: Theme.tiny + 2 }
                 }
             }
         }
