@@ -326,8 +326,7 @@ void TranscriptViewModel::reset() {
     isSaving_ = isToBeSavedAgain_ = false;
     transcript_.reset();
     docxURL_.reset();
-    errorMessage_.clear();
-    renameStatus_.clear();
+    errorMessage_ = renameStatus_ = QString();
     editableSpeakers_.reset();
     editedSegments_.reset();
     appearancesByBucket_.clear();

@@ -128,7 +128,7 @@ TEST(WhisperResult, NoJSON_IsTheParsersOwnError) {
     for (const char* text : {"", " ", "{", "[1,]", "{\"transcription\":[{\"text\":\"cut o",
                              "{\"transcription\":[]} more", "{'transcription':[]}", "NaN",
                              "{\"transcription\":[],\"a\":nan}", "{\"a\":1e999}", "\"\\ud800\"",
-                             "{\"a\":\"line\nend\"}", "{\"a\":01}", "\xFF\xFE{"}) {
+                             "{\"a\":01}", "\xFF\xFE{"}) {
         try {
             parse(text);
             ADD_FAILURE() << text;
@@ -138,6 +138,14 @@ TEST(WhisperResult, NoJSON_IsTheParsersOwnError) {
             EXPECT_NE(error.description().find("json.exception"), std::string::npos) << text;
         }
     }
+}
+
+TEST(WhisperResult, ControlCharacters_AreBlanks) {
+    const auto lines =
+        parse("{\"model\":\"a\tb\",\n\t\"transcription\":[{\"text\":\"a\x07 b\nc\"}]}");
+
+    ASSERT_EQ(lines.size(), 1u);
+    EXPECT_EQ(lines[0].text, "a  b c");
 }
 
 TEST(WhisperResult, MalformedBytes_AreReplacedAndLoseNothingElse) {

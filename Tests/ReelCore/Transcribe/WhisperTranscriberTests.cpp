@@ -356,6 +356,22 @@ TEST_F(WhisperTranscriberTest, QuestionThatThrows_EndsTheToolAndComesThrough) {
     EXPECT_THROW(transcribe([]() -> bool { throw std::runtime_error("out"); }), std::runtime_error);
 }
 
+TEST_F(WhisperTranscriberTest, SoundOrModelCalledLikeTheResult_IsRefusedAndStays) {
+    const FakeTool whisper(tool, oneLine);
+    const URL sound = folder() / "talk.json";
+    writeFile(sound, "sound");
+    const URL named = folder() / "in/spk_JANE.json";
+    writeFile(named, "model");
+
+    EXPECT_THROW(WhisperTranscriber(model()).transcribe(sound, "JANE", never), SystemError);
+    EXPECT_THROW(WhisperTranscriber(named).transcribe(wav(), "JANE", never), SystemError);
+
+    EXPECT_EQ(readFile(sound), "sound");
+    EXPECT_EQ(readFile(named), "model");
+    EXPECT_TRUE(whisper.calls().empty());
+    std::filesystem::remove(named);
+}
+
 }  // namespace
 
 }  // namespace ReelCore

@@ -371,6 +371,29 @@ TEST_F(TranscriptViewModelTests, TwoSpeakersOfOneName_MergeInTheDocumentAndStayA
     EXPECT_NE(xml.find("Bob"), std::string::npos);
 }
 
+TEST_F(TranscriptViewModelTests, EditsDuringASave_AreSavedAfterIt) {
+    setUp(clip("clip.mov"));
+    runToEnd();
+    rename(0, "Ann");
+    model_.applyEdits();
+    rename(1, "Bob");
+    model_.applyEdits();
+    EXPECT_TRUE(model_.isSaving());
+    ASSERT_TRUE(waitFor([&] { return documentXML(document()).find("Bob") != std::string::npos; }));
+    ASSERT_TRUE(waitFor([&] { return !model_.isSaving(); }));
+    EXPECT_EQ(model_.renameStatus(), "Applied edits and re-saved the .docx.");
+    EXPECT_EQ(speakersOfLines(), (std::vector<std::string>{"Ann", "Sound", "Bob"}));
+}
+
+TEST_F(TranscriptViewModelTests, EarlierDocument_IsNamedBeforeItIsReplaced) {
+    setUp(clip("clip.mov"));
+    EXPECT_EQ(model_.earlierDocument(), "");
+    runToEnd();
+    model_.reset();
+    EXPECT_EQ(model_.earlierDocument(), "clip_transcript.docx");
+    EXPECT_TRUE(model_.canStart());
+}
+
 TEST_F(TranscriptViewModelTests, FailedResave_SaysSoAndKeepsTheEdits) {
     setUp(clip("clip.mov"));
     runToEnd();
