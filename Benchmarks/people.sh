@@ -16,7 +16,7 @@ clip() {
 
 status=0
 clip hour.mp4 1920x1080 "$(size 30 1)" "$(size 120 2)"
-"$bin/people-run" "$(size 3 1)" "$work/hour.mp4" "$models" >"$work/figures"
+"$bin/people-run" "$(size 2 1)" "$work/hour.mp4" "$models" >"$work/figures"
 count=$(awk '$1 == "count" { print $2 }' "$work/figures" | median)
 bare=$(awk '$1 == "bare" { print $2 }' "$work/figures" | median)
 echo "count $count s, bare $bare s" >&2

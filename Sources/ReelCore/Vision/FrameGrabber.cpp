@@ -8,6 +8,7 @@
 #include "ReelCore/Transcode/MediaQuery.h"
 #include "ReelCore/Transcribe/TranscribeError.h"
 
+#include <algorithm>
 #include <exception>
 #include <system_error>
 
@@ -20,6 +21,19 @@ namespace {
 
 /// In bytes; far above any encoded still, and what the decoder can count.
 constexpr std::int64_t largestStill = std::int64_t{1} << 29;
+
+/// An eighth of a picture is decoded quickly, and tells how large the whole is.
+cv::Mat decoded(const cv::Mat& encoded, std::optional<std::int64_t> enough) {
+    const auto at = [&](int size) {
+        return cv::imdecode(encoded, size | cv::IMREAD_IGNORE_ORIENTATION);
+    };
+    if (!enough) return at(cv::IMREAD_COLOR);
+    cv::Mat eighth = at(cv::IMREAD_REDUCED_COLOR_8);
+    const int longest = std::max(eighth.cols, eighth.rows);
+    if (longest == 0 || longest >= *enough) return eighth;
+    if (longest * 2 >= *enough) return at(cv::IMREAD_REDUCED_COLOR_4);
+    return at(longest * 4 >= *enough ? cv::IMREAD_REDUCED_COLOR_2 : cv::IMREAD_COLOR);
+}
 
 }  // namespace
 
@@ -42,16 +56,17 @@ URL FrameGrabber::grabFile(const URL& url, double seconds, const URL& directory)
     return output;
 }
 
-std::optional<StillImage> FrameGrabber::still(const URL& url, double seconds,
-                                              const URL& directory) const {
+std::optional<StillImage> FrameGrabber::still(const URL& url, double seconds, const URL& directory,
+                                              std::optional<std::int64_t> enough) const {
     try {
-        return loadCGImage(grabFile(url, seconds, directory));
+        return loadCGImage(grabFile(url, seconds, directory), enough);
     } catch (const Error&) {
         return std::nullopt;
     }
 }
 
-std::optional<StillImage> FrameGrabber::loadCGImage(const URL& url) {
+std::optional<StillImage> FrameGrabber::loadCGImage(const URL& url,
+                                                    std::optional<std::int64_t> enough) {
     try {
         const File file = File::openForReading(url, FileLinks::follow);
         if (file.size() > largestStill) return std::nullopt;
@@ -59,8 +74,7 @@ std::optional<StillImage> FrameGrabber::loadCGImage(const URL& url) {
         bytes.resize(file.readAt(0, bytes));
         if (bytes.empty()) return std::nullopt;
         const cv::Mat encoded(1, static_cast<int>(bytes.size()), CV_8UC1, bytes.data());
-        const cv::Mat image =
-            cv::imdecode(encoded, cv::IMREAD_COLOR | cv::IMREAD_IGNORE_ORIENTATION);
+        const cv::Mat image = decoded(encoded, enough);
         if (image.empty() || !image.isContinuous()) return std::nullopt;
         return StillImage{image.cols, image.rows,
                           std::vector<std::uint8_t>(image.datastart, image.dataend)};

@@ -4,6 +4,7 @@
 #include "ReelCore/Transcode/FFmpegLocator.h"
 #include "ReelCore/Vision/StillImage.h"
 
+#include <cstdint>
 #include <optional>
 
 namespace ReelCore {
@@ -23,12 +24,15 @@ struct FrameGrabber {
     URL grabFile(const URL& url, double seconds, const URL& directory) const;
 
     /// The frame at `seconds` as a picture, by a file that `grabFile` leaves in `directory`; absent
-    /// where either fails.
-    std::optional<StillImage> still(const URL& url, double seconds, const URL& directory) const;
+    /// where either fails. `enough` is as for `loadCGImage`.
+    std::optional<StillImage> still(const URL& url, double seconds, const URL& directory,
+                                    std::optional<std::int64_t> enough = std::nullopt) const;
 
     /// Loads a picture as it is stored, without turning it; absent for a file that is none or has
-    /// more than 512 MiB.
-    static std::optional<StillImage> loadCGImage(const URL& url);
+    /// more than 512 MiB. A picture with an edge longer than twice `enough` pixels is loaded at a
+    /// half, a quarter or an eighth of its size, its longer edge no shorter than `enough`.
+    static std::optional<StillImage> loadCGImage(const URL& url,
+                                                 std::optional<std::int64_t> enough = std::nullopt);
 };
 
 }  // namespace ReelCore

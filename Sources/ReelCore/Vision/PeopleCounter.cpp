@@ -8,6 +8,13 @@
 
 namespace ReelCore {
 
+namespace {
+
+/// In pixels of the longer edge: twice what the larger of the nets takes.
+constexpr std::int64_t enoughToCount = 832;
+
+}  // namespace
+
 std::optional<std::int64_t> PeopleCounter::count(const Histogram& histogram,
                                                  std::int64_t minFrames) {
     std::optional<std::int64_t> most;
@@ -31,7 +38,7 @@ std::optional<PeopleCounter::Estimate> PeopleCounter::estimate(
     for (std::int64_t i = 0; i < slices && !isCancelled(); ++i) {
         const double middle =
             duration * (static_cast<double>(i) + 0.5) / static_cast<double>(slices);
-        const auto image = grabber.still(url, middle, folder.url());
+        const auto image = grabber.still(url, middle, folder.url(), enoughToCount);
         if (image) ++histogram[vision.peopleInFrame(*image)];
     }
     const auto people = count(histogram, minFrames);

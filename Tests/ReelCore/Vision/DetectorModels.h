@@ -1,24 +1,20 @@
 #pragma once
 
-#include "ReelCore/Platform/URL.h"
+#include "Support/TranscriptTools.h"
 
-#include <cstdlib>
-#include <filesystem>
 #include <string>
 
 namespace ReelCore {
 
 /// Where the tests' nets stand.
 inline URL detectorModels() {
-    return URL(std::getenv("HOME")) / ".cache/keldobay-transcript/keldobay/models/vision";
+    return TestSupport::TranscriptTools().visionModels;
 }
 
 /// Why there are none; empty where there are.
 inline std::string detectorModelsMissing() {
-    for (const char* name : {"blazeface.onnx", "nanodet.onnx"}) {
-        if (!std::filesystem::exists(detectorModels() / name)) return std::string("needs ") + name;
-    }
-    return {};
+    const TestSupport::TranscriptTools tools;
+    return tools.lack({tools.visionModels / "blazeface.onnx", tools.visionModels / "nanodet.onnx"});
 }
 
 }  // namespace ReelCore

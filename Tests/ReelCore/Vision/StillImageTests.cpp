@@ -79,6 +79,24 @@ TEST_F(StillImageFiles, JPEG_IsLoaded) {
     expectThePicture(FrameGrabber::loadCGImage(makePicture("still.jpg")));
 }
 
+TEST_F(StillImageFiles, MoreThanEnough_IsLoadedSmaller) {
+    const URL picture = path("large.jpg");
+    TestSupport::outputOf("ffmpeg", {"-v", "error", "-f", "lavfi", "-i", "color=red:s=1920x1080",
+                                     "-frames:v", "1", picture.native()});
+    const auto widthAt = [&](std::int64_t enough) {
+        const auto image = FrameGrabber::loadCGImage(picture, enough);
+        return image ? image->width : 0;
+    };
+
+    EXPECT_EQ(widthAt(1), 240);
+    EXPECT_EQ(widthAt(240), 240);
+    EXPECT_EQ(widthAt(241), 480);
+    EXPECT_EQ(widthAt(832), 960);
+    EXPECT_EQ(widthAt(961), 1920);
+    EXPECT_EQ(widthAt(100'000), 1920);
+    expectNear(colourAt(*FrameGrabber::loadCGImage(picture, 240), 100, 100), {0, 0, 255});
+}
+
 TEST_F(StillImageFiles, PNG_IsLoadedExactly) {
     const auto image = FrameGrabber::loadCGImage(makePicture("still.png"));
     TestSupport::outputOf("ffmpeg", {"-v", "error", "-i", path("still.png").native(), "-pix_fmt",
