@@ -37,10 +37,7 @@ cv::Rect2d scaled(const cv::Rect& box, double scale) {
 
 class FaceCascade : public Detector {
 public:
-    bool load(const URL& file) {
-        cv::setNumThreads(1);
-        return cascade_.load(file.native());
-    }
+    bool load(const URL& file) { return cascade_.load(file.native()); }
 
     std::vector<NormalizedRect> find(const StillImage& image) override {
         const cv::Mat pixels = pixelsOf(image);
@@ -59,10 +56,7 @@ private:
 
 class PedestrianDetector : public Detector {
 public:
-    PedestrianDetector() {
-        cv::setNumThreads(1);
-        hog_.setSVMDetector(cv::HOGDescriptor::getDefaultPeopleDetector());
-    }
+    PedestrianDetector() { hog_.setSVMDetector(cv::HOGDescriptor::getDefaultPeopleDetector()); }
 
     std::vector<NormalizedRect> find(const StillImage& image) override {
         const cv::Mat pixels = pixelsOf(image);

@@ -1,8 +1,19 @@
 #include "ReelCore/Vision/DetectedBoxes.h"
 
+#include <algorithm>
+#include <array>
+#include <cmath>
+
 #include <opencv2/dnn.hpp>
 
 namespace ReelCore {
+
+void DetectedBoxes::add(const cv::Rect2d& box, float score) {
+    const std::array numbers{box.x, box.y, box.width, box.height};
+    if (!std::ranges::all_of(numbers, [](double one) { return std::isfinite(one); })) return;
+    boxes_.push_back(box);
+    scores_.push_back(score);
+}
 
 std::vector<NormalizedRect> DetectedBoxes::within(cv::Size size) const {
     std::vector<int> kept;

@@ -21,10 +21,8 @@ public:
     /// `overlap` is the part of two boxes' union from which on both are of one thing.
     DetectedBoxes(float threshold, float overlap) : threshold_(threshold), overlap_(overlap) {}
 
-    void add(const cv::Rect2d& box, float score) {
-        boxes_.push_back(box);
-        scores_.push_back(score);
-    }
+    /// Passes over a box that is not finite.
+    void add(const cv::Rect2d& box, float score);
 
     /// Each thing once, the surest first, without what is beyond a picture of that size.
     std::vector<NormalizedRect> within(cv::Size size) const;

@@ -2,11 +2,11 @@
 
 #include "ReelCore/Platform/Arithmetic.h"
 #include "ReelCore/Platform/ChildProcess.h"
-#include "ReelCore/Platform/File.h"
 #include "ReelCore/Platform/FileSystem.h"
 #include "ReelCore/Platform/Number.h"
 #include "ReelCore/Transcode/MediaQuery.h"
 #include "ReelCore/Transcribe/TranscribeError.h"
+#include "ReelCore/Vision/FileBytes.h"
 
 #include <algorithm>
 #include <exception>
@@ -21,6 +21,10 @@ namespace {
 
 /// In bytes; far above any encoded still, and what the decoder can count.
 constexpr std::int64_t largestStill = std::int64_t{1} << 29;
+
+/// More than any camera's frame has (12,288 by 8,040). The decoder itself would go up to 2^30, and
+/// a still is held twice while it is handed on.
+constexpr std::int64_t mostPixels = std::int64_t{1} << 27;
 
 /// An eighth of a picture is decoded quickly, and tells how large the whole is.
 cv::Mat decoded(const cv::Mat& encoded, std::optional<std::int64_t> enough) {
@@ -68,14 +72,13 @@ std::optional<StillImage> FrameGrabber::still(const URL& url, double seconds, co
 std::optional<StillImage> FrameGrabber::loadCGImage(const URL& url,
                                                     std::optional<std::int64_t> enough) {
     try {
-        const File file = File::openForReading(url, FileLinks::follow);
-        if (file.size() > largestStill) return std::nullopt;
-        std::vector<std::byte> bytes(static_cast<std::size_t>(file.size()));
-        bytes.resize(file.readAt(0, bytes));
-        if (bytes.empty()) return std::nullopt;
-        const cv::Mat encoded(1, static_cast<int>(bytes.size()), CV_8UC1, bytes.data());
+        auto bytes = bytesOfFile(url, largestStill);
+        if (!bytes || bytes->empty()) return std::nullopt;
+        const cv::Mat encoded(1, static_cast<int>(bytes->size()), CV_8UC1, bytes->data());
         const cv::Mat image = decoded(encoded, enough);
-        if (image.empty() || !image.isContinuous()) return std::nullopt;
+        const bool isStill = !image.empty() && image.isContinuous() &&
+                             std::int64_t{image.cols} * image.rows <= mostPixels;
+        if (!isStill) return std::nullopt;
         return StillImage{image.cols, image.rows,
                           std::vector<std::uint8_t>(image.datastart, image.dataend)};
     } catch (const std::exception&) {

@@ -1,15 +1,19 @@
 #include "ReelCore/Vision/NeuralDetectors.h"
 
+#include "ReelCore/Hashing/CryptoHasher.h"
 #include "ReelCore/Vision/DetectedBoxes.h"
+#include "ReelCore/Vision/FileBytes.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <exception>
-#include <filesystem>
+#include <span>
+#include <stdexcept>
 #include <string>
-#include <system_error>
+#include <string_view>
 
 #include <opencv2/dnn.hpp>
 #include <opencv2/imgproc.hpp>
@@ -19,12 +23,19 @@ namespace ReelCore {
 namespace {
 
 /// In bytes; a few times the larger of the two nets.
-constexpr std::uintmax_t largestModel = std::uintmax_t{64} << 20;
+constexpr std::int64_t largestModel = std::int64_t{64} << 20;
+
+/// The SHA-256 of the files that Scripts/install-transcript makes.
+constexpr std::string_view blazeFaceSum =
+    "427cbbe0fc41448d09e1dc9cfabe2423d997cf2faaeab91fadd09a510b63b8e2";
+constexpr std::string_view nanoDetSum =
+    "a3f4797fd0dde00b8836ba367933f8ac84112277474789301275aa697b608453";
 
 class Net {
 public:
-    explicit Net(const URL& model) : net_(cv::dnn::readNetFromONNX(model.native())) {
-        cv::setNumThreads(1);
+    explicit Net(std::span<const std::byte> model)
+        : net_(
+              cv::dnn::readNetFromONNX(reinterpret_cast<const char*>(model.data()), model.size())) {
         net_.setPreferableBackend(cv::dnn::DNN_BACKEND_OPENCV);
         outputs_ = net_.getUnconnectedOutLayersNames();
     }
@@ -71,7 +82,7 @@ std::pair<cv::Mat, double> squared(const cv::Mat& image, int edge) {
 /// score and a box.
 class BlazeFace : public Detector {
 public:
-    explicit BlazeFace(const URL& model) : net_(model) {}
+    explicit BlazeFace(std::span<const std::byte> model) : net_(model) {}
 
     std::vector<NormalizedRect> find(const StillImage& image) override {
         const cv::Mat pixels = pixelsOf(image);
@@ -122,7 +133,7 @@ private:
 /// which people are the first, and the distances to the four sides, each as odds of 0 to 10 steps.
 class NanoDet : public Detector {
 public:
-    explicit NanoDet(const URL& model) : net_(model) {}
+    explicit NanoDet(std::span<const std::byte> model) : net_(model) {}
 
     std::vector<NormalizedRect> find(const StillImage& image) override {
         const cv::Mat pixels = pixelsOf(image);
@@ -186,13 +197,18 @@ private:
     Net net_;
 };
 
+bool hasSum(std::span<const std::byte> bytes, std::string_view sum) {
+    CryptoHasher hasher(CryptoHasher::Kind::sha256);
+    hasher.update(bytes);
+    return hasher.finalizeHex() == sum;
+}
+
 template <class Found>
-std::unique_ptr<Detector> loaded(const URL& model) {
-    std::error_code failure;
-    const std::uintmax_t size = std::filesystem::file_size(model, failure);
-    if (failure || size > largestModel) return nullptr;
+std::unique_ptr<Detector> loaded(const URL& model, std::string_view sum) {
     try {
-        auto detector = std::make_unique<Found>(model);
+        const auto bytes = bytesOfFile(model, largestModel);
+        if (!bytes || !hasSum(*bytes, sum)) return nullptr;
+        auto detector = std::make_unique<Found>(*bytes);
         detector->find({1, 1, {0, 0, 0}});
         return detector;
     } catch (const std::exception&) {
@@ -203,11 +219,11 @@ std::unique_ptr<Detector> loaded(const URL& model) {
 }  // namespace
 
 std::unique_ptr<Detector> loadBlazeFace(const URL& model) {
-    return loaded<BlazeFace>(model);
+    return loaded<BlazeFace>(model, blazeFaceSum);
 }
 
 std::unique_ptr<Detector> loadNanoDet(const URL& model) {
-    return loaded<NanoDet>(model);
+    return loaded<NanoDet>(model, nanoDetSum);
 }
 
 }  // namespace ReelCore

@@ -1,10 +1,12 @@
 #include "ReelCore/Vision/TextLayout.h"
 
+#include "ReelCore/Platform/Split.h"
 #include "ReelCore/Platform/Text.h"
 
 #include <algorithm>
 #include <array>
 #include <limits>
+#include <span>
 #include <string_view>
 #include <utility>
 
@@ -12,10 +14,57 @@ namespace ReelCore {
 
 namespace {
 
-constexpr std::array<std::string_view, 24> labels{
-    "SCENE", "SCN",     "SC",         "TAKE",     "TK",   "SCENE/TAKE", "SC/TK", "ROLL",
-    "CAM",   "CAMROLL", "CAMERAROLL", "DIRECTOR", "DIR",  "CAMERA",     "DP",    "CINEMATOGRAPHER",
-    "PROD",  "TITLE",   "PRODUCTION", "SHOW",     "DATE", "FPS",        "CAM.",  "FRAMERATE"};
+constexpr std::array<std::string_view, 8> labelsOfNumbers{"SCENE", "SCN",  "SC",      "TAKE",
+                                                          "TK",    "ROLL", "CAMROLL", "CAMERAROLL"};
+constexpr std::array<std::string_view, 15> otherLabels{
+    "SCENE/TAKE",      "SC/TK", "CAM",   "DIRECTOR",   "DIR",  "CAMERA", "DP",
+    "CINEMATOGRAPHER", "PROD",  "TITLE", "PRODUCTION", "SHOW", "DATE",   "FPS",
+    "FRAMERATE"};
+
+std::string lettersOf(const std::string& text) {
+    std::string letters = Text::upperCased(text);
+    std::erase_if(letters, [](char c) { return c == ' ' || c == '.' || c == ':' || c == '#'; });
+    return letters;
+}
+
+bool isOneOf(std::span<const std::string_view> labels, const std::string& text) {
+    return std::ranges::find(labels, lettersOf(text)) != labels.end();
+}
+
+/// A word as it is meant where it is a number with at most two capitals: the O in it is a 0 and the
+/// I a 1. Slates leave those letters out because nobody can tell them apart.
+std::string numbered(std::string word) {
+    constexpr std::string_view likeZero = "Oo";
+    constexpr std::string_view likeOne = "Iil";
+    constexpr std::string_view digits = "0123456789";
+    const auto isOf = [](std::string_view set) {
+        return [set](char c) { return set.find(c) != set.npos; };
+    };
+    const auto number = std::ranges::count_if(word, isOf(digits));
+    const auto meant =
+        std::ranges::count_if(word, isOf(likeZero)) + std::ranges::count_if(word, isOf(likeOne));
+    const auto others = std::ssize(word) - number - meant;
+    const auto capitals = std::ranges::count_if(
+        word, [](char c) { return c >= 'A' && c <= 'Z' && c != 'O' && c != 'I'; });
+    const bool isPlain = others == capitals;
+    if (!isPlain || number == 0 || others > 2) return word;
+    std::ranges::replace_if(word, isOf(likeZero), '0');
+    std::ranges::replace_if(word, isOf(likeOne), '1');
+    return word;
+}
+
+/// The text with the word right behind a label of a number as it is meant.
+std::string withNumbers(const std::string& text) {
+    std::string result;
+    std::string before;
+    for (const std::string_view piece : piecesOf(text, " ")) {
+        const bool isNumber = isOneOf(labelsOfNumbers, before);
+        const std::string word = isNumber ? numbered(std::string(piece)) : std::string(piece);
+        result += (result.empty() ? "" : " ") + word;
+        if (!lettersOf(word).empty()) before = word;
+    }
+    return result;
+}
 
 /// How much of the lower of two pieces stands beside the other.
 double besideEachOther(const PlacedText& a, const PlacedText& b) {
@@ -55,12 +104,12 @@ double distance(const PlacedText& label, const PlacedText& value, bool isAloneIn
 
 /// True if another label stands between the label and the value on its right.
 bool isCutOff(const PlacedText& label, const PlacedText& value,
-              const std::vector<PlacedText>& segments) {
-    return std::ranges::any_of(segments, [&](const PlacedText& other) {
-        return TextLayout::isBareLabel(other.text) && besideEachOther(label, other) > 0.4 &&
-               other.left > label.left && other.left < value.left &&
-               besideEachOther(label, value) > 0.4;
-    });
+              const std::vector<PlacedText>& labels) {
+    return besideEachOther(label, value) > 0.4 &&
+           std::ranges::any_of(labels, [&](const PlacedText& other) {
+               return besideEachOther(label, other) > 0.4 && other.left > label.left &&
+                      other.left < value.left;
+           });
 }
 
 /// Joins each bare label with the nearest value; each value goes to one label only.
@@ -70,18 +119,16 @@ void pair(std::vector<PlacedText>& segments) {
         std::size_t label;
         std::size_t value;
     };
+    const auto values =
+        std::ranges::stable_partition(segments, TextLayout::isBareLabel, &PlacedText::text);
+    const std::vector<PlacedText> labels(segments.begin(), values.begin());
     std::vector<Pair> pairs;
-    for (std::size_t i = 0; i < segments.size(); ++i) {
-        if (!TextLayout::isBareLabel(segments[i].text)) continue;
-        const bool isAlone = std::ranges::none_of(segments, [&](const PlacedText& other) {
-            return &other != &segments[i] && other.cell == segments[i].cell &&
-                   TextLayout::isBareLabel(other.text);
-        });
-        for (std::size_t j = 0; j < segments.size(); ++j) {
-            if (i == j || TextLayout::isBareLabel(segments[j].text)) continue;
-            const double apart = distance(segments[i], segments[j], isAlone);
+    for (std::size_t i = 0; i < labels.size(); ++i) {
+        const bool isAlone = std::ranges::count(labels, labels[i].cell, &PlacedText::cell) == 1;
+        for (std::size_t j = labels.size(); j < segments.size(); ++j) {
+            const double apart = distance(labels[i], segments[j], isAlone);
             if (apart == std::numeric_limits<double>::infinity()) continue;
-            if (!isCutOff(segments[i], segments[j], segments)) pairs.push_back({apart, i, j});
+            if (!isCutOff(labels[i], segments[j], labels)) pairs.push_back({apart, i, j});
         }
     }
     std::ranges::stable_sort(pairs, {}, &Pair::distance);
@@ -116,30 +163,8 @@ std::vector<PlacedText> TextLayout::segments(std::vector<PlacedText> words) {
     return segments;
 }
 
-std::string TextLayout::numbered(std::string word) {
-    constexpr std::string_view likeZero = "Oo";
-    constexpr std::string_view likeOne = "Iil";
-    constexpr std::string_view digits = "0123456789";
-    const auto isOf = [](std::string_view set) {
-        return [set](char c) { return set.find(c) != set.npos; };
-    };
-    const auto number = std::ranges::count_if(word, isOf(digits));
-    const auto meant =
-        std::ranges::count_if(word, isOf(likeZero)) + std::ranges::count_if(word, isOf(likeOne));
-    const auto others = std::ssize(word) - number - meant;
-    const auto capitals = std::ranges::count_if(
-        word, [](char c) { return c >= 'A' && c <= 'Z' && c != 'O' && c != 'I'; });
-    const bool isPlain = others == capitals;
-    if (!isPlain || number == 0 || others > 2) return word;
-    std::ranges::replace_if(word, isOf(likeZero), '0');
-    std::ranges::replace_if(word, isOf(likeOne), '1');
-    return word;
-}
-
 bool TextLayout::isBareLabel(const std::string& text) {
-    std::string letters = Text::upperCased(text);
-    std::erase_if(letters, [](char c) { return c == ' ' || c == '.' || c == ':' || c == '#'; });
-    return std::ranges::find(labels, letters) != labels.end();
+    return isOneOf(labelsOfNumbers, text) || isOneOf(otherLabels, text);
 }
 
 std::vector<TextLine> TextLayout::lines(std::vector<PlacedText> segments) {
@@ -153,7 +178,7 @@ std::vector<TextLine> TextLayout::lines(std::vector<PlacedText> segments) {
         const double top = row->top;
         std::stable_sort(row, end,
                          [](const PlacedText& a, const PlacedText& b) { return a.left < b.left; });
-        for (; row != end; ++row) lines.push_back({std::move(row->text), top});
+        for (; row != end; ++row) lines.push_back({withNumbers(row->text), top});
     }
     return lines;
 }

@@ -26,16 +26,13 @@ struct TextLayout {
     /// Words that stand side by side, as one piece each.
     static std::vector<PlacedText> segments(std::vector<PlacedText> words);
 
-    /// A word as it is meant where it is a number with at most two capitals: the O in it is a 0 and
-    /// the I a 1. Slates leave those letters out because nobody can tell them apart.
-    static std::string numbered(std::string word);
-
     /// True for what a slate has as the label of a field, such as "Scene" or "ROLL:", and nothing
     /// more.
     static bool isBareLabel(const std::string& text);
 
     /// The pieces, left before right and all of one row with the same upper edge. A bare label and
-    /// the value in its cell, right of it or below it are one line.
+    /// the value in its cell, right of it or below it are one line. Letters in the number right
+    /// behind the label of a roll, scene or take are the digits that they look like.
     static std::vector<TextLine> lines(std::vector<PlacedText> segments);
 };
 

@@ -98,7 +98,7 @@ std::vector<Corners> boardsIn(const cv::Mat& small) {
 }
 
 /// The four-cornered part of a picture as seen from the front, as wide as can be read.
-cv::Mat frontOf(const cv::Mat& grey, const Corners& board, cv::Mat& toOriginal) {
+cv::Mat frontOf(const cv::Mat& grey, const Corners& board) {
     const Corners& from = board;
     const double width = std::max(cv::norm(from[1] - from[0]), cv::norm(from[2] - from[3]));
     const double height = std::max(cv::norm(from[3] - from[0]), cv::norm(from[2] - from[1]));
@@ -107,10 +107,9 @@ cv::Mat frontOf(const cv::Mat& grey, const Corners& board, cv::Mat& toOriginal) 
     const auto w = static_cast<float>(size.width);
     const auto h = static_cast<float>(size.height);
     const Corners to{{0, 0}, {w, 0}, {w, h}, {0, h}};
-    toOriginal = cv::getPerspectiveTransform(to, from);
     cv::Mat front;
-    cv::warpPerspective(grey, front, toOriginal, size, cv::INTER_CUBIC | cv::WARP_INVERSE_MAP,
-                        cv::BORDER_REPLICATE);
+    cv::warpPerspective(grey, front, cv::getPerspectiveTransform(to, from), size,
+                        cv::INTER_CUBIC | cv::WARP_INVERSE_MAP, cv::BORDER_REPLICATE);
     return front;
 }
 
@@ -139,17 +138,15 @@ double tiltOf(const cv::Mat& grey) {
     return 0.0;
 }
 
-cv::Mat straightened(const cv::Mat& grey, double degrees, cv::Mat& toOriginal) {
+cv::Mat straightened(const cv::Mat& grey, double degrees) {
     const cv::Point2f middle(static_cast<float>(grey.cols) / 2.0F,
                              static_cast<float>(grey.rows) / 2.0F);
     const double scale = static_cast<double>(readableWidth) / std::max(grey.cols, grey.rows);
     cv::Mat turn = cv::Mat::eye(3, 3, CV_64F);
     cv::getRotationMatrix2D(middle, degrees, 1.0).copyTo(turn.rowRange(0, 2));
     const cv::Mat enlarge = (cv::Mat_<double>(3, 3) << scale, 0, 0, 0, scale, 0, 0, 0, 1);
-    const cv::Mat fromOriginal = enlarge * turn;
-    toOriginal = fromOriginal.inv();
     cv::Mat straight;
-    cv::warpPerspective(grey, straight, fromOriginal,
+    cv::warpPerspective(grey, straight, enlarge * turn,
                         {static_cast<int>(grey.cols * scale), static_cast<int>(grey.rows * scale)},
                         scale < 1.0 ? cv::INTER_AREA : cv::INTER_CUBIC, cv::BORDER_REPLICATE);
     return straight;
@@ -204,8 +201,8 @@ void removeRulings(cv::Mat& grey, cv::Mat& cells) {
     cv::connectedComponents(255 - rulings, cells, 4, CV_32S);
 }
 
-TextPicture finished(const cv::Mat& grey, const cv::Mat& toOriginal) {
-    TextPicture picture{darkOnLight(grey), {}, toOriginal};
+TextPicture finished(const cv::Mat& grey) {
+    TextPicture picture{darkOnLight(grey), {}};
     removeRulings(picture.grey, picture.cells);
     return picture;
 }
@@ -257,13 +254,9 @@ std::vector<TextPicture> TextPicture::of(const StillImage& image) {
     const float scale = static_cast<float>(grey.cols) / static_cast<float>(small.cols);
     for (Corners& board : boardsIn(small)) {
         for (cv::Point2f& corner : board) corner *= scale;
-        cv::Mat toOriginal;
-        const cv::Mat front = frontOf(grey, board, toOriginal);
-        pictures.push_back(finished(front, toOriginal));
+        pictures.push_back(finished(frontOf(grey, board)));
     }
-    cv::Mat toOriginal;
-    const cv::Mat straight = straightened(grey, tiltOf(small), toOriginal);
-    pictures.push_back(finished(straight, toOriginal));
+    pictures.push_back(finished(straightened(grey, tiltOf(small))));
     return pictures;
 }
 

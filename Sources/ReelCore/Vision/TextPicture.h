@@ -13,9 +13,8 @@ namespace ReelCore {
 /// A picture made ready for text recognition: dark writing on light ground, upright, without ruling
 /// lines.
 struct TextPicture {
-    cv::Mat grey;        ///< 8 bits.
-    cv::Mat cells;       ///< For each pixel the number of the table's cell that it is in; CV_32S.
-    cv::Mat toOriginal;  ///< From its pixels to those of the picture: 3 by 3, CV_64F.
+    cv::Mat grey;   ///< 8 bits.
+    cv::Mat cells;  ///< For each pixel the number of the table's cell that it is in; CV_32S.
 
     /// Which cell a place is in; the place is taken into the picture.
     int cellAt(double x, double y) const;

@@ -7,7 +7,6 @@
 #include <cctype>
 #include <cstdint>
 #include <iterator>
-#include <stdexcept>
 #include <string_view>
 #include <utility>
 
@@ -28,11 +27,11 @@ struct Reading {
 
 class Tesseract : public TextRecognizer {
 public:
-    Tesseract() {
-        if (api_.Init(nullptr, "eng", tesseract::OEM_LSTM_ONLY) != 0) {
-            throw std::runtime_error("no English data");
-        }
+    /// False if the data are missing.
+    bool load() {
+        if (api_.Init(nullptr, "eng", tesseract::OEM_LSTM_ONLY) != 0) return false;
         api_.SetVariable("debug_file", "/dev/null");  // what it notices is for no person
+        return true;
     }
 
     std::vector<TextLine> read(const StillImage& image) override {
@@ -40,8 +39,9 @@ public:
         Reading best;
         for (const TextPicture& picture : TextPicture::of(image)) {
             Reading reading = readingOf(picture);
-            if (reading.sureness > best.sureness) best = std::move(reading);
-            if (best.labels >= labelsOfASlate) break;
+            const bool isSlate = reading.labels >= labelsOfASlate;
+            if (isSlate || reading.sureness > best.sureness) best = std::move(reading);
+            if (isSlate) break;
         }
         return TextLayout::lines(std::move(best.segments));
     }
@@ -119,9 +119,9 @@ private:
                 !at->BoundingBox(tesseract::RIL_WORD, &left, &top, &right, &bottom)) {
                 continue;
             }
-            words.push_back({TextLayout::numbered(text.get()), static_cast<double>(left),
-                             static_cast<double>(top), static_cast<double>(right),
-                             static_cast<double>(bottom), 0, static_cast<double>(confidence)});
+            words.push_back({text.get(), static_cast<double>(left), static_cast<double>(top),
+                             static_cast<double>(right), static_cast<double>(bottom), 0,
+                             static_cast<double>(confidence)});
         } while (at->Next(tesseract::RIL_WORD));
         return words;
     }
@@ -133,10 +133,16 @@ private:
     tesseract::TessBaseAPI api_;
 };
 
+class BlindRecognizer : public TextRecognizer {
+    std::vector<TextLine> read(const StillImage&) override { return {}; }
+};
+
 }  // namespace
 
 std::unique_ptr<TextRecognizer> makeTextRecognizer() {
-    return std::make_unique<Tesseract>();
+    auto tesseract = std::make_unique<Tesseract>();
+    if (tesseract->load()) return tesseract;
+    return std::make_unique<BlindRecognizer>();
 }
 
 }  // namespace ReelCore

@@ -11,7 +11,7 @@ namespace ReelCore {
 /// A piece of text in a picture: a line of it, or a label with the value that belongs to it.
 struct TextLine {
     std::string text;  ///< UTF-8.
-    double top = 0.0;  ///< Its upper edge in pixels from the picture's.
+    double top = 0.0;  ///< Its upper edge, in a measure that all lines of one reading share.
 };
 
 /// Reads what is written in pictures. One thread at a time.
@@ -23,7 +23,7 @@ public:
     virtual std::vector<TextLine> read(const StillImage& image) = 0;
 };
 
-/// Tesseract with its English data. Throws std::runtime_error where that is missing.
+/// Tesseract with its English data; where those are missing, one that reads nothing.
 std::unique_ptr<TextRecognizer> makeTextRecognizer();
 
 }  // namespace ReelCore

@@ -11,6 +11,8 @@
 #include <mutex>
 #include <utility>
 
+#include <opencv2/core/utility.hpp>
+
 namespace ReelCore {
 
 namespace {
@@ -90,7 +92,10 @@ private:
     }
 };
 
-VisionAnalyzer::VisionAnalyzer() : tools_(std::make_shared<Tools>()) {}
+VisionAnalyzer::VisionAnalyzer() : tools_(std::make_shared<Tools>()) {
+    static std::once_flag isSet;  // OpenCV must not be at work when it is
+    std::call_once(isSet, [] { cv::setNumThreads(1); });
+}
 
 VisionAnalyzer::VisionAnalyzer(std::unique_ptr<Detector> faces, std::unique_ptr<Detector> people)
     : VisionAnalyzer() {
@@ -145,8 +150,9 @@ std::optional<VisionAnalyzer::Color> VisionAnalyzer::averageColor(const StillIma
     if (!isWhole(image)) return std::nullopt;
     std::array<double, 3> sums{};
     for (std::size_t i = 0; i < image.pixels.size(); ++i) sums[i % 3] += image.pixels[i];
-    const double scale = 1.0 / (255.0 * static_cast<double>(image.width * image.height));
-    return Color{sums[2] * scale, sums[1] * scale, sums[0] * scale};
+    const auto pixels = static_cast<double>(image.width * image.height);
+    const auto mean = [&](double sum) { return std::round(sum / pixels) / 255.0; };
+    return Color{mean(sums[2]), mean(sums[1]), mean(sums[0])};
 }
 
 }  // namespace ReelCore

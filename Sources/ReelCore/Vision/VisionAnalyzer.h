@@ -51,7 +51,8 @@ public:
 
     PersonAnalysis analyzePeople(const StillImage& image) const;
 
-    /// The mean of all pixels; absent for an empty picture.
+    /// The mean of all pixels, as one pixel of 8 bits a channel can hold it; absent for an empty
+    /// picture.
     static std::optional<Color> averageColor(const StillImage& image);
 
 private:

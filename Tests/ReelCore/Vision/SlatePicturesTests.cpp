@@ -128,6 +128,39 @@ TEST(SlatePictures, DrawnSlates_GiveNearlyAllTheirFields) {
     EXPECT_GE(static_cast<double>(right), 0.95 * static_cast<double>(fields));
 }
 
+TEST(SlatePictures, SlateBesideALargerBoardWithMoreToRead_IsWhatIsRead) {
+    if (const auto missing = slatesMissing(); !missing.empty()) GTEST_SKIP() << missing;
+    const TestSupport::TemporaryFolder folder;
+    const URL picture = folder.path() / "boards.png";
+    TestSupport::outputOf("convert",
+                          {"-size",
+                           "1280x720",
+                           "xc:gray30",
+                           "-fill",
+                           "white",
+                           "-draw",
+                           "rectangle 60,60 900,420 rectangle 700,470 1240,690",
+                           "-fill",
+                           "black",
+                           "-font",
+                           "/usr/share/fonts/truetype/dejavu/DejaVuSans-Bold.ttf",
+                           "-pointsize",
+                           "34",
+                           "-annotate",
+                           "+100+120",
+                           "THE QUICK BROWN FOX JUMPS OVER\n\nSEVEN LAZY DOGS AND RUNS ALONG\n\n"
+                           "EVERY RIVER THAT IT CAN FIND",
+                           "-pointsize",
+                           "40",
+                           "-annotate",
+                           "+730+530",
+                           "SCENE: 12A\nTAKE: 3\nROLL: A004",
+                           picture.native()});
+
+    EXPECT_EQ(VisionAnalyzer().recognizeText(*FrameGrabber::loadCGImage(picture)),
+              (std::vector<std::string>{"SCENE: 12A", "TAKE: 3", "ROLL: A004"}));
+}
+
 TEST(SlatePictures, PicturesWithoutASlate_GiveNone) {
     const TestSupport::TemporaryFolder folder;
     for (const char* picture : {house, street, coffee}) {

@@ -137,6 +137,7 @@ TEST_F(StillImageFiles, HugeDeclaredSize_IsAbsent) {
     const std::string jpeg = TestSupport::readFile(makePicture("still.jpg"));
 
     EXPECT_EQ(loadBytes(declaring(jpeg, "\xFF\xDC\xFF\xDC")), std::nullopt);
+    EXPECT_EQ(loadBytes(declaring(jpeg, "\x20\x08\x40\x10")), std::nullopt) << "16,400 by 8,200";
     EXPECT_EQ(loadBytes(declaring(jpeg, "\0\0\0\0"s)), std::nullopt);
     EXPECT_EQ(loadBytes("P6\n1000000 1000000\n255\n"), std::nullopt);
     EXPECT_EQ(loadBytes("P6\n-1 4\n255\nxxxx"), std::nullopt);

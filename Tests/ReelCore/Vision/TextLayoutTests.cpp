@@ -59,10 +59,21 @@ TEST(TextLayout, LettersInANumber_AreTheDigitsThatTheyLookLike) {
                                       {"IO", "IO"},
                                       {"JOHN2", "JOHN2"},
                                       {"Oct21", "Oct21"},
-                                      {"1O-11", "1O-11"},
-                                      {"", ""}}) {
-        EXPECT_EQ(TextLayout::numbered(read), meant) << read;
+                                      {"1O-11", "1O-11"}}) {
+        for (const std::string label : {"ROLL", "Scene:", "TK", "Cam. Roll #", "CAMERA ROLL"}) {
+            EXPECT_EQ(linesOf({word(label + " " + read, 0, 0)}), Texts{label + " " + meant});
+        }
+        EXPECT_EQ(linesOf({word("ROLL", 0, 0), word(read, 100, 0)}),
+                  Texts{std::string("ROLL ") + meant});
     }
+}
+
+TEST(TextLayout, LettersInWhatIsNoRollSceneOrTake_Stay) {
+    for (const char* text :
+         {"21OCT2026", "MI6", "CO2", "DATE 21OCT2026", "PROD MI6", "SHOW: CO2", "ROLL A001 MI6"}) {
+        EXPECT_EQ(linesOf({word(text, 0, 0)}), Texts{text});
+    }
+    EXPECT_EQ(linesOf({word("TITLE", 0, 0), word("MI6", 100, 0)}), Texts{"TITLE MI6"});
 }
 
 TEST(TextLayout, BareLabel_IsALabelAndNothingElse) {

@@ -1,10 +1,15 @@
 #include "ReelCore/Vision/VisionAnalyzer.h"
 
+#include "DrawnSlate.h"
 #include "FakeDetector.h"
+#include "ReelCore/Vision/FrameGrabber.h"
+#include "Support/EnvironmentVariable.h"
+#include "Support/FolderTree.h"
 
 #include <thread>
 
 #include <gtest/gtest.h>
+#include <opencv2/core/utility.hpp>
 
 namespace ReelCore {
 
@@ -70,7 +75,7 @@ TEST(VisionAnalyzer, Clothing_IsTheTallestPersonsAndTheFirstOfEquals) {
 
 TEST(VisionAnalyzer, Torso_IsTheMiddleHalfFrom45To70PercentAboveTheFeet) {
     const StillImage torso = blueIn(25, 30, 75, 55);
-    EXPECT_EQ(VisionAnalyzer::averageColor(torso)->b, 0.125);
+    EXPECT_EQ(VisionAnalyzer::averageColor(torso)->b, 32.0 / 255.0);
 
     EXPECT_EQ(clothingOf(whole, torso), "blue");
     // One pixel less on a side leaves 2 or 4 percent of black, seen at the edge of "dark blue".
@@ -111,15 +116,57 @@ TEST(VisionAnalyzer, TorsoPartlyBeyondThePicture_IsCutAtItsEdge) {
     EXPECT_EQ(clothingOf({-3, -3, 1, 1}, blue), std::nullopt);
 }
 
-TEST(VisionAnalyzer, AverageColor_IsTheMeanOfAllPixels) {
-    const StillImage image{2, 2, {0, 51, 255, 0, 51, 255, 0, 51, 0, 102, 51, 0}};
+TEST(VisionAnalyzer, AverageColor_IsTheMeanOfAllPixelsAsAPixelHoldsIt) {
+    const StillImage image{2, 2, {0, 51, 255, 0, 51, 255, 0, 51, 0, 101, 51, 0}};
 
     const auto color = VisionAnalyzer::averageColor(image);
 
     ASSERT_TRUE(color);
-    EXPECT_DOUBLE_EQ(color->r, 0.5);
-    EXPECT_DOUBLE_EQ(color->g, 0.2);
-    EXPECT_DOUBLE_EQ(color->b, 0.1);
+    EXPECT_DOUBLE_EQ(color->r, 128.0 / 255.0) << "of 127.5";
+    EXPECT_DOUBLE_EQ(color->g, 51.0 / 255.0);
+    EXPECT_DOUBLE_EQ(color->b, 25.0 / 255.0) << "of 25.25";
+}
+
+TEST(VisionAnalyzer, ClothingAtABoundary_IsNamedByTheWholePixelValue) {
+    StillImage image = plainPicture(100, 100, {209, 209, 209});
+    for (std::size_t i = 0; i < image.pixels.size(); i += 12) {
+        for (std::size_t channel = 0; channel < 3; ++channel) image.pixels.at(i + channel) = 210;
+    }
+
+    EXPECT_EQ(clothingOf(whole, image), "grey") << "0.8205 is 209 of 255, which is below 0.82";
+}
+
+TEST(VisionAnalyzer, OneThread_IsAllThatOpenCVMayTake) {
+    if (cv::getNumberOfCPUs() < 2) GTEST_SKIP() << "needs two processors";
+    const VisionAnalyzer analyzer;
+
+    EXPECT_EQ(cv::getNumThreads(), 1);
+}
+
+TEST(VisionAnalyzer, LettersBesideDigits_StayWhereNoNumberIsLabelled) {
+    if (const auto missing = slatesMissing(); !missing.empty()) GTEST_SKIP() << missing;
+    const TestSupport::TemporaryFolder folder;
+    const std::vector<std::string> texts{"PROD: MI6", "TITLE: CO2"};
+    drawText(texts, folder.path() / "text.png");
+
+    EXPECT_EQ(
+        VisionAnalyzer().recognizeText(*FrameGrabber::loadCGImage(folder.path() / "text.png")),
+        texts);
+}
+
+TEST(VisionAnalyzer, MissingTextData_AreLookedForOnce) {
+    if (const auto missing = slatesMissing(); !missing.empty()) GTEST_SKIP() << missing;
+    const TestSupport::TemporaryFolder folder;
+    drawText({"SCENE 12"}, folder.path() / "text.png");
+    const StillImage image = *FrameGrabber::loadCGImage(folder.path() / "text.png");
+    const VisionAnalyzer analyzer;
+    {
+        const TestSupport::EnvironmentVariable empty("TESSDATA_PREFIX", folder.path().native());
+        EXPECT_TRUE(analyzer.recognizeText(image).empty());
+    }
+
+    EXPECT_TRUE(analyzer.recognizeText(image).empty());
+    EXPECT_EQ(VisionAnalyzer().recognizeText(image), std::vector<std::string>{"SCENE 12"});
 }
 
 TEST(VisionAnalyzer, PicturesThatAreNone_ShowNothing) {
