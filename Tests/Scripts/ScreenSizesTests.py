@@ -37,7 +37,7 @@ class ScreenSizesTests(unittest.TestCase):
     def test_FolderOfNoScreen_IsNotCounted(self):
         self.lines("Plan/PlanScreen.qml", 1)
         self.lines("Components/Card.qml", 2000)
-        self.lines("Shell/LaterScreen.qml", 2000)
+        self.lines("Shell/ContentView.qml", 2000)
         self.assertEqual(self.sizes(), (0, "     1  Plan (QML 1)\n"))
 
     def test_NoScreens_Fails(self):

@@ -3,8 +3,14 @@
 #include "Support/Clip.h"
 #include "Support/FolderTree.h"
 #include "Support/RIFF.h"
+#include "Support/Tool.h"
 
 #include <string>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+#include <fmt/format.h>
 
 namespace Tour {
 
@@ -60,15 +66,66 @@ void makeImage(const URL& image, const URL& card) {
     writeFile(image, noise(gap) + clip + noise(gap, 2) + withoutIndex(clip));
 }
 
+/// A white board of ruled lines, as an ffmpeg filter.
+std::string slate() {
+    std::string filter =
+        "color=0x303840:s=1280x720:r=25:d=3,drawbox=x=140:y=60:w=1000:h=600:color=white:t=fill";
+    for (const auto& [x, y, text] : {std::tuple(180, 90, "PROD NIGHT SHIFT"),
+                                     {180, 210, "SCENE 12A"},
+                                     {660, 210, "TAKE 3"},
+                                     {180, 330, "ROLL A004"},
+                                     {660, 330, "25 FPS"},
+                                     {180, 450, "DIR JANE ROE"},
+                                     {180, 570, "DATE 22 NOV 2026"}}) {
+        filter +=
+            fmt::format(",drawtext=font='DejaVu Sans':fontsize=54:x={}:y={}:text='{}'", x, y, text);
+    }
+    for (const int y : {175, 295, 415, 535}) {
+        filter += fmt::format(",drawbox=x=140:y={}:w=1000:h=4:color=black:t=fill", y);
+    }
+    return filter;
+}
+
+/// Somebody to look at, where this machine has a portrait; else a grey wall.
+std::vector<std::string> person() {
+    const URL portrait = "/usr/lib/python3/dist-packages/skimage/data/astronaut.png";
+    if (!std::filesystem::exists(portrait))
+        return {"-f", "lavfi", "-i", "color=gray:s=720x720:r=25:d=12"};
+    return {"-loop", "1", "-framerate", "25", "-t", "12", "-i", portrait.native()};
+}
+
+void makeInterview(const URL& url) {
+    std::vector<std::string> arguments{"-y", "-v", "error", "-f", "lavfi", "-i", slate()};
+    for (const std::string& one : person()) arguments.push_back(one);
+    for (const auto& [voice, text] :
+         {std::pair("slt", "Good morning. The generator is running and the lights are ready."),
+          {"rms", "Then we can start with the first shot before the sun comes up."},
+          {"awb", "Please wait for me. I still have to change the battery of the camera."}}) {
+        arguments.insert(arguments.end(), {"-f", "lavfi", "-i",
+                                           fmt::format("flite=text='{}':voice={}", text, voice)});
+    }
+    const std::string filter =
+        "[0]setsar=1[slate];[1]scale=720:720,pad=1280:720:280:0:0x303840,setsar=1[person];"
+        "[slate][person]concat=n=2:v=1[v];"
+        "[2]apad=pad_dur=0.7[a];[3]apad=pad_dur=0.7[b];[4]apad=pad_dur=0.7[c];"
+        "[a][b][c]concat=n=3:v=0:a=1,aresample=48000,adelay=2500[s]";
+    arguments.insert(arguments.end(), {"-filter_complex", filter, "-map", "[v]", "-map", "[s]",
+                                       "-shortest", "-timecode", "10:45:00:00", "-c:v", "mpeg4",
+                                       "-q:v", "3", "-c:a", "pcm_s16le", url.native()});
+    outputOf("ffmpeg", arguments);
+}
+
 }  // namespace
 
 SampleDay::SampleDay(const URL& folder)
     : card(folder / "A001"),
       image(folder / "card.img"),
       look(folder / "warm.cube"),
+      interview(folder / "Interview.mov"),
       folder_(folder) {
     makeCard(card);
     makeImage(image, card);
+    makeInterview(interview);
     writeFile(look,
               "LUT_3D_SIZE 2\n0 0 0\n1 0 0\n0 0.9 0\n1 0.9 0\n0 0 0.7\n1 0 0.7\n0 0.9 0.7\n"
               "1 0.9 0.7\n");

@@ -22,6 +22,9 @@ struct SampleDay {
 
     ReelCore::URL look;  ///< A 3D LUT.
 
+    /// A clip with sound: a slate, then a person in the picture while three voices speak in turn.
+    ReelCore::URL interview;
+
 private:
     ReelCore::URL folder_;
 };

@@ -1,6 +1,7 @@
 #include "ReelCore/CardFormat/CardFormatter.h"
 #include "Support/Clip.h"
 #include "Support/FolderTree.h"
+#include "Support/Tool.h"
 #include "Tour/Guide.h"
 #include "Tour/SampleDay.h"
 #include "keldo-app/Offload/OffloadDriver.h"
@@ -9,6 +10,7 @@
 #include <cstdlib>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include <fmt/format.h>
 
@@ -180,6 +182,65 @@ void transcode(Guide& guide, const SampleDay& day) {
     requireFiles(guide, day / "Reports", 6);
 }
 
+/// Words are what a speech model makes of them: of each sentence, one that it always hears.
+void requirePieces(const Guide& guide, const std::string& text,
+                   const std::vector<std::string>& pieces) {
+    std::size_t at = 0;
+    for (const std::string& piece : pieces) {
+        at = text.find(piece, at);
+        guide.require(at != text.npos, fmt::format("“{}” in its place", piece));
+    }
+}
+
+/// What LibreOffice makes of a document, where it is installed.
+void requireReadable(const Guide& guide, const fs::path& document) {
+    if (!TestSupport::hasTool("soffice") || !TestSupport::hasTool("pdftotext")) return;
+    const fs::path profile = document.parent_path() / "profile";
+    TestSupport::outputOf("soffice", {"-env:UserInstallation=file://" + profile.native(),
+                                      "--headless", "--convert-to", "pdf", "--outdir",
+                                      document.parent_path().native(), document.native()});
+    fs::remove_all(profile);
+    const fs::path pdf = fs::path(document).replace_extension(".pdf");
+    requirePieces(
+        guide, TestSupport::outputOf("pdftotext", {"-layout", pdf.native(), "-"}),
+        {"Take 3", "generator", "Ann", "first shot", "Speaker 2", "battery", "Speaker 3"});
+}
+
+void transcript(Guide& guide, const SampleDay& day) {
+    auto& driver = guide.driver;
+    guide.press("mode.Transcript");
+    if (driver.isShown("transcript.needs") || driver.isShown("transcript.diarization")) {
+        guide.picture("transcript-needs");
+        Guide::say("  the transcript is left out: Scripts/install-transcript sets up its tools");
+        return;
+    }
+    guide.choose("transcript.input.choose", day.interview);
+    guide.waitFor("transcript.startTC");
+    guide.requireText("transcript.startTC", "Start TC 10:45:00:00");
+    driver.focus("transcript.people");
+    for (int people = 0; people < 3; ++people) driver.key(Qt::Key_Down);
+    guide.choose("transcript.output.choose", day / "Transcripts");
+    guide.show("transcript.clipCard");
+    guide.picture("transcript-setup");
+    guide.press("transcript.start");
+    guide.waitFor("transcript.phase");
+    guide.picture("transcript-running");
+    guide.waitFor("transcript.ready");
+    driver.press("transcript.name.0");
+    driver.key(Qt::Key_A, Qt::ControlModifier);
+    driver.type("Ann");
+    guide.press("transcript.save");
+    guide.waitForText("transcript.renameStatus", "Applied edits and re-saved the .docx.");
+    guide.show("transcript.ready");
+    guide.picture("transcript-ready");
+    const fs::path document = day / "Transcripts" / "Interview_transcript.docx";
+    requirePieces(guide,
+                  TestSupport::outputOf("unzip", {"-p", document.native(), "word/document.xml"}),
+                  {"Prod: NIGHT SHIFT", "Scene 12A", "Take 3", "10:45:0", "Ann", "generator",
+                   "Speaker 2", "first shot", "Speaker 3", "battery"});
+    requireReadable(guide, document);
+}
+
 /// Empties the folder of an earlier tour. Any other folder that holds something is refused.
 void beginAfresh(const fs::path& folder) {
     const fs::path mark = folder / ".keldobay-tour";
@@ -201,6 +262,7 @@ void tour(const fs::path& folder) {
     carve(guide, day);
     sync(guide, day, copy);
     transcode(guide, day);
+    transcript(guide, day);
     guide.require(guide.driver.warnings().isEmpty(), "no complaint from the toolkit");
     Guide::say("\nWhat was made:");
     for (const auto& entry : fs::recursive_directory_iterator(folder)) {

@@ -2,6 +2,7 @@
 #include "ReelCore/Platform/RunningChild.h"
 #include "ReelCore/Platform/SystemError.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -83,7 +84,7 @@ std::vector<std::string> environmentWith(const std::map<std::string, std::string
 
 /// All threads of the child's group, also those that it has started by now.
 void yieldToOthers(pid_t child) {
-    constexpr int niceness = 10;
+    const int niceness = std::max(10, ::getpriority(PRIO_PROCESS, 0));
     constexpr int lowest = IOPRIO_PRIO_VALUE(IOPRIO_CLASS_BE, 7);
     ::setpriority(PRIO_PGRP, static_cast<id_t>(child), niceness);
     ::syscall(SYS_ioprio_set, IOPRIO_WHO_PGRP, child, lowest);

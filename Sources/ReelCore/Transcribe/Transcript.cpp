@@ -1,50 +1,41 @@
 #include "ReelCore/Transcribe/Transcript.h"
 
-#include "ReelCore/Platform/Fatal.h"
-
-#include <array>
-
 namespace ReelCore {
+
+URL TranscribeRequest::documentURL() const {
+    const URL name = lastPathComponent(input);
+    return outputDirectory / (name.stem().native() + "_transcript.docx");
+}
 
 Timecode Transcript::timecode(const TranscriptSegment& segment) const {
     return startTimecode.adding(segment.startSeconds);
 }
 
 std::string_view rawValue(TranscribeProgress::Phase phase) {
-    using Phase = TranscribeProgress::Phase;
+    using enum TranscribeProgress::Phase;
     switch (phase) {
-        case Phase::probing:
+        case probing:
             return "probing";
-        case Phase::countingPeople:
+        case countingPeople:
             return "countingPeople";
-        case Phase::diarizing:
+        case diarizing:
             return "diarizing";
-        case Phase::extracting:
+        case extracting:
             return "extracting";
-        case Phase::transcribing:
+        case transcribing:
             return "transcribing";
-        case Phase::slate:
+        case slate:
             return "slate";
-        case Phase::appearance:
+        case appearance:
             return "appearance";
-        case Phase::merging:
+        case merging:
             return "merging";
-        case Phase::writing:
+        case writing:
             return "writing";
-        case Phase::done:
+        case done:
             return "done";
     }
-    fatal("no such phase");
-}
-
-template <>
-std::span<const TranscribeProgress::Phase> allCases<TranscribeProgress::Phase>() {
-    using Phase = TranscribeProgress::Phase;
-    static constexpr std::array cases{Phase::probing,    Phase::countingPeople, Phase::diarizing,
-                                      Phase::extracting, Phase::transcribing,   Phase::slate,
-                                      Phase::appearance, Phase::merging,        Phase::writing,
-                                      Phase::done};
-    return cases;
+    return "";
 }
 
 }  // namespace ReelCore

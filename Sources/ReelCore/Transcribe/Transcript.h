@@ -1,7 +1,6 @@
 #pragma once
 
 #include "ReelCore/Diarize/DiarizationTypes.h"
-#include "ReelCore/Models/Enumeration.h"
 #include "ReelCore/Platform/URL.h"
 #include "ReelCore/Transcribe/FrameRate.h"
 #include "ReelCore/Transcribe/Timecode.h"
@@ -11,7 +10,6 @@
 #include <cstdint>
 #include <map>
 #include <optional>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -20,24 +18,27 @@ namespace ReelCore {
 
 /// What a transcript is to be made of.
 struct TranscribeRequest {
-    URL input;                           ///< A clip or a sound file.
-    std::vector<SpeakerTrack> speakers;  ///< With `diarize`, only counted.
-    URL outputDirectory;
-    std::optional<Timecode> startTimecodeOverride;  ///< Instead of the clip's own.
+    URL input = {};                           ///< A clip or a sound file.
+    std::vector<SpeakerTrack> speakers = {};  ///< With `diarize`, only counted.
+    URL outputDirectory = {};
+    std::optional<Timecode> startTimecodeOverride = {};  ///< Instead of the clip's own.
     bool readSlate = true;
     bool appearanceHints = true;
-    std::optional<DiarizationOptions> diarize;  ///< Present: voices are told apart in one mix.
-    std::optional<URL> modelOverride;           ///< A speech model instead of the located one.
+    std::optional<DiarizationOptions> diarize = {};  ///< Present: voices are told apart in one mix.
+    std::optional<URL> modelOverride = {};           ///< A speech model instead of the located one.
+
+    /// The input's name with "_transcript.docx" for its extension, in the output folder.
+    URL documentURL() const;
 };
 
 /// A clip's dialogue, line by line, with what is known about who speaks.
 struct Transcript {
-    std::vector<TranscriptSegment> segments;      ///< In reading order.
-    Timecode startTimecode{0, FrameRate::fps24};  ///< Of second 0 of the source.
-    FrameRate frameRate = FrameRate::fps24;       ///< The clip's own.
-    std::string sourceName;                       ///< With its extension.
-    std::optional<SlateInfo> slate;
-    std::map<std::string, AppearanceHint> appearances;  ///< By the speaker's label.
+    std::vector<TranscriptSegment> segments = {};  ///< In reading order.
+    Timecode startTimecode{0, FrameRate::fps24};   ///< Of second 0 of the source.
+    FrameRate frameRate = FrameRate::fps24;        ///< The clip's own.
+    std::string sourceName = {};                   ///< With its extension.
+    std::optional<SlateInfo> slate = {};
+    std::map<std::string, AppearanceHint> appearances = {};  ///< By the speaker's label.
 
     /// Where a line begins, to the nearest frame. Throws OutOfRange beyond 64 bits.
     Timecode timecode(const TranscriptSegment& segment) const;
@@ -70,7 +71,5 @@ struct TranscribeProgress {
 };
 
 std::string_view rawValue(TranscribeProgress::Phase phase);
-template <>
-std::span<const TranscribeProgress::Phase> allCases();
 
 }  // namespace ReelCore

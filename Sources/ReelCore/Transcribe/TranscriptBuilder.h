@@ -19,7 +19,8 @@ namespace ReelCore {
 /// or told by voice from one mix. Holds no state of a job and may be used again.
 class TranscriptBuilder {
 public:
-    /// `isCancelled` is asked on the thread of `run`, about ten times a second.
+    /// `isCancelled` is asked on the thread of `run`: between the steps, before each frame that is
+    /// looked at, and ten times a second while lines are transcribed.
     explicit TranscriptBuilder(std::function<bool()> isCancelled = [] { return false; });
 
     static bool isAvailable() {
@@ -31,10 +32,11 @@ public:
     /// output folder, which is made; an earlier document is replaced. `progress` is called on this
     /// thread.
     ///
-    /// Throws TranscribeError, DiarizeError, SystemError. A cancel seen before the last line is
-    /// transcribed is TranscribeError::Cancelled; later the document is written all the same, with
-    /// as many hints as there are. A slate or a hint that can't be had is left out. The folder of
-    /// the sound's temporary files is gone on every way out.
+    /// Throws TranscribeError, DiarizeError and SystemError, Error for a result of whisper-cli that
+    /// can't be read, OutOfRange for a line beyond all timecodes. A cancel seen before the last
+    /// line is transcribed is TranscribeError::Cancelled; later the document is written all the
+    /// same, with as many hints as there are. A slate or a hint that can't be had is left out. The
+    /// folder of the sound's temporary files is gone on every way out.
     std::pair<Transcript, URL> run(
         const TranscribeRequest& request,
         const std::function<void(const TranscribeProgress&)>& progress) const;

@@ -4,12 +4,14 @@
 #include "ReelCore/Platform/File.h"
 #include "ReelCore/Platform/FileSystem.h"
 #include "ReelCore/Platform/RunningChild.h"
+#include "ReelCore/Platform/SystemError.h"
 #include "ReelCore/Platform/Text.h"
 #include "ReelCore/Platform/ToolLog.h"
 #include "ReelCore/Transcode/MediaQuery.h"
 #include "ReelCore/Transcribe/TranscribeError.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <filesystem>
 #include <string_view>
@@ -52,8 +54,9 @@ private:
 void run(const URL& whisper, const std::vector<std::string>& arguments,
          const std::function<bool()>& isCancelled) {
     const ToolLog log("keldo-whisper-");
+    // Its threads would wait for each other by counting, which takes what they have yielded.
     RunningChild child(whisper, arguments, {.error = ChildStream::file(log.file())},
-                       {.yields = true});
+                       {.environment = {{"OMP_WAIT_POLICY", "passive"}}, .yields = true});
     do {
         if (!isCancelled()) continue;
         child.end();
@@ -76,7 +79,10 @@ double numberOr(const json& value, double otherwise) {
     return value.is_number() ? value.get<double>() : otherwise;
 }
 
-json parse(const std::string& text) {
+/// whisper-cli writes control characters as they are, which JSON does not allow within texts.
+json parse(std::string text) {
+    std::ranges::replace_if(
+        text, [](char one) { return static_cast<unsigned char>(one) < 0x20; }, ' ');
     // Nothing that is looked at stands deeper; what does is not kept.
     constexpr int deepest = 8;
     try {
@@ -99,7 +105,9 @@ std::vector<TranscriptSegment> WhisperTranscriber::transcribe(
     URL outputBase = audio;
     outputBase.replace_extension();
     URL resultPath = outputBase;
-    const Result result(resultPath += ".json");
+    resultPath += ".json";
+    if (resultPath == audio || resultPath == *model) throw SystemError(EINVAL, resultPath);
+    const Result result(std::move(resultPath));
 
     run(*whisper, arguments(toolPath(*model), audio, outputBase), isCancelled);
 

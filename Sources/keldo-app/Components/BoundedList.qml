@@ -20,9 +20,10 @@ ListView {
     cacheBuffer: 0
     keyNavigationEnabled: false
     spacing: Theme.tiny
-    // With room for the scroll mark whether it shows or not: rows that wrap would else decide on
-    // their own width.
+    // The scroll mark has its place in the margin whether it shows or not: rows that wrap would else
+    // decide on their own width.
     readonly property real rowWidth: width - Theme.regular
+    Layout.rightMargin: -Theme.regular
     activeFocusOnTab: contentHeight > height
     ScrollBar.vertical: ScrollMark {}
     Accessible.role: Accessible.List

@@ -1,13 +1,16 @@
 import QtQuick
 
-// The button of what a screen is for: it takes Return wherever the focus stands.
+// The button of what a screen is for: it takes Return wherever the focus stands, as long as it is
+// what is to be done next.
 ActionButton {
     id: button
 
-    role: ActionButton.Role.Prominent
+    property bool isNext: true
+
+    role: isNext ? ActionButton.Role.Prominent : ActionButton.Role.Plain
 
     DefaultAction {
-        enabled: button.enabled && button.visible
+        enabled: button.isNext && button.enabled && button.visible
         onActivated: button.press()
     }
 }

@@ -22,8 +22,7 @@ Rectangle {
         anchors { fill: parent; leftMargin: Theme.regular; rightMargin: Theme.small }
         title: row.title
         titleFont: row.detail === "" ? Theme.body : Theme.emphasis
-        detail: row.detail
-        detailIsName: true
+        path: row.detail
         symbol: row.symbol
         color: Theme.secondary
         symbolSize: Theme.iconSize + 2

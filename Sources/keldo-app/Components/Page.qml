@@ -3,12 +3,15 @@ import QtQuick.Controls.Basic
 import QtQuick.Layouts
 
 // A column that scrolls, no wider than can be read, with an optional title and, at the trailing
-// edge, `head`: what can be done with the whole page.
+// edge, `head`: what can be done with the whole page. `foot` is what it leads to; it stands below
+// the column and stays in view where that does not fit.
 FocusScope {
     id: page
 
     default property alias content: body.data
     property alias head: headSlot.data
+    property alias foot: footSlot.data
+    readonly property bool hasFoot: footSlot.visibleChildren.length > 0
     property string title: ""
     property string systemImage: ""
 
@@ -22,7 +25,7 @@ FocusScope {
 
     focus: true
     implicitWidth: outer.implicitWidth + 2 * Theme.huge
-    implicitHeight: flickable.contentHeight
+    implicitHeight: flickable.contentHeight + foot.height
     Layout.fillWidth: true
     Layout.fillHeight: true
     Keys.onPressed: event => event.accepted = scrolling.key(event)
@@ -37,7 +40,7 @@ FocusScope {
         focus: true
     }
     Connections {
-        target: scrolling.holds(scrolling.focused) ? scrolling.focused : null
+        target: page.activeFocus && scrolling.focused !== rest ? scrolling.focused : null
         function onVisibleChanged() {
             if (!scrolling.focused.visible)
                 rest.forceActiveFocus();
@@ -46,9 +49,9 @@ FocusScope {
     Flickable {
         id: flickable
         objectName: page.objectName + ".scroll"
-        anchors.fill: parent
+        anchors { fill: parent; bottomMargin: foot.height }
         contentWidth: width
-        contentHeight: outer.implicitHeight + 2 * Theme.huge
+        contentHeight: outer.implicitHeight + Theme.huge + (page.hasFoot ? Theme.wide : Theme.huge)
         interactive: false
         clip: true
         ScrollBar.vertical: ScrollMark {}
@@ -87,6 +90,27 @@ FocusScope {
                 id: body
                 spacing: Theme.wide
             }
+        }
+    }
+    Item {
+        id: foot
+        objectName: page.objectName + ".foot"
+        readonly property bool isHeld: flickable.contentHeight > flickable.height
+        y: Math.min(flickable.contentHeight, page.height - height)
+        width: page.width
+        height: page.hasFoot ? footSlot.implicitHeight + Theme.huge : 0
+
+        Rectangle {
+            visible: foot.isHeld && page.hasFoot
+            width: parent.width
+            height: Theme.hairline
+            color: Theme.separator
+        }
+        ColumnLayout {
+            id: footSlot
+            x: outer.x
+            y: foot.isHeld ? Theme.regular : 0
+            width: outer.width
         }
     }
 }

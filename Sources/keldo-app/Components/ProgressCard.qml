@@ -10,7 +10,7 @@ Card {
     required property real fraction
     property string current: ""
     property string cancelText: "Cancel"
-    property string cancelNote: ""
+    property string note: ""
     default property alias badges: facts.content
 
     signal cancelled
@@ -54,9 +54,9 @@ Card {
         }
     }
     Note {
-        objectName: card.objectName + ".cancelNote"
+        objectName: card.objectName + ".note"
         visible: text !== ""
         horizontalAlignment: Text.AlignRight
-        text: card.cancelNote
+        text: card.note
     }
 }

@@ -1,8 +1,8 @@
 import QtQuick
 import QtQuick.Layouts
 
-// What became of one thing: its name in a colour, at will a sentence below and a word at the
-// trailing edge, and whatever else a row needs behind it.
+// What became of one thing: its name in a colour, at will a sentence and a path below and a word at
+// the trailing edge, and whatever else a row needs behind it.
 RowLayout {
     id: row
 
@@ -13,7 +13,7 @@ RowLayout {
     property font titleFont: Theme.body
     property int symbolSize: Theme.iconSize
     property string detail: ""
-    property bool detailIsName: false
+    property string path: ""
     property string trailing: ""
 
     spacing: Theme.small
@@ -24,6 +24,7 @@ RowLayout {
         name: row.symbol
         color: row.color
         size: row.symbolSize
+        Layout.alignment: row.detail === "" ? Qt.AlignVCenter : Qt.AlignTop
     }
     ColumnLayout {
         spacing: 0
@@ -33,17 +34,17 @@ RowLayout {
             color: row.titleColor
             font: row.titleFont
         }
-        NameText {
-            objectName: row.objectName + ".detail"
-            visible: row.detailIsName && row.detail !== ""
-            name: row.detail
-            color: Theme.secondary
-            font: Theme.print
-        }
         Note {
             objectName: row.objectName + ".detail"
-            visible: !row.detailIsName && row.detail !== ""
+            visible: text !== ""
             text: row.detail
+        }
+        NameText {
+            objectName: row.objectName + ".path"
+            visible: name !== ""
+            name: row.path
+            color: Theme.secondary
+            font: Theme.print
         }
     }
     PlainText {

@@ -18,6 +18,10 @@ Page {
         enabled: !offload.isFormatting
         onClicked: offload.reset()
     }
+    foot: StartView {
+        visible: setup.visible
+        model: offload
+    }
 
     OffloadViewModel {
         id: offload
@@ -25,6 +29,7 @@ Page {
         desktop: screen.desktop
     }
     SetupView {
+        id: setup
         visible: !running.visible && !finished.visible
         model: offload
     }

@@ -122,29 +122,4 @@ ColumnLayout {
             }
         }
     }
-    Notices {
-        objectName: "offload.startObjection"
-        lines: view.model.startObjection === "" ? [] : [view.model.startObjection]
-    }
-    RowLayout {
-        SymbolLabel {
-            objectName: "offload.warning"
-            visible: drives.count === 1
-            text: "One drive copies fine, but formatting stays locked until you add a second."
-            symbol: "exclamationmark.triangle.fill"
-            color: Theme.attention
-            font: Theme.print
-        }
-        Item {
-            visible: drives.count !== 1
-            Layout.fillWidth: true
-        }
-        DefaultButton {
-            objectName: "offload.start"
-            text: "Start Offload"
-            symbol: "play.fill"
-            enabled: view.model.canStart
-            onClicked: view.model.start()
-        }
-    }
 }

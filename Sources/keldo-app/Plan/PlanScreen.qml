@@ -139,6 +139,8 @@ Page {
         }
         RowLayout {
             spacing: Theme.medium
+            Layout.fillWidth: false
+            Layout.alignment: Qt.AlignRight
             ActionButton {
                 objectName: "plan.email"
                 text: "Email PDF"
@@ -156,6 +158,7 @@ Page {
         }
         Note {
             objectName: "plan.reportStatus"
+            horizontalAlignment: Text.AlignRight
             visible: text !== ""
             text: plan.reportStatus
         }

@@ -1,5 +1,6 @@
 pragma ComponentBehavior: Bound
 import QtQuick
+import QtQuick.Layouts
 import Keldo.Components
 import Keldo.Recover
 
@@ -12,6 +13,9 @@ Card {
     readonly property bool isScanned: carveStage >= RecoverViewModel.CarveStage.found
     readonly property bool isBusy: carveStage === RecoverViewModel.CarveStage.scanning
                                 || carveStage === RecoverViewModel.CarveStage.extracting
+    readonly property bool isDone: carveStage === RecoverViewModel.CarveStage.done
+    // An image was chosen, and not all has been done with it.
+    readonly property bool isNext: recover.imageURL.path !== "" && !isDone && !nothing.visible
 
     objectName: "recover.carveCard"
     title: "Card Won't Mount?"
@@ -46,11 +50,13 @@ Card {
         buttonText: "Choose Image"
         onChosen: card.recover.chooseImage()
     }
-    ActionButton {
+    DefaultButton {
         objectName: "recover.scanImage"
+        isNext: card.isNext && !card.isScanned
         text: card.carveStage === RecoverViewModel.CarveStage.scanning ? "Scanning…" : "Scan Image"
         symbol: "magnifyingglass"
         enabled: card.recover.imageURL.path !== "" && !card.isBusy
+        Layout.alignment: Qt.AlignRight
         onClicked: card.recover.scanImage()
     }
     ProgressLine {
@@ -60,6 +66,7 @@ Card {
         value: card.recover.carveProgress
     }
     SymbolLabel {
+        id: nothing
         objectName: "recover.nothingFound"
         visible: card.isScanned && card.recover.findings.count === 0
         text: "No media signatures found in the image."
@@ -100,18 +107,32 @@ Card {
         visible: card.carveStage === RecoverViewModel.CarveStage.extracting
         text: "Carving " + card.recover.carveOutcomes.count + "/" + card.recover.findings.count
     }
-    ActionButton {
-        objectName: "recover.carve"
+    ActionRow {
+        objectName: "recover.carveRow"
         visible: findings.visible && card.carveStage !== RecoverViewModel.CarveStage.extracting
-        role: ActionButton.Role.Prominent
-        text: "Carve " + card.recover.findings.count + " Item" + (card.recover.findings.count === 1 ? "" : "s")
-        symbol: "scissors"
-        enabled: card.recover.canCarve
-        onClicked: card.recover.extractAll()
+        needs: card.isDone ? "All is carved. To carve again, scan the image again."
+             : card.recover.outputDir.path === "" ? "No output folder yet." : ""
+
+        DefaultButton {
+            objectName: "recover.carve"
+            isNext: !card.isDone
+            text: "Carve " + card.recover.findings.count + " Item" + (card.recover.findings.count === 1 ? "" : "s")
+            symbol: "scissors"
+            enabled: card.recover.canCarve
+            onClicked: card.recover.extractAll()
+        }
     }
     OutcomeList {
         objectName: "recover.carved"
         name: "Carved"
         model: card.recover.carveOutcomes
+    }
+    ActionButton {
+        objectName: "recover.carvedReveal"
+        visible: card.recover.carveOutcomes.count > 0
+        text: "Reveal"
+        symbol: "folder"
+        Layout.alignment: Qt.AlignRight
+        onClicked: card.recover.reveal()
     }
 }

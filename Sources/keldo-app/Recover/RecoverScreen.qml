@@ -1,4 +1,5 @@
 import QtQuick
+import QtQuick.Layouts
 import Keldo.Components
 import Keldo.Recover
 import Keldo.Support
@@ -48,9 +49,11 @@ Page {
         }
         DefaultButton {
             objectName: "recover.scan"
+            isNext: !carving.isNext
             text: recover.stage === RecoverViewModel.Stage.scanning ? "Scanning…" : "Scan for Damage"
             symbol: "stethoscope"
             enabled: recover.canScan
+            Layout.alignment: Qt.AlignRight
             onClicked: recover.runScan()
         }
     }
@@ -59,6 +62,7 @@ Page {
         recover: recover
     }
     CarveCard {
+        id: carving
         visible: !recover.hasScan
         recover: recover
     }

@@ -24,7 +24,8 @@ ReportRow rowOf(const ReelCore::ClipReport& report) {
 
 OutcomeRow rowOf(const RepairOutcome& outcome) {
     return {outcome.succeeded, Format::name(outcome.source), Format::text(outcome.method),
-            Format::text(outcome.detail)};
+            Format::text(outcome.detail),
+            outcome.output ? Format::name(*outcome.output) : QString()};
 }
 
 bool isMovie(const ReelCore::ClipReport& report) {

@@ -32,7 +32,8 @@ struct OutcomeRow {
     KELDO_FIELD(bool, succeeded)
     KELDO_FIELD(QString, name)
     KELDO_FIELD(QString, method)
-    KELDO_FIELD(QString, detail)
+    KELDO_FIELD(QString, detail)  ///< What came back, or why nothing did.
+    KELDO_FIELD(QString, output)  ///< The file's name; empty where there is none.
 };
 
 /// All state and all actions of the Recover screen: the scan of a folder with its repairs, and the

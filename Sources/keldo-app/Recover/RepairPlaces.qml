@@ -29,6 +29,11 @@ ColumnLayout {
              ? ["A clip is missing its index and no healthy clip was found on the card — pick a reference from another card shot on the same camera."]
              : []
     }
+    Note {
+        objectName: places.objectName + ".outputNote"
+        font: Theme.body
+        text: "Folder for the recovered clips:"
+    }
     PathRow {
         objectName: places.objectName + ".output"
         path: places.recover.outputDir.name

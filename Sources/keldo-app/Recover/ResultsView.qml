@@ -76,13 +76,19 @@ ColumnLayout {
             visible: view.recover.stage === RecoverViewModel.Stage.repairing
             text: "Repairing " + view.recover.repairDone + "/" + view.recover.damagedCount
         }
-        DefaultButton {
-            objectName: "recover.repair"
+        ActionRow {
+            objectName: "recover.repairRow"
             visible: view.recover.stage !== RecoverViewModel.Stage.repairing
-            text: "Repair " + view.recover.damagedCount + " Clip" + (view.recover.damagedCount === 1 ? "" : "s")
-            symbol: "bandage"
-            enabled: view.recover.canRepair
-            onClicked: view.recover.runRepair()
+            needs: view.recover.outputDir.path === "" ? "No output folder yet." : ""
+
+            DefaultButton {
+                objectName: "recover.repair"
+                isNext: view.recover.outcomes.count === 0
+                text: "Repair " + view.recover.damagedCount + " Clip" + (view.recover.damagedCount === 1 ? "" : "s")
+                symbol: "bandage"
+                enabled: view.recover.canRepair
+                onClicked: view.recover.runRepair()
+            }
         }
         Notices {
             objectName: "recover.trouble"
@@ -104,6 +110,7 @@ ColumnLayout {
             objectName: "recover.reveal"
             text: "Reveal in Finder"
             symbol: "folder"
+            Layout.alignment: Qt.AlignRight
             onClicked: view.recover.reveal()
         }
     }

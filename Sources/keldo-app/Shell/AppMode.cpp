@@ -3,7 +3,6 @@
 #include "ReelCore/Platform/Fatal.h"
 #include "keldo-app/Support/Format.h"
 
-#include <QFile>
 #include <array>
 
 namespace keldo_app {
@@ -31,8 +30,7 @@ QStringList AppModes::labels() const {
 }
 
 QString AppModes::screen(const QString& label) const {
-    const QString file = QStringLiteral(":/qt/qml/Keldo/%1/%1Screen.qml").arg(label);
-    return QFile::exists(file) ? "qrc" + file : QString();
+    return QStringLiteral("qrc:/qt/qml/Keldo/%1/%1Screen.qml").arg(label);
 }
 
 }  // namespace keldo_app

@@ -28,8 +28,7 @@ public:
 
     QStringList labels() const;
 
-    /// The screen of a mode: the file `<label>Screen.qml` of the module of that name. Empty where
-    /// there is none.
+    /// The screen of a mode: the file `<label>Screen.qml` of the module of that name.
     Q_INVOKABLE QString screen(const QString& label) const;
     int offload() const { return static_cast<int>(AppMode::offload); }
 };

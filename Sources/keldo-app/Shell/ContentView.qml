@@ -76,9 +76,4 @@ ApplicationWindow {
         readonly property string screen: AppModes.screen(view.modes[view.mode])
         onScreenChanged: setSource(screen, {desktop: view.desktop})
     }
-    LaterScreen {
-        anchors.fill: parent
-        visible: AppModes.screen(label) === ""
-        label: view.modes[view.mode]
-    }
 }

@@ -3,12 +3,29 @@
 #include <QAbstractListModel>
 #include <QHash>
 #include <QMetaProperty>
+#include <algorithm>
 #include <concepts>
 #include <cstddef>
+#include <iterator>
 #include <utility>
 #include <vector>
 
 #include <QtQml/qqmlregistration.h>
+
+/// A list of a view model in one line: a property for QML, `name()` for C++, and `name_` for the
+/// view model itself.
+#define KELDO_ROWS(Row, name)                                       \
+    Q_PROPERTY(keldo_app::RowModel* name READ name##Model CONSTANT) \
+public:                                                             \
+    const keldo_app::Rows<Row>& name() const {                      \
+        return name##_;                                             \
+    }                                                               \
+                                                                    \
+private:                                                            \
+    keldo_app::RowModel* name##Model() {                            \
+        return &name##_;                                            \
+    }                                                               \
+    keldo_app::Rows<Row> name##_;
 
 namespace keldo_app {
 
@@ -48,6 +65,15 @@ public:
         return property(role).readOnGadget(&rows_[static_cast<std::size_t>(index.row())]);
     }
 
+    /// As `model.name = …` in a delegate does.
+    bool setData(const QModelIndex& index, const QVariant& value, int role) override {
+        if (!checkIndex(index, CheckIndexOption::IndexIsValid)) return false;
+        Row& row = rows_[static_cast<std::size_t>(index.row())];
+        if (!property(role).writeOnGadget(&row, value)) return false;
+        emit dataChanged(index, index, {role});
+        return true;
+    }
+
     QHash<int, QByteArray> roleNames() const override {
         QHash<int, QByteArray> names;
         const QMetaObject& meta = Row::staticMetaObject;
@@ -61,6 +87,16 @@ public:
         const int at = rowCount();
         beginInsertRows({}, at, at);
         rows_.push_back(std::move(row));
+        endInsertRows();
+        emit countChanged();
+    }
+
+    /// Many at once are told of at once.
+    void appendAll(std::vector<Row> rows) {
+        if (rows.empty()) return;
+        const int at = rowCount();
+        beginInsertRows({}, at, at + static_cast<int>(rows.size()) - 1);
+        std::ranges::move(rows, std::back_inserter(rows_));
         endInsertRows();
         emit countChanged();
     }

@@ -27,10 +27,12 @@ ColumnLayout {
             objectName: "sync.save"
             text: "Save Report (PDF + CSV)…"
             symbol: "doc.text"
+            Layout.alignment: Qt.AlignRight
             onClicked: view.sync.saveReport()
         }
         Note {
             objectName: "sync.reportStatus"
+            horizontalAlignment: Text.AlignRight
             visible: text !== ""
             text: view.sync.reportStatus
         }
@@ -53,6 +55,11 @@ ColumnLayout {
                 width: groups.rowWidth
             }
         }
+        Note {
+            objectName: "sync.coverageNote"
+            visible: view.sync.syncedCount > 0
+            text: "The percentage tells how much of the clip the recording covers."
+        }
     }
     Card {
         objectName: "sync.unmatchedCard"
@@ -71,6 +78,8 @@ ColumnLayout {
                 objectName: "sync.unmatched." + index
                 width: unmatched.rowWidth
                 title: name
+                symbol: "waveform"
+                color: Theme.secondary
             }
         }
     }
@@ -87,10 +96,12 @@ ColumnLayout {
             objectName: "sync.export"
             text: "Export FCPXML + ALE…"
             symbol: "square.and.arrow.down"
+            Layout.alignment: Qt.AlignRight
             onClicked: view.sync.exportEditorial()
         }
         Note {
             objectName: "sync.exportStatus"
+            horizontalAlignment: Text.AlignRight
             visible: text !== ""
             text: view.sync.exportStatus
         }

@@ -44,10 +44,11 @@ Card {
     ActionButton {
         objectName: "sync.mux"
         visible: card.sync.ffmpegReady && card.sync.stage !== SyncViewModel.Stage.muxing
-        role: ActionButton.Role.Prominent
+        role: card.sync.muxStatus === "" ? ActionButton.Role.Prominent : ActionButton.Role.Plain
         text: "Create " + card.sync.syncedCount + " Synced Clip" + (card.sync.syncedCount === 1 ? "" : "s")
         symbol: "link"
         enabled: card.sync.canMux
+        Layout.alignment: Qt.AlignRight
         onClicked: card.sync.mux()
     }
     RowLayout {
@@ -55,6 +56,7 @@ Card {
         spacing: Theme.medium
         Note {
             objectName: "sync.muxStatus"
+            horizontalAlignment: Text.AlignRight
             text: card.sync.muxStatus
         }
         ActionButton {
@@ -63,5 +65,9 @@ Card {
             symbol: "folder"
             onClicked: card.sync.reveal()
         }
+    }
+    Notices {
+        objectName: "sync.muxShortened"
+        lines: card.sync.muxShortened === "" ? [] : [card.sync.muxShortened]
     }
 }

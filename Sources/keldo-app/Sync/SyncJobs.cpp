@@ -7,8 +7,11 @@
 #include "ReelCore/Sync/ALEWriter.h"
 #include "ReelCore/Sync/FCPXMLWriter.h"
 #include "ReelCore/Sync/Synchronizer.h"
+#include "ReelCore/Transcode/FFmpegLocator.h"
+#include "ReelCore/Transcode/MediaQuery.h"
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 namespace keldo_app {
@@ -42,10 +45,10 @@ std::vector<std::string> muxArguments(const SyncGroup& group, const SyncGroup::M
             output.native()};
 }
 
-/// True if the synced clip was written whole. What ffmpeg says is heard for one thing only: it
-/// calls a clip done that a full or failing drive has cut short.
-bool muxOne(const SyncGroup& group, const SyncGroup::Match& sound, const URL& folder,
-            const URL& ffmpeg) {
+/// The synced clip, if it was written whole. What ffmpeg says is heard for one thing only: it calls
+/// a clip done that a full or failing drive has cut short.
+std::optional<URL> muxOne(const SyncGroup& group, const SyncGroup::Match& sound, const URL& folder,
+                          const URL& ffmpeg) {
     try {
         const ReelCore::ReservedOutput output(folder /
                                               (group.video.url.stem().native() + "_synced.mov"));
@@ -53,20 +56,45 @@ bool muxOne(const SyncGroup& group, const SyncGroup::Match& sound, const URL& fo
                                      {.error = ReelCore::ChildStream::pipe()});
         ReelCore::ToolComplaints complaints;
         child.readAll([&](std::string_view bytes) { complaints.take(bytes); });
-        return child.wait() == 0 && !complaints.tellOfFailedDrive();
+        if (child.wait() != 0 || complaints.tellOfFailedDrive()) return std::nullopt;
+        return output.url();
     } catch (const std::exception&) {
-        return false;
+        return std::nullopt;
     }
+}
+
+/// In seconds, without the sound; absent where it can't be learned.
+std::optional<double> pictureLength(const URL& clip) {
+    const auto ffprobe = ReelCore::FFmpegLocator().ffprobe();
+    if (!ffprobe) return std::nullopt;
+    return ReelCore::parseDouble(
+        ReelCore::answerOf(*ffprobe,
+                           {"-v", "error", "-select_streams", "v:0", "-show_entries",
+                            "stream=duration", "-of", "default=noprint_wrappers=1:nokey=1"},
+                           clip));
+}
+
+/// Whether the synced clip lacks pictures since its sound ends first. ffmpeg goes on for a picture
+/// or two behind the sound, so both clips are asked.
+bool lacksPictures(const URL& synced, const SyncGroup::Match& sound,
+                   const ReelCore::VideoClip& video) {
+    if (sound.clip->duration - sound.audioOffset >= video.duration) return false;
+    const auto whole = pictureLength(video.url);
+    const auto made = pictureLength(synced);
+    return whole && made && *made < *whole - 0.5 / video.frameRate.real();
 }
 
 MuxEvent::End muxAll(const ReelCore::SyncResult& result, const URL& folder, const URL& ffmpeg,
                      const std::function<void(MuxEvent)>& send) {
-    MuxEvent::End end{0, result.syncedCount()};
+    MuxEvent::End end{.total = result.syncedCount()};
     std::int64_t done = 0;
     for (const SyncGroup& group : result.groups) {
         const auto best = group.best();
         if (!best) continue;
-        if (muxOne(group, *best, folder, ffmpeg)) ++end.created;
+        if (const auto synced = muxOne(group, *best, folder, ffmpeg)) {
+            ++end.created;
+            if (lacksPictures(*synced, *best, group.video)) ++end.shortened;
+        }
         send({MuxEvent::Progress{++done}});
     }
     return end;
@@ -126,9 +154,7 @@ Job<MuxEvent> SyncJobs::mux(Result result, const URL& output, const URL& ffmpeg,
              },
          .consume = std::move(consume),
          .failed =
-             [total](const std::exception&) {
-                 return MuxEvent{MuxEvent::End{0, total}};
-             },
+             [total](const std::exception&) { return MuxEvent{MuxEvent::End{.total = total}}; },
          .isPassing =
              [](const MuxEvent& event) {
                  return std::holds_alternative<MuxEvent::Progress>(event.value);

@@ -21,6 +21,7 @@ struct MuxEvent {
     struct End {
         std::int64_t created = 0;
         std::int64_t total = 0;
+        std::int64_t shortened = 0;  ///< Of the created, those that lack pictures at their end.
     };
     std::variant<Progress, End> value;
 };

@@ -29,6 +29,12 @@ QString others(std::size_t takes) {
     return QStringLiteral("+%1 more take%2 overlap").arg(takes - 1).arg(takes == 2 ? "" : "s");
 }
 
+QString shortened(std::int64_t clips) {
+    if (clips == 0) return {};
+    return Format::count(clips, "clip") + (clips == 1 ? " ends where its" : " end where their") +
+           " sound ends, before the picture does.";
+}
+
 }  // namespace
 
 GroupRow GroupRow::of(const SyncGroup& group) {
@@ -77,6 +83,7 @@ void SyncViewModel::scan() {
     setResult(nullptr);
     errorMessage_.clear();
     muxStatus_.clear();
+    muxShortened_.clear();
     scanJob_ = SyncJobs::scan(*mediaDir_, mediaRead(), [this](SyncJobs::Result result) {
         stage_ = result ? Stage::results : Stage::setup;
         if (!result) errorMessage_ = "Could not scan that folder.";
@@ -145,6 +152,7 @@ void SyncViewModel::mux() {
     stage_ = Stage::muxing;
     muxDone_ = 0;
     muxStatus_.clear();
+    muxShortened_.clear();
     muxJob_ = SyncJobs::mux(result_, *outputDir_, *ffmpeg, mediaRead(),
                             [this](const MuxEvent& event) { apply(event); });
     emit changed();
@@ -158,6 +166,7 @@ void SyncViewModel::apply(const MuxEvent& event) {
         muxStatus_ = QStringLiteral("Created %1 of %2 in %3.")
                          .arg(end.created)
                          .arg(Format::count(end.total, "synced clip"), outputDir_.name());
+        muxShortened_ = shortened(end.shortened);
         stage_ = Stage::results;
     }
     emit changed();
@@ -174,6 +183,7 @@ void SyncViewModel::reset() {
     setResult(nullptr);
     errorMessage_.clear();
     muxStatus_.clear();
+    muxShortened_.clear();
     report_.clear();
     emit changed();
 }

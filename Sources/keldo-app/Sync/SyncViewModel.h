@@ -50,6 +50,8 @@ public:
     KELDO_PUBLISHED(Stage, stage, Stage::setup)
     KELDO_PUBLISHED(QString, errorMessage, {})
     KELDO_PUBLISHED(QString, muxStatus, {})
+    /// How many of the created clips lack pictures at their end; empty where none does.
+    KELDO_PUBLISHED(QString, muxShortened, {})
     KELDO_PUBLISHED(int, muxDone, 0)
     KELDO_PUBLISHED(QString, exportStatus, {})
 

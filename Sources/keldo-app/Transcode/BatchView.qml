@@ -124,21 +124,4 @@ ColumnLayout {
             text: view.transcode.commandPreview
         }
     }
-    RowLayout {
-        spacing: Theme.medium
-        Note {
-            objectName: "transcode.startNeeds"
-            horizontalAlignment: Text.AlignRight
-            text: !view.transcode.ffmpegAvailable ? "ffmpeg is missing."
-                : view.clips === 0 ? "No clips yet."
-                : view.transcode.outputDir.path === "" ? "No destination yet." : ""
-        }
-        DefaultButton {
-            objectName: "transcode.start"
-            text: "Transcode " + view.clips + " clip" + (view.clips === 1 ? "" : "s")
-            symbol: "play.fill"
-            enabled: view.transcode.canStart
-            onClicked: view.transcode.start()
-        }
-    }
 }

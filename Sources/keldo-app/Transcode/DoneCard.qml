@@ -41,6 +41,7 @@ Card {
         id: failures
         objectName: "transcode.failures"
         name: "Failed"
+        spacing: Theme.medium
         bound: Theme.longListHeight
         model: card.transcode.failures
         delegate: StatusRow {

@@ -8,6 +8,7 @@ Page {
     id: screen
 
     required property Desktop desktop
+    readonly property int clips: transcode.inputs.count
 
     objectName: "transcode.page"
     head: ActionButton {
@@ -16,6 +17,21 @@ Page {
         text: "New Batch"
         symbol: "arrow.counterclockwise"
         onClicked: transcode.reset()
+    }
+    foot: ActionRow {
+        objectName: "transcode.startRow"
+        visible: transcode.stage === TranscodeViewModel.Stage.setup
+        needs: !transcode.ffmpegAvailable ? "ffmpeg is missing."
+             : screen.clips === 0 ? "No clips yet."
+             : transcode.outputDir.path === "" ? "No destination yet." : ""
+
+        DefaultButton {
+            objectName: "transcode.start"
+            text: "Transcode " + screen.clips + " clip" + (screen.clips === 1 ? "" : "s")
+            symbol: "play.fill"
+            enabled: transcode.canStart
+            onClicked: transcode.start()
+        }
     }
 
     TranscodeViewModel {
@@ -50,9 +66,8 @@ Page {
         phase: "Clip " + (transcode.currentIndex + 1) + " of " + transcode.inputs.count + ": " + transcode.currentName
         fraction: transcode.fraction
         cancelText: transcode.isCancelling ? "Cancelling…" : "Cancel"
-        cancelNote: transcode.isCancelling
-                  ? "The clip under way is being closed so that it plays. Press again to stop at once; then it may not play."
-                  : ""
+        note: transcode.isCancelling ? "The clip under way is being closed so that it plays. Press again to stop at once; then it may not play."
+            : transcode.isClosing ? "All pictures are done; the clip is being closed." : ""
         onCancelled: transcode.cancel()
 
         StatBadge { objectName: "transcode.speed"; visible: text !== ""; text: transcode.speed; symbol: "speedometer" }

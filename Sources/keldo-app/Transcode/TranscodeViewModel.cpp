@@ -64,21 +64,28 @@ QString TranscodeViewModel::inputName(std::size_t index) const {
     return index < inputs_.size() ? Format::name(inputs_[index]) : "?";
 }
 
+bool TranscodeViewModel::isClosing() const {
+    return fraction() >= 1 && std::ssize(completed_) + std::ssize(failures_) == currentIndex_;
+}
+
 QString TranscodeViewModel::speed() const {
     return progress_ && progress_->speed ? Format::text(*progress_->speed) : QString();
 }
 
 QString TranscodeViewModel::fps() const {
-    if (!progress_ || !progress_->fps) return {};
+    // ffmpeg says 0 as long as it has measured nothing.
+    if (!progress_ || progress_->fps.value_or(0) == 0) return {};
     return Format::text(fmt::format("{:.0f} fps", *progress_->fps));
 }
 
 void TranscodeViewModel::addInputs() {
+    std::vector<PlaceRow> rows;
     for (const URL& chosen : desktop->chooseFiles("Add clips to transcode")) {
         if (std::ranges::find(inputs_, chosen) != inputs_.end()) continue;
         inputs_.push_back(chosen);
-        inputRows_.append(PlaceRow::of(chosen));
+        rows.push_back(PlaceRow::of(chosen));
     }
+    inputRows_.appendAll(std::move(rows));
     emit changed();
 }
 

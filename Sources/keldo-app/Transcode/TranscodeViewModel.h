@@ -39,6 +39,7 @@ class TranscodeViewModel : public keldo_app::ViewModel {
     Q_PROPERTY(int scaleLongEdge READ scale WRITE setScale NOTIFY changed)
     Q_PROPERTY(QString currentName READ currentName NOTIFY changed)
     Q_PROPERTY(double fraction READ fraction NOTIFY changed)
+    Q_PROPERTY(bool isClosing READ isClosing NOTIFY changed)
     Q_PROPERTY(QString speed READ speed NOTIFY changed)
     Q_PROPERTY(QString fps READ fps NOTIFY changed)
     Q_PROPERTY(QString reportStatus READ reportStatus NOTIFY changed)
@@ -104,6 +105,8 @@ private:
     void setScale(int pixels);
     QString currentName() const { return inputName(static_cast<std::size_t>(currentIndex_)); }
     double fraction() const { return progress_ ? progress_->fractionComplete : 0; }
+    /// The clip under way has all its pictures but is not done yet.
+    bool isClosing() const;
     QString speed() const;
     QString fps() const;
 

@@ -1,16 +1,23 @@
 #include "ReelCore/Platform/RunningChild.h"
 
+#include "ReelCore/Platform/Split.h"
 #include "ReelCore/Platform/SystemError.h"
 #include "Shell.h"
+#include "Support/EnvironmentVariable.h"
 #include "Support/FolderTree.h"
 #include "Support/Forked.h"
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <csignal>
+#include <cstdlib>
 #include <filesystem>
 
 #include <gtest/gtest.h>
+#include <linux/ioprio.h>
+#include <sys/resource.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 namespace ReelCore {
@@ -149,6 +156,74 @@ TEST(RunningChild, InheritsEnvironmentAndWorkingFolder) {
     });
 
     EXPECT_EQ(status, 0);
+}
+
+TEST(RunningChild, WorkingFolderNamed_IsTheChildsAndNotOurs) {
+    const TemporaryFolder folder;
+    const URL before = std::filesystem::current_path();
+
+    RunningChild child("/bin/pwd", {}, {.output = ChildStream::pipe()},
+                       {.workingFolder = folder.path()});
+
+    EXPECT_EQ(child.readAll(), std::filesystem::canonical(folder.path()).native() + "\n");
+    EXPECT_EQ(child.wait(), 0);
+    EXPECT_EQ(std::filesystem::current_path(), before);
+}
+
+TEST(RunningChild, WorkingFolderMissing_IsNotStarted) {
+    const TemporaryFolder folder;
+
+    EXPECT_THROW(RunningChild("/bin/true", {}, {}, {.workingFolder = folder.path() / "missing"}),
+                 SystemError);
+
+    EXPECT_TRUE(hasNoChildren());
+}
+
+TEST(RunningChild, EnvironmentNamed_StandsBesideOursAndInItsPlace) {
+    const TestSupport::EnvironmentVariable ours("REEL", "A001");
+    const TestSupport::EnvironmentVariable kept("ROLL", "7");
+
+    RunningChild child("/bin/sh", {"-c", "env | grep -c ^REEL; echo $REEL $ROLL $TAKE"},
+                       {.output = ChildStream::pipe()},
+                       {.environment = {{"REEL", "B002"}, {"TAKE", "a=b"}}});
+
+    EXPECT_EQ(child.readAll(), "1\nB002 7 a=b\n");
+    EXPECT_EQ(child.wait(), 0);
+    EXPECT_STREQ(std::getenv("REEL"), "A001");
+}
+
+int niceness(pid_t process) {
+    return ::getpriority(PRIO_PROCESS, static_cast<id_t>(process));
+}
+
+long drivePriority(pid_t process) {
+    return ::syscall(SYS_ioprio_get, IOPRIO_WHO_PROCESS, process);
+}
+
+TEST(RunningChild, ChildThatYields_HasLowPriorityAndSoHasWhatItStarts) {
+    const int before = niceness(0);
+    RunningChild child("/bin/sh", {"-c", "echo $$; sleep 600 & echo $!; wait"},
+                       {.output = ChildStream::pipe()}, {.yields = true});
+    std::string text;
+    std::array<char, 64> block{};
+    while (std::ranges::count(text, '\n') < 2) {
+        text.append(block.data(), child.read(block, longEnough).value_or(0));
+    }
+
+    for (const std::string_view number : piecesOf(text, "\n")) {
+        const pid_t process = std::stoi(std::string(number));
+        EXPECT_EQ(niceness(process), std::max(10, niceness(0)));
+        EXPECT_EQ(drivePriority(process), IOPRIO_PRIO_VALUE(IOPRIO_CLASS_BE, 7));
+    }
+    EXPECT_EQ(niceness(0), before) << "this process keeps its own";
+}
+
+TEST(RunningChild, ChildThatDoesNotYield_HasOurPriority) {
+    Shell child("echo $$; exec sleep 600");
+    const pid_t process = child.readNumber();
+
+    EXPECT_EQ(niceness(process), niceness(0));
+    EXPECT_EQ(drivePriority(process), drivePriority(0));
 }
 
 TEST(RunningChild, ProgramThatCannotBeStarted_LeavesNoDescriptorAndNoProcess) {

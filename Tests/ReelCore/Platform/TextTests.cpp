@@ -71,6 +71,11 @@ TEST(TextWellFormedXML, EverythingElse_StaysIncludingMarkup) {
     EXPECT_EQ(Text::wellFormedXML(text), text);
 }
 
+TEST(TextEscapedXML, MarkupBecomesReferencesAndWhatXMLCannotHoldIsReplaced) {
+    EXPECT_EQ(Text::escapedXML("<a & \"b\"> 'c' &amp;\tcaf\xE9\x07"),
+              "&lt;a &amp; &quot;b&quot;&gt; 'c' &amp;amp;\tcaf" + replacement + replacement);
+}
+
 TEST(TextCharacterCount, CountsWhatAPersonSeesAsOne) {
     EXPECT_EQ(Text::characterCount(""), 0);
     EXPECT_EQ(Text::characterCount("A001"), 4);

@@ -1,11 +1,14 @@
 #include "ReelCore/Platform/UserAccount.h"
 
+#include "Support/EnvironmentVariable.h"
 #include "Support/FolderTree.h"
 #include "Support/Tool.h"
 
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <map>
+#include <optional>
 #include <sstream>
 #include <vector>
 
@@ -17,6 +20,7 @@
 namespace {
 
 using namespace ReelCore;
+using TestSupport::EnvironmentVariable;
 using TestSupport::outputOf;
 
 std::string firstLine(const std::string& text) {
@@ -99,6 +103,44 @@ TEST(UserAccountDeathTest, UserWithoutAnAccount_IsUnknown) {
     constexpr uid_t nobodysNumber = 987'654;
 
     EXPECT_EXIT(expectNames(nobodysNumber, "unknown", "unknown"), testing::ExitedWithCode(0), "");
+}
+
+TEST(UserAccount, DataFolder_IsTheNamedOneIfThatIsAnAbsolutePath) {
+    const EnvironmentVariable home("HOME", "/home/dit");
+    for (const auto& [named, folder] : std::map<std::string, std::string>{
+             {"/srv/data", "/srv/data"},
+             {"srv/data", "/home/dit/.local/share"},
+             {"", "/home/dit/.local/share"},
+         }) {
+        const EnvironmentVariable data("XDG_DATA_HOME", named);
+        EXPECT_EQ(UserAccount::dataFolder(), folder) << named;
+    }
+}
+
+TEST(UserAccount, DataFolderWithoutAnyVariable_IsInTheHomeOfTheAccount) {
+    const EnvironmentVariable data("XDG_DATA_HOME", std::nullopt);
+    const std::string entry = firstLine(outputOf("getent", {"passwd", std::to_string(::getuid())}));
+    std::vector<std::string> fields;
+    std::istringstream parts(entry);
+    for (std::string part; std::getline(parts, part, ':');) fields.push_back(part);
+
+    for (const bool isEmpty : {true, false}) {
+        const EnvironmentVariable home =
+            isEmpty ? EnvironmentVariable("HOME", "") : EnvironmentVariable("HOME", std::nullopt);
+        EXPECT_EQ(UserAccount::dataFolder(), fields.at(5) + "/.local/share");
+    }
+}
+
+TEST(UserAccountDeathTest, DataFolderOfAUserWithoutAHome_IsAFatalFault) {
+    if (::geteuid() != 0) GTEST_SKIP() << "needs root, to become a user that nobody knows";
+    const EnvironmentVariable data("XDG_DATA_HOME", std::nullopt);
+    const EnvironmentVariable home("HOME", std::nullopt);
+
+    EXPECT_DEATH(
+        {
+            if (::setuid(54321) == 0) static_cast<void>(UserAccount::dataFolder());
+        },
+        "this user has no home folder");
 }
 
 }  // namespace

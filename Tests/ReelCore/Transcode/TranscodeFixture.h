@@ -1,18 +1,11 @@
 #pragma once
 
-#include "ReelCore/Platform/FileSystem.h"
 #include "ReelCore/Transcode/TranscodeTypes.h"
 #include "Support/Clip.h"
-#include "Support/EnvironmentVariable.h"
-#include "Support/FolderTree.h"
+#include "Support/ToolFixture.h"
 
-#include <cerrno>
 #include <filesystem>
 #include <string>
-#include <vector>
-
-#include <gtest/gtest.h>
-#include <sys/wait.h>
 
 namespace ReelCore {
 
@@ -23,29 +16,8 @@ inline std::string flatCube(const std::string& colour) {
     return text;
 }
 
-/// A folder for the clips and a temporary folder of the test's own. However a job ends, nothing of
-/// it may stay: no child, no log, no link.
-class TranscodeFixture : public ::testing::Test {
+class TranscodeFixture : public TestSupport::ToolFixture {
 protected:
-    TranscodeFixture() { std::filesystem::create_directory(temporary()); }
-
-    void TearDown() override {
-        EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1) << "a child is left";
-        EXPECT_EQ(errno, ECHILD);
-        EXPECT_EQ(leftBehind(), std::vector<std::string>{});
-    }
-
-    const URL& folder() const { return folder_.path(); }
-    URL temporary() const { return folder() / "temporary"; }
-
-    /// What stands in the temporary folder, but for the folders of the test's own tools.
-    std::vector<std::string> leftBehind() const {
-        std::vector<std::string> names = FileSystem::names(temporary());
-        std::erase_if(names,
-                      [](const std::string& name) { return name.starts_with("keldo-test"); });
-        return names;
-    }
-
     URL clip(const std::string& name, const TestSupport::ClipRecipe& recipe = {}) const {
         std::filesystem::create_directories((folder() / name).parent_path());
         TestSupport::makeClip(folder() / name, recipe);
@@ -57,10 +29,6 @@ protected:
         TestSupport::writeFile(folder() / "in/A001.mov", "picture");
         return {folder() / "in/A001.mov", folder() / "out", TranscodePreset::proRes422, {}, {}};
     }
-
-private:
-    TestSupport::TemporaryFolder folder_;
-    TestSupport::EnvironmentVariable variable_{"TMPDIR", temporary().native()};
 };
 
 inline void ignoreProgress(const TranscodeProgress&) {}

@@ -84,7 +84,7 @@ TEST_F(LayoutTests, LongLabels_AreCutInTheMiddleWithTheWholeInATooltip) {
 TEST_F(LayoutTests, LongNames_AreCutAndLongValuesWrap) {
     openGallery("Rows");
     for (const char* cut :
-         {"path.long.text", "file.long.title", "file.long.detail", "status.long.title"}) {
+         {"path.long.text", "file.long.title", "file.long.path", "status.long.title"}) {
         EXPECT_TRUE(property(cut, "truncated").toBool()) << cut;
     }
     EXPECT_FALSE(property("path.full.text", "truncated").toBool());

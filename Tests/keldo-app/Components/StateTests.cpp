@@ -67,9 +67,9 @@ TEST_F(StateTests, Rows) {
     driver_->press("path.empty.choose");
     EXPECT_EQ(driver_->text("last"), "chosen");
     EXPECT_EQ(driver_->shown("file.0.title").text, "A001.MXF");
-    EXPECT_FALSE(driver_->isShown("file.0.detail"));
+    EXPECT_FALSE(driver_->isShown("file.0.path"));
     EXPECT_EQ(driver_->shown("file.awkward.title").text, "line␊feed␉tab");
-    EXPECT_TRUE(driver_->text("file.awkward.detail").endsWith("[U+202E]gpj.exe\u2069"));
+    EXPECT_TRUE(driver_->text("file.awkward.path").endsWith("[U+202E]gpj.exe\u2069"));
     expectShown("status.good.trailing", "healthy", "", "proved");
     EXPECT_EQ(driver_->shown("status.bad").symbol, "xmark.circle.fill");
     EXPECT_FALSE(driver_->isShown("status.bare.trailing"));

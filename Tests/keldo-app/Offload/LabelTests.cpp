@@ -98,7 +98,7 @@ TEST_F(LabelTests, Setup_WithACardAndOneDrive) {
         expectShown("offload.fileCount", "4 files", "doc.on.doc", colors.secondary);
         expectShown("offload.total", "537.1 KB", "scalemass", colors.secondary);
         expectShown("offload.drive.0.title", "SHUTTLE_01", "", colors.primary);
-        expectShown("offload.drive.0.detail", drive("SHUTTLE_01").native(), "", colors.secondary);
+        expectShown("offload.drive.0.path", drive("SHUTTLE_01").native(), "", colors.secondary);
         EXPECT_EQ(driver_->shown("offload.drive.0").symbol, "externaldrive.fill");
         expectShown("offload.remove.0", "", "minus.circle.fill", colors.red);
         expectShown("offload.warning",

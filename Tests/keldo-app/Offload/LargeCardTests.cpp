@@ -8,7 +8,7 @@ using WindowSupport::OffloadFixture;
 namespace {
 
 #if defined(NDEBUG) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
-constexpr qint64 longestBlock = 100;
+constexpr qint64 longestBlock = 50;
 constexpr int filesInAFolder = 1'000;
 #else
 // A debug or sanitized build is that much slower, and only shows that nothing goes wrong.

@@ -161,7 +161,7 @@ TEST_F(SetupViewTests, ManyDrivesAndLongPaths_StayInTheirCardsAndScroll) {
             EXPECT_EQ(widerThan(*driver_->find(card)), QStringList());
         }
         for (const char* text :
-             {"offload.source.text", "offload.drive.0.title", "offload.drive.8.detail"}) {
+             {"offload.source.text", "offload.drive.0.title", "offload.drive.8.path"}) {
             EXPECT_TRUE(driver_->find(text)->property("truncated").toBool()) << text;
             EXPECT_EQ(driver_->find(text)->property("elide").toInt(), Qt::ElideMiddle) << text;
         }
@@ -178,7 +178,7 @@ TEST_F(SetupViewTests, TextThatIsCut_StandsWholeInATooltip) {
     chooseCard(far / "A001_C003");
     addDrive(far / std::string(200, 'D'));
     for (const char* name :
-         {"offload.drive.0.detail", "offload.drive.0.title", "offload.source.text"}) {
+         {"offload.drive.0.path", "offload.drive.0.title", "offload.source.text"}) {
         driver_->hover(name);
         const QString whole = driver_->text(name);
         driver_->waitFor("the tooltip", [&] {

@@ -1,3 +1,4 @@
+#include "Support/EnvironmentVariable.h"
 #include "Window/WindowFixture.h"
 
 using WindowSupport::AccessibleNode;
@@ -19,6 +20,9 @@ protected:
         driver_->key(Qt::Key_A, Qt::ControlModifier);
         driver_->type(text);
     }
+
+    /// A letter's attachment is left there for the mail program.
+    const TestSupport::EnvironmentVariable temporary_{"TMPDIR", folder_.path().native()};
 };
 
 }  // namespace
@@ -118,5 +122,6 @@ TEST_F(PlanScreenTests, SaveAndEmail_SayWhatBecameOfThem) {
         return driver_->text("plan.reportStatus") == "Opened in Mail — add recipients and send.";
     });
     EXPECT_EQ(desktop_.mails.at(0).subject, "Storage Plan — Nacht");
+    EXPECT_EQ(desktop_.mails.at(0).attachment.parent_path().parent_path(), folder_.path());
     keepPictures("plan-sent");
 }

@@ -41,6 +41,8 @@ protected:
     }
 
     TestSupport::TemporaryFolder folder_;
+    /// A letter's attachment is left there for the mail program.
+    const TestSupport::EnvironmentVariable temporary_{"TMPDIR", folder_.path().native()};
     WindowSupport::FakeDesktop desktop_;
     PlanViewModel model_;
 };
@@ -263,8 +265,6 @@ TEST_F(PlanViewModelTests, Save_WhereNothingCanBeWritten_SaysWhy) {
 }
 
 TEST_F(PlanViewModelTests, Email_HandsThePDFToTheMailProgramAndLeavesItThere) {
-    const URL temporary = folder_.path();
-    const TestSupport::EnvironmentVariable variable("TMPDIR", temporary.native());
     EXPECT_EQ(statusOfEmail(), "Opened in Mail — add recipients and send.");
     model_.setProduction("Night Shift");
     model_.emailReport();

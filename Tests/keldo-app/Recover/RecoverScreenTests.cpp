@@ -29,6 +29,10 @@ protected:
         driver_->waitFor("the results", [&] { return driver_->isShown("recover.diagnosisCard"); });
     }
 
+    bool isNext(const char* button) const {
+        return driver_->at(button).property("isNext").toBool();
+    }
+
     URL place(const char* name) const { return folder_.path() / name; }
 
     URL madeFolder(const char* name) const {
@@ -85,16 +89,22 @@ TEST_F(RecoverScreenTests, DamagedCard_GoesFromTheScanToAClipThatPlays) {
     EXPECT_EQ(driver_->text("recover.places.output.text"), "No output folder");
     EXPECT_EQ(driver_->text("recover.repair"), "Repair 1 Clip");
     EXPECT_FALSE(driver_->isEnabled("recover.repair"));
+    EXPECT_EQ(driver_->text("recover.repairRow.needs"), "No output folder yet.");
+    EXPECT_EQ(driver_->text("recover.places.outputNote"), "Folder for the recovered clips:");
     EXPECT_FALSE(driver_->isShown("recover.carveCard"));
     keepPictures("recover-results");
     choose("recover.places.output.choose", madeFolder("out"));
+    EXPECT_EQ(driver_->text("recover.repairRow.needs"), "");
+    EXPECT_TRUE(isNext("recover.repair"));
     driver_->press("recover.repair");
     driver_->waitFor("the outcome", [&] { return driver_->isShown("recover.outcomes.0"); });
     EXPECT_TRUE(driver_->text("recover.outcomes.0.title").startsWith("LOST.MOV ["));
     driver_->waitFor("the end", [&] { return driver_->isShown("recover.repair"); });
+    EXPECT_FALSE(isNext("recover.repair")) << "Return would repair all of it once more";
     keepPictures("recover-recovered");
     const auto made = TestSupport::readTree(place("out"));
     ASSERT_EQ(made.size(), 1U);
+    EXPECT_EQ(driver_->text("recover.outcomes.0.path").toStdString(), "→ " + made.begin()->first);
     EXPECT_EQ(TestSupport::probed(place("out") / made.begin()->first, "stream=codec_name", "v:0"),
               "prores");
     driver_->press("recover.reveal");
@@ -143,14 +153,30 @@ TEST_F(RecoverScreenTests, Image_IsCarvedToTheSameBytes) {
     TestSupport::writeFile(place("card.img"),
                            TestSupport::noise(1 << 20) + readFile(place("one.mov")));
     openRecover();
+    EXPECT_TRUE(isNext("recover.scan"));
+    EXPECT_FALSE(isNext("recover.scanImage"));
     choose("recover.image.choose", place("card.img"));
+    EXPECT_FALSE(isNext("recover.scan")) << "one thing is to be done next";
+    EXPECT_TRUE(isNext("recover.scanImage"));
     driver_->press("recover.scanImage");
     driver_->waitFor("a finding", [&] { return driver_->isShown("recover.finding.0"); });
     EXPECT_EQ(driver_->text("recover.carve"), "Carve 1 Item");
+    EXPECT_TRUE(isNext("recover.carve"));
+    EXPECT_FALSE(isNext("recover.scan") || isNext("recover.scanImage"));
+    EXPECT_EQ(driver_->text("recover.carveRow.needs"), "No output folder yet.");
     choose("recover.carvePlaces.output.choose", madeFolder("out"));
+    EXPECT_EQ(driver_->text("recover.carveRow.needs"), "");
     keepPictures("recover-found");
     driver_->press("recover.carve");
     driver_->waitFor("the outcome", [&] { return driver_->isShown("recover.carved.0"); });
+    driver_->waitFor("the end", [&] { return driver_->isShown("recover.carve"); });
+    EXPECT_FALSE(driver_->isEnabled("recover.carve"));
+    EXPECT_EQ(driver_->text("recover.carveRow.needs"),
+              "All is carved. To carve again, scan the image again.");
+    EXPECT_EQ(driver_->text("recover.carved.0.title"), "card.img [carve]");
+    EXPECT_EQ(driver_->text("recover.carved.0.path"), "→ carved_001.mov");
+    driver_->press("recover.carvedReveal");
+    EXPECT_EQ(desktop_.revealed, std::vector<URL>{place("out")});
     EXPECT_EQ(readFile(place("out/carved_001.mov")), readFile(place("one.mov")));
     keepPictures("recover-carved");
 }

@@ -7,6 +7,7 @@
 #include "keldo-app/Shell/Window.h"
 
 #include <chrono>
+#include <deque>
 #include <fstream>
 #include <functional>
 #include <map>
@@ -38,19 +39,25 @@ struct Doomed {
             name.toStdString(), [&] { return driver->isShown(name); }, 120'000);
     }
     void waitForTool() {
-        driver->waitFor("ffmpeg to run", [&] { return fs::exists(folder / "running"); });
+        driver->waitFor("the tool to run", [&] { return fs::exists(folder / "running"); });
     }
-    /// From now on ffmpeg runs until it is ended, and writes nothing.
-    void useEndlessFFmpeg() {
-        TestSupport::writeFile(folder / "ffmpeg", "#!/bin/sh\necho >'" + folder.native() +
-                                                      "/running'\nwhile :; do sleep 0.01; done\n");
-        fs::permissions(folder / "ffmpeg", fs::perms(0755));
-        tool.emplace("FFMPEG_PATH", (folder / "ffmpeg").native());
+    /// From now on the tool that the variable names is this script.
+    void useTool(const char* variable, const std::string& script) {
+        const URL tool = folder / variable;
+        TestSupport::writeFile(tool, "#!/bin/sh\n" + script);
+        fs::permissions(tool, fs::perms(0755));
+        tools.emplace_back(variable, tool.native());
     }
+    /// From now on the tool runs until it is ended, and writes nothing.
+    void useEndless(const char* variable) {
+        useTool(variable,
+                "echo >'" + folder.native() + "/running'\nwhile :; do sleep 0.01; done\n");
+    }
+    void useEndlessFFmpeg() { useEndless("FFMPEG_PATH"); }
 
     URL folder;
     TestSupport::EnvironmentVariable temporary;
-    std::optional<TestSupport::EnvironmentVariable> tool;
+    std::deque<TestSupport::EnvironmentVariable> tools;
     WindowSupport::FakeDesktop desktop;
     std::optional<WindowDriver> driver;
 };
@@ -77,6 +84,24 @@ std::vector<std::string> processesNaming(const URL& folder) {
         if (line.find(folder.native()) != std::string::npos) found.push_back(line);
     }
     return found;
+}
+
+/// With the tools that are in use; nobody is counted.
+void startTranscript(Doomed& doomed) {
+    const URL models = doomed.folder / "data/keldobay/models";
+    for (const char* name :
+         {"ggml-tiny.en.bin", "diarization/segmentation.onnx", "diarization/embedding.onnx"}) {
+        TestSupport::writeFile(models / name, "model");
+    }
+    doomed.tools.emplace_back("XDG_DATA_HOME", (doomed.folder / "data").native());
+    TestSupport::makeClip(doomed.folder / "clip.mov", {.seconds = 0.2});
+    doomed.driver->press("mode.Transcript");
+    doomed.choose("transcript.input.choose", doomed.folder / "clip.mov");
+    doomed.choose("transcript.output.choose", doomed.folder / "out");
+    doomed.driver->focus("transcript.people");
+    doomed.driver->key(Qt::Key_Down);
+    doomed.driver->press("transcript.start");
+    doomed.waitForTool();
 }
 
 class ClosingStagesTests : public testing::Test {
@@ -194,6 +219,24 @@ TEST_F(ClosingStagesTests, Transcode) {
         doomed.useEndlessFFmpeg();
         doomed.driver->press("transcode.start");
         doomed.waitForTool();
+    });
+    expectNoEmptyOutput();
+}
+
+TEST_F(ClosingStagesTests, TranscriptWhileVoicesAreToldApart) {
+    expectCleanEnd([](Doomed& doomed) {
+        doomed.useEndless("KELDO_PYTHON");
+        doomed.useTool("KELDO_WHISPER_CLI", "exit 1\n");
+        startTranscript(doomed);
+    });
+    expectNoEmptyOutput();
+}
+
+TEST_F(ClosingStagesTests, TranscriptWhileSpeechIsHeard) {
+    expectCleanEnd([](Doomed& doomed) {
+        doomed.useTool("KELDO_PYTHON", "echo 0.0 1.0 0\n");
+        doomed.useEndless("KELDO_WHISPER_CLI");
+        startTranscript(doomed);
     });
     expectNoEmptyOutput();
 }

@@ -37,17 +37,13 @@ TEST_F(ContentViewTests, Opens_OnTheOffloadModeWithItsTitleAndSmallestSize) {
 
 TEST_F(ContentViewTests, EachMode_ShowsItsScreenAndDropsTheOneBefore) {
     openWindow();
-    for (const QString mode : {"Plan", "Transcode", "Sync", "Recover"}) {
+    for (const QString mode : {"Plan", "Transcode", "Transcript", "Sync", "Recover"}) {
         driver_->press("mode." + mode);
         EXPECT_TRUE(driver_->isShown(mode.toLower() + ".page")) << mode.toStdString();
         EXPECT_FALSE(driver_->isShown("offload.page"));
     }
-    driver_->press("mode.Transcript");
-    EXPECT_EQ(driver_->text("later"), "Transcript is not in this version yet.");
-    keepPictures("later");
     driver_->press("mode.Offload");
     EXPECT_TRUE(driver_->isShown("offload.source.choose"));
-    EXPECT_FALSE(driver_->isShown("later"));
 }
 
 TEST_F(ContentViewTests, SwitchDuringARun_LeavesItGoingAndComesBackToAFreshScreen) {

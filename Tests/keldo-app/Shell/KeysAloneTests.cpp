@@ -1,3 +1,4 @@
+#include "../Transcript/TranscriptTools.h"
 #include "ScreenFixture.h"
 #include "Support/Clip.h"
 #include "Support/ShootingDay.h"
@@ -180,6 +181,45 @@ TEST_F(KeysAloneTests, Transcode) {
     EXPECT_TRUE(driver_->isShown("transcode.start"));
 }
 
+TEST_F(KeysAloneTests, Transcript) {
+    const WindowSupport::TranscriptTools tools;
+    TestSupport::makeClip(place("a.mov"), {.seconds = 2});
+    goToMode(Qt::Key_Right, 2);
+    EXPECT_EQ(around(),
+              "transcript.input.choose transcript.mode transcript.people transcript.readSlate "
+              "transcript.hints transcript.model transcript.download transcript.modelsFolder "
+              "transcript.output.choose mode");
+    chooseByKeys("transcript.input.choose", place("a.mov"));
+    tabTo("transcript.people");
+    driver_->key(Qt::Key_Down);
+    driver_->key(Qt::Key_Down);
+    chooseByKeys("transcript.output.choose", madeFolder("out"));
+    driver_->waitFor("the clip", [&] { return driver_->isEnabled("transcript.start"); });
+    tabTo("transcript.start");
+    driver_->key(Qt::Key_Return);
+    waitUntilShown("transcript.ready");
+    tabTo("transcript.name.0");
+    driver_->key(Qt::Key_A, Qt::ControlModifier);
+    driver_->type("Ann");
+    tabTo("transcript.lineSpeaker.0");
+    driver_->key(Qt::Key_Down);
+    driver_->key(Qt::Key_Down);
+    driver_->key(Qt::Key_Return);
+    driver_->key(Qt::Key_Home);
+    driver_->key(Qt::Key_Return);
+    tabTo("transcript.save");
+    driver_->key(Qt::Key_Return);
+    driver_->waitFor("the save", [&] {
+        return driver_->text("transcript.renameStatus") == "Applied edits and re-saved the .docx.";
+    });
+    const std::string xml = tools.documentXML(place("out/a_transcript.docx"));
+    EXPECT_NE(xml.find("Ann"), std::string::npos);
+    EXPECT_EQ(xml.find("Speaker 2"), std::string::npos) << "her line is Ann's now";
+    tabTo("transcript.new");
+    driver_->key(Qt::Key_Return);
+    EXPECT_TRUE(driver_->isShown("transcript.start"));
+}
+
 TEST_F(KeysAloneTests, AssistiveToolsPlan) {
     openMode("Plan");
     desktop_.answers = {madeFolder("Reports")};
@@ -227,4 +267,24 @@ TEST_F(KeysAloneTests, AssistiveToolsTranscode) {
     waitUntilTold("Button", "New Batch");
     pressTold("New Batch");
     waitUntilTold("Button", "Transcode 1 clip");
+}
+
+TEST_F(KeysAloneTests, AssistiveToolsTranscript) {
+    const WindowSupport::TranscriptTools tools;
+    TestSupport::makeClip(place("a.mov"), {.seconds = 2});
+    openMode("Transcript");
+    desktop_.answers = {place("a.mov"), madeFolder("out")};
+    pressTold("Choose");
+    waitUntilTold("StaticText", "2 ISO channels");
+    pressTold("Choose", 1);
+    AccessibleNode::act(told("RadioButton", "ISO channels"), "Press");
+    AccessibleNode::act(told("CheckBox", "Ch 2"), "Press");
+    told("EditableText", "Name of channel 1");
+    pressTold("Create Transcript");
+    waitUntilTold("Button", "Open .docx");
+    EXPECT_EQ(told("ButtonMenu", "Speaker 1").objectName(), "transcript.lineSpeaker.0");
+    pressTold("Update & Re-save .docx");
+    waitUntilTold("StaticText", "Applied edits and re-saved the .docx.");
+    pressTold("New Transcript");
+    waitUntilTold("Button", "Create Transcript");
 }

@@ -1,4 +1,5 @@
 #include "../../ReelCore/Recovery/MixedCard.h"
+#include "../Transcript/TranscriptTools.h"
 #include "ScreenFixture.h"
 #include "Support/OwnMounts.h"
 #include "Support/ShootingDay.h"
@@ -137,10 +138,32 @@ TEST_F(NoFFmpegTests, Transcode_SaysWhatItNeedsAndStillShowsTheCommand) {
         addClips({place("a.mov")});
         choose("transcode.output.choose", place("out"));
         EXPECT_TRUE(driver_->text("transcode.preview").startsWith("ffmpeg "));
-        EXPECT_EQ(driver_->text("transcode.startNeeds"), "ffmpeg is missing.");
+        EXPECT_EQ(driver_->text("transcode.startRow.needs"), "ffmpeg is missing.");
         EXPECT_FALSE(driver_->isEnabled("transcode.start"));
         driver_->key(Qt::Key_Return);
         EXPECT_FALSE(driver_->isShown("transcode.running"));
         keepPictures("transcode-noffmpeg");
+    });
+}
+
+TEST_F(NoFFmpegTests, Transcript_SaysWhatItNeedsAndCanNotStart) {
+    TestSupport::writeFile(place("a.mov"), "picture");
+    madeFolder("out");
+    const WindowSupport::TranscriptTools tools;
+    withoutFFmpeg([&] {
+        openMode("Transcript");
+        EXPECT_EQ(driver_->text("transcript.needs"), "Setup Needed");
+        EXPECT_EQ(driver_->text("transcript.needsFFmpeg"),
+                  "ffmpeg not found — `brew install ffmpeg`.");
+        EXPECT_EQ(driver_->text("transcript.ffmpeg.command"), install);
+        EXPECT_FALSE(driver_->isShown("transcript.needsWhisper"));
+        keepPictures("transcript-noffmpeg");
+        choose("transcript.input.choose", place("a.mov"));
+        waitUntilShown("transcript.channels");
+        EXPECT_EQ(driver_->text("transcript.channels"), "0 ISO channels");
+        choose("transcript.output.choose", place("out"));
+        EXPECT_FALSE(driver_->isEnabled("transcript.start"));
+        driver_->key(Qt::Key_Return);
+        EXPECT_FALSE(driver_->isShown("transcript.running"));
     });
 }

@@ -54,6 +54,15 @@ TEST_F(PanelTests, Plan) {
     expectDismissedChangesNothing("plan.save", "Save Storage Plan to…");
 }
 
+TEST_F(PanelTests, Transcript) {
+    openMode("Transcript");
+    expectDismissedChangesNothing("transcript.input.choose", "Choose a clip to transcribe");
+    expectDismissedChangesNothing("transcript.output.choose", "Choose output folder");
+    driver_->press("transcript.mode.Separate files");
+    expectDismissedChangesNothing("transcript.addFiles",
+                                  "Add one audio file per speaker (e.g. ISO WAVs)");
+}
+
 TEST_F(PanelTests, Recover) {
     makeDamagedCard();
     TestSupport::writeFile(place("card.img"), TestSupport::noise(1 << 20) +

@@ -1,3 +1,4 @@
+#include "../Transcript/TranscriptTools.h"
 #include "ScreenFixture.h"
 #include "Support/FakeTool.h"
 #include "Support/RIFF.h"
@@ -13,7 +14,7 @@ using WindowSupport::longestBlockOf;
 namespace {
 
 #if defined(NDEBUG) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
-constexpr qint64 longestBlock = 100;
+constexpr qint64 longestBlock = 50;
 #else
 // A debug or sanitized build is that much slower, and only shows that nothing goes wrong.
 constexpr qint64 longestBlock = 1'000;
@@ -189,13 +190,13 @@ esac)");
     choose("sync.media.choose", place("Day1"));
     const auto job = [&] {
         driver_->press("sync.scan");
-        waitUntilShown("sync.group.0");
+        waitUntilShown("sync.group.0", 120'000 + groups() * 100);
         scroll("sync.groups");
         driver_->press("sync.new");
     };
     EXPECT_LE(longestBlockOf(job, longestBlock), longestBlock);
     driver_->press("sync.scan");
-    waitUntilShown("sync.group.0");
+    waitUntilShown("sync.group.0", 120'000 + groups() * 100);
     EXPECT_EQ(driver_->text("sync.counts"),
               QStringLiteral("%1 clips · %1 synced · 6 audio unmatched").arg(groups()));
     for (int i = 0; i < 40; ++i) driver_->wheel("sync.groups", 500);
@@ -235,4 +236,60 @@ TEST_F(SizeTests, FiveHundredInputsInTranscodeThatFailWithEightLines) {
     EXPECT_TRUE(driver_->text("transcode.failures.0.detail").endsWith("line 8 of what went wrong"));
     expectNoOverlap("transcode.page");
     keepPictures("transcode-eight-lines");
+}
+
+TEST_F(SizeTests, ThreeThousandLinesOfADozenSpeakersInTranscript) {
+    std::string heard;
+    std::string turns;
+    for (int i = 0; i < 3'000; ++i) {
+        const std::string text = i % 7 == 0 ? "A longer line that goes on and on. " : "A line. ";
+        std::string whole;
+        for (int n = 0; n < (i % 7 == 0 ? 8 : 1); ++n) whole += text;
+        heard += (i == 0 ? "" : ",") +
+                 WindowSupport::TranscriptTools::line(i * 1'000, i * 1'000 + 900, whole);
+        turns +=
+            std::to_string(i) + " " + std::to_string(i + 1) + " " + std::to_string(i % 12) + "\n";
+    }
+    WindowSupport::TranscriptTools tools;
+    tools.hear(heard);
+    tools.speakInTurns(turns);
+    TestSupport::makeClip(place("clip.mov"), {.seconds = 0.2, .timecode = "01:00:00:00"});
+    openMode("Transcript");
+    choose("transcript.input.choose", place("clip.mov"));
+    choose("transcript.output.choose", madeFolder("out"));
+    driver_->focus("transcript.people");
+    for (int i = 0; i < 12; ++i) driver_->key(Qt::Key_Down);
+    for (const char* part : {"readSlate", "hints"}) {
+        driver_->press(QStringLiteral("transcript.") + part);
+    }
+    driver_->waitFor("the clip", [&] { return driver_->isEnabled("transcript.start"); });
+    const auto saved = [&] {
+        return driver_->text("transcript.renameStatus") == "Applied edits and re-saved the .docx.";
+    };
+    const auto job = [&] {
+        driver_->press("transcript.start");
+        waitUntilShown("transcript.lineSpeaker.0");
+        scroll("transcript.lines");
+        driver_->focus("transcript.name.3");
+        driver_->type(" Ann");
+        EXPECT_EQ(driver_->focused(), "transcript.name.3") << "typing keeps the focus";
+        driver_->press("transcript.save");
+        driver_->waitFor("the save", saved);
+        driver_->press("transcript.new");
+    };
+    EXPECT_LE(longestBlockOf(job, longestBlock), longestBlock);
+    driver_->press("transcript.start");
+    waitUntilShown("transcript.lineSpeaker.0");
+    EXPECT_EQ(driver_->text("transcript.lineCount"), "3000 lines · start 01:00:00:00");
+    EXPECT_EQ(count("transcript.lines"), 3'000);
+    expectNoOverlap("transcript.page");
+    keepPictures("transcript-three-thousand");
+    driver_->press("transcript.lineSpeaker.1");
+    waitUntilShown("choice.0");
+    driver_->key(Qt::Key_End);
+    driver_->key(Qt::Key_Return);
+    EXPECT_EQ(driver_->text("transcript.lineSpeaker.1"), "♪ Music");
+    scroll("transcript.lines");
+    expectNoOverlap("transcript.page");
+    keepPictures("transcript-three-thousand-below");
 }

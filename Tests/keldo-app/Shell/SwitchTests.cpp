@@ -1,11 +1,15 @@
 #include "../Offload/OffloadDriver.h"
+#include "../Transcript/TranscriptTools.h"
 #include "ScreenFixture.h"
 #include "Support/Clip.h"
 #include "Support/RIFF.h"
 #include "Support/ShootingDay.h"
+#include "Window/LoopWatch.h"
 #include "keldo-app/Support/InUse.h"
 
+#include <QElapsedTimer>
 #include <QTest>
+#include <algorithm>
 #include <cstdlib>
 #include <functional>
 #include <random>
@@ -22,6 +26,13 @@ int switches() {
     const char* wanted = std::getenv("KELDO_TEST_SWITCHES");
     return wanted ? std::atoi(wanted) : 20;
 }
+
+/// In milliseconds, for half of them: a screen shows at once.
+#if defined(NDEBUG) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+constexpr qint64 longestSwitch = 200;
+#else
+constexpr qint64 longestSwitch = 2'000;
+#endif
 
 unsigned seed() {
     const char* wanted = std::getenv("KELDO_TEST_SEED");
@@ -44,7 +55,8 @@ protected:
         std::string image;
         for (int i = 0; i < 20; ++i) image += whole + TestSupport::noise(4'096);
         TestSupport::writeFile(place("card.img"), image);
-        for (const char* name : {"drive", "repaired", "carved", "synced", "transcoded"}) {
+        for (const char* name :
+             {"drive", "repaired", "carved", "synced", "transcoded", "transcribed"}) {
             madeFolder(name);
         }
     }
@@ -89,13 +101,31 @@ protected:
         choose("transcode.output.choose", place("transcoded"));
         if (shows("transcode.start")) driver_->press("transcode.start");
     }
+    void transcribe() {
+        for (const char* part : {"readSlate", "hints", "mode.ISO channels"}) {
+            driver_->press(QStringLiteral("transcript.") + part);
+        }
+        choose("transcript.input.choose", place("clip.mov"));
+        choose("transcript.output.choose", place("transcribed"));
+        if (shows("transcript.start")) driver_->press("transcript.start");
+    }
     void plan() {
         for (const char* way : {"more", "less"}) {
             driver_->press(QStringLiteral("plan.days.stepper.") + way);
         }
     }
 
-    int moment_ = 0;  ///< In milliseconds.
+    void switchTo(const QString& mode) {
+        const qint64 waited = WindowSupport::keptWaiting();
+        QElapsedTimer clock;
+        clock.start();
+        openMode(mode);
+        took_.push_back(clock.elapsed() - (WindowSupport::keptWaiting() - waited));
+    }
+
+    int moment_ = 0;            ///< In milliseconds.
+    std::vector<qint64> took_;  ///< Each switch, in milliseconds of this thread's own.
+    WindowSupport::TranscriptTools tools_;
 };
 
 }  // namespace
@@ -106,20 +136,29 @@ TEST_F(SwitchTests, AtAnyMomentOfAnyJob_BreakNothingAndTheUnseenJobsEnd) {
     SCOPED_TRACE(first);
     std::mt19937 random(first);
     const std::vector<std::pair<QString, std::function<void()>>> jobs{
-        {"Offload", [this] { offload(); }},     {"Recover", [this] { repair(); }},
-        {"Recover", [this] { carve(); }},       {"Sync", [this] { sync(); }},
-        {"Transcode", [this] { transcode(); }}, {"Plan", [this] { plan(); }}};
+        {"Offload", [this] { offload(); }},
+        {"Recover", [this] { repair(); }},
+        {"Recover", [this] { carve(); }},
+        {"Sync", [this] { sync(); }},
+        {"Transcode", [this] { transcode(); }},
+        {"Transcript", [this] { transcribe(); }},
+        {"Plan", [this] { plan(); }}};
     openWindow();
     for (int i = 0; i < switches(); ++i) {
         const auto& [mode, job] = jobs[random() % jobs.size()];
         // Also a press on the mode that shows: it changes nothing.
         driver_->press("mode." + mode);
-        openMode(mode == "Plan" ? "Transcript" : "Plan");
-        openMode(mode);
+        switchTo(mode == "Plan" ? "Transcript" : "Plan");
+        switchTo(mode);
         moment_ = static_cast<int>(random() % 400);
         job();
         QTest::qWait(static_cast<int>(random() % 120));
     }
+    ASSERT_FALSE(took_.empty());
+    std::ranges::sort(took_);
+    std::printf("%zu switches: %lld ms each, %lld at most\n", took_.size(), took_[took_.size() / 2],
+                took_.back());
+    EXPECT_LT(took_[took_.size() / 2], longestSwitch);
     openMode("Plan");
     for (const char* name : {"card", "broken", "day", "clip.mov"}) {
         const InUse::Use erase{place(name), InUse::Purpose::erasing};
@@ -131,7 +170,8 @@ TEST_F(SwitchTests, AtAnyMomentOfAnyJob_BreakNothingAndTheUnseenJobsEnd) {
     driver_->waitFor(
         "the end of the carves", [&] { return InUse::shared().objection(carve).isEmpty(); },
         300'000);
-    for (const char* name : {"drive", "repaired", "carved", "synced", "transcoded"}) {
+    for (const char* name :
+         {"drive", "repaired", "carved", "synced", "transcoded", "transcribed"}) {
         for (const auto& entry : std::filesystem::recursive_directory_iterator(place(name))) {
             EXPECT_FALSE(entry.is_regular_file() && entry.file_size() == 0) << entry.path();
         }

@@ -3,14 +3,9 @@
 #include "ReelCore/Platform/FileSystem.h"
 #include "Support/FolderTree.h"
 #include "Support/LoopMount.h"
-#include "Support/Tool.h"
+#include "WebServer.h"
 
 #include <QPointer>
-#include <QSslConfiguration>
-#include <QSslKey>
-#include <QSslServer>
-#include <QTcpServer>
-#include <QTcpSocket>
 #include <QTest>
 #include <QTimer>
 #include <filesystem>
@@ -23,68 +18,16 @@
 
 using keldo_app::Download;
 using ReelCore::URL;
+using WindowSupport::EncryptedServers;
+using WindowSupport::head;
+using WindowSupport::says;
+using WindowSupport::sends;
+using Server = WindowSupport::WebServer;
 
 namespace {
 
 bool waitFor(const std::function<bool()>& condition) {
     return QTest::qWaitFor(condition, 30'000);
-}
-
-/// Answers each request as the test says.
-class Server {
-public:
-    using Answer = std::function<void(QTcpSocket& client, const QByteArray& path)>;
-
-    explicit Server(Answer answer, std::unique_ptr<QTcpServer> server = nullptr)
-        : answer_(std::move(answer)),
-          server_(server ? std::move(server) : std::make_unique<QTcpServer>()) {
-        QObject::connect(server_.get(), &QTcpServer::pendingConnectionAvailable,
-                         [this] { serve(); });
-        if (!server_->listen(QHostAddress::LocalHost)) throw std::runtime_error("no server");
-    }
-
-    QUrl url(const QString& path, const QString& scheme = "http") const {
-        return {QString("%1://localhost:%2%3").arg(scheme).arg(server_->serverPort()).arg(path)};
-    }
-
-    int requests = 0;
-
-private:
-    void serve() {
-        QTcpSocket* client = server_->nextPendingConnection();
-        if (!client) return;
-        QObject::connect(client, &QTcpSocket::readyRead, client,
-                         [this, client, head = QByteArray()]() mutable {
-                             head += client->readAll();
-                             if (!head.contains("\r\n\r\n")) return;
-                             ++requests;
-                             const QByteArray path = head.split(' ').value(1);
-                             head.clear();
-                             answer_(*client, path);
-                         });
-    }
-
-    Answer answer_;
-    std::unique_ptr<QTcpServer> server_;
-};
-
-QByteArray head(const QByteArray& status, qsizetype length) {
-    return "HTTP/1.1 " + status + "\r\nContent-Length: " + QByteArray::number(length) + "\r\n\r\n";
-}
-
-/// Sends a whole body with status 200.
-Server::Answer sends(const std::string& body) {
-    return [body = QByteArray::fromStdString(body)](QTcpSocket& client, const QByteArray&) {
-        client.write(head("200 OK", body.size()) + body);
-    };
-}
-
-/// Sends an answer and closes the connection.
-Server::Answer says(const QByteArray& answer) {
-    return [answer](QTcpSocket& client, const QByteArray&) {
-        client.write(answer);
-        client.disconnectFromHost();
-    };
 }
 
 /// What a download tells, to its end.
@@ -211,24 +154,7 @@ TEST_F(DownloadTests, Redirection_IsFollowed) {
 }
 
 TEST_F(DownloadTests, RedirectionOutOfEncryption_IsRefused) {
-    const URL keys = folder_.path() / "keys";
-    std::filesystem::create_directories(keys);
-    TestSupport::outputOf("openssl",
-                          {"req", "-x509", "-newkey", "rsa:2048", "-nodes", "-days", "2", "-subj",
-                           "/CN=localhost", "-addext", "subjectAltName=DNS:localhost", "-keyout",
-                           keys / "key", "-out", keys / "certificate"});
-    const QByteArray key = QByteArray::fromStdString(TestSupport::readFile(keys / "key"));
-    const auto certificates = QSslCertificate::fromPath((keys / "certificate").c_str());
-    const QSslConfiguration before = QSslConfiguration::defaultConfiguration();
-    QSslConfiguration trusting = before;
-    trusting.addCaCertificates(certificates);
-    QSslConfiguration::setDefaultConfiguration(trusting);
-    QSslConfiguration own = before;
-    own.setLocalCertificate(certificates.constFirst());
-    own.setPrivateKey(QSslKey(key, QSsl::Rsa));
-    auto encrypted = std::make_unique<QSslServer>();
-    encrypted->setSslConfiguration(own);
-
+    const EncryptedServers encryption(folder_.path() / "keys");
     Server open(sends("open"));
     const QByteArray address = open.url("/open").toEncoded();
     const Server server(
@@ -237,7 +163,7 @@ TEST_F(DownloadTests, RedirectionOutOfEncryption_IsRefused) {
             client.write("HTTP/1.1 302 Found\r\nLocation: " + address +
                          "\r\nContent-Length: 0\r\n\r\n");
         },
-        std::move(encrypted));
+        encryption.make());
     target_ = folder_.path() / "models" / "base.bin";
     EXPECT_EQ(failureOf(server.url("/away", "https"), target_),
               "The server refers to an address that is not encrypted.");
@@ -245,7 +171,6 @@ TEST_F(DownloadTests, RedirectionOutOfEncryption_IsRefused) {
     EXPECT_TRUE(nothingIsThere());
     EXPECT_EQ(failureOf(server.url("/safe", "https"), target_), "");
     EXPECT_EQ(TestSupport::readFile(target_), "safe");
-    QSslConfiguration::setDefaultConfiguration(before);
 }
 
 TEST_F(DownloadTests, ListenerThatIsGone_LeavesItToItsEnd) {

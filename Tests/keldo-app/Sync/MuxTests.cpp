@@ -185,4 +185,23 @@ TEST_F(MuxTests, RecordingThatEndsFirst_CutsThePictureWhereItEnds) {
     ASSERT_LT(kept.size(), all.size());
     EXPECT_GE(kept.size(), 25U) << "one second is heard";
     EXPECT_TRUE(std::ranges::equal(kept, std::span(all).first(kept.size())));
+    EXPECT_EQ(model_.muxShortened(), "1 clip ends where its sound ends, before the picture does.");
+}
+
+/// A clip is told of as shortened where pictures are missing in it, and only there.
+class MuxEnd : public MuxTests,
+               public testing::WithParamInterface<std::tuple<Camera, double, double>> {};
+
+INSTANTIATE_TEST_SUITE_P(Ends, MuxEnd,
+                         testing::Combine(testing::Values(pal, longGroups),
+                                          testing::Values(-5.0, 1.0),
+                                          testing::Values(-0.5, -0.06, 0.5)));
+
+TEST_P(MuxEnd, IsToldOfWherePicturesAreMissing) {
+    const auto& [camera, rolls, after] = GetParam();
+    const double start = std::floor(camera.start) + rolls;
+    makeDay(camera, 48000, start, camera.start + pictureLength + after - start, 1.5);
+    const auto kept = pictures(mux());
+    const bool isWhole = kept.size() == pictures(picture()).size();
+    EXPECT_EQ(model_.muxShortened().isEmpty(), isWhole) << kept.size();
 }

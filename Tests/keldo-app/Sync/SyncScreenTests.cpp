@@ -59,6 +59,7 @@ TEST_F(SyncScreenTests, Day_IsGroupedReportedExportedAndMuxed) {
     EXPECT_TRUE(driver_->text("sync.counts").startsWith("22 clips · "));
     EXPECT_EQ(driver_->text("sync.groupsCard"), "Sync Groups");
     EXPECT_EQ(driver_->text("sync.unmatchedCard"), "Unmatched Audio");
+    EXPECT_EQ(driver_->shown("sync.unmatched.0").symbol, "waveform");
     EXPECT_EQ(driver_->text("sync.editorialNote"),
               "Export the sync as project XML the editor imports directly — FCPXML for Resolve / "
               "Premiere / Final Cut, ALE (scene/take/sound roll) for Avid. No re-encoding; relinks "
@@ -83,6 +84,10 @@ TEST_F(SyncScreenTests, Day_IsGroupedReportedExportedAndMuxed) {
     const QString count = button.split(' ').at(1);
     EXPECT_EQ(driver_->text("sync.muxStatus"),
               "Created " + count + " of " + count + " synced clips in Out.");
+    EXPECT_TRUE(driver_->at("sync.muxShortened.0")
+                    .property("text")
+                    .toString()
+                    .endsWith("before the picture does."));
     keepPictures("sync-muxed");
     driver_->press("sync.new");
     EXPECT_TRUE(driver_->isShown("sync.intro"));

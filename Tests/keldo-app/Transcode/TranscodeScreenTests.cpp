@@ -37,6 +37,11 @@ protected:
         return place(name);
     }
 
+    double bottomOf(const char* name) const {
+        const QQuickItem& item = driver_->at(name);
+        return item.mapToScene({0, item.height()}).y();
+    }
+
     void waitForEnd() {
         driver_->waitFor(
             "the end", [&] { return driver_->isShown("transcode.doneCard"); }, 120'000);
@@ -53,10 +58,12 @@ TEST_F(TranscodeScreenTests, Setup_HasItsTextsAndSaysWhatIsMissing) {
     EXPECT_EQ(driver_->text("transcode.lookCard"), "Look (LUT)");
     EXPECT_EQ(driver_->text("transcode.output.text"), "No folder selected");
     EXPECT_EQ(driver_->text("transcode.start"), "Transcode 0 clips");
-    EXPECT_EQ(driver_->text("transcode.startNeeds"), "No clips yet.");
+    EXPECT_EQ(driver_->text("transcode.startRow.needs"), "No clips yet.");
     EXPECT_FALSE(driver_->isShown("transcode.previewCard"));
     EXPECT_FALSE(driver_->isShown("transcode.ffmpegCard"));
     EXPECT_FALSE(driver_->isShown("transcode.lut"));
+    const double top = driver_->at("transcode.start").mapToScene({0, 0}).y();
+    EXPECT_EQ(top - bottomOf("transcode.lookCard"), 20) << "right below a page that is short";
     keepPictures("transcode");
 }
 
@@ -77,6 +84,9 @@ TEST_F(TranscodeScreenTests, Batch_WithALookASizeAndTwoFailures) {
     driver_->key(Qt::Key_Down);
     EXPECT_TRUE(driver_->text("transcode.preview").startsWith("ffmpeg "));
     EXPECT_TRUE(driver_->text("transcode.preview").contains("1920"));
+    driver_->resize(940, 680);
+    EXPECT_GT(driver_->at("transcode.page.scroll").property("contentHeight").toDouble(), 680);
+    EXPECT_LE(bottomOf("transcode.start"), 680) << "in view while the page is longer";
     keepPictures("transcode-ready");
     driver_->press("transcode.start");
     waitForEnd();

@@ -4,6 +4,8 @@
 #include "Support/Clip.h"
 #include "Support/FakeTool.h"
 
+#include <sys/stat.h>
+
 using keldo_app::TranscodeViewModel;
 using ReelCore::TranscodePreset;
 using ReelCore::URL;
@@ -140,7 +142,31 @@ TEST_F(TranscodeViewModelTests, TakenName_ShowsTheNameThatWasAskedFor) {
     EXPECT_EQ(TestSupport::readFile(place("out/a.mov")), "taken");
 }
 
+TEST_F(TranscodeViewModelTests, Rate_IsToldOnceItIsMeasuredAndTheEndThatNoPictureTellsOf) {
+    TestSupport::writeFile(place("a.mov"), "picture");
+    setUp({place("a.mov")});
+    ASSERT_EQ(::mkfifo(place("go").c_str(), 0600), 0);
+    const TestSupport::FakeTool ffprobe("FFPROBE_PATH", "echo 1");
+    const TestSupport::FakeTool ffmpeg(
+        "FFMPEG_PATH",
+        "report() { printf 'fps=%s\\nout_time_us=%s\\nspeed=%s\\nprogress=continue\\n' \"$@\"; "
+        "timeout 60 head -n 1 '" +
+            place("go").native() + "'; }; report 0.00 500000 N/A; report 24.60 1000000 1.5x");
+    model_.start();
+    ASSERT_TRUE(waitFor([&] { return model_.progress().has_value(); }));
+    EXPECT_EQ(model_.property("fps"), "");
+    EXPECT_EQ(model_.property("speed"), "");
+    EXPECT_EQ(model_.property("isClosing"), false);
+    TestSupport::writeFile(place("go"), "\n");
+    ASSERT_TRUE(waitFor([&] { return model_.property("fps") == "25 fps"; }));
+    EXPECT_EQ(model_.property("isClosing"), true);
+    TestSupport::writeFile(place("go"), "\n");
+    ASSERT_TRUE(waitForStage(Stage::finished));
+    EXPECT_EQ(model_.property("isClosing"), false);
+}
+
 TEST_F(TranscodeViewModelTests, Cancel_FailsTheClipUnderWayAndRunsNoOther) {
+    const TestSupport::FakeTool asSlowAsItPlays("FFMPEG_PATH", "exec ffmpeg -readrate 1 \"$@\"");
     setUp({clip("long.mov", 30), clip("b.mov")});
     model_.start();
     ASSERT_TRUE(waitFor([&] { return model_.progress().has_value(); }));
