@@ -15,8 +15,8 @@ clip() {
 }
 
 status=0
-clip hour.mp4 1920x1080 "$(size 30 1)" "$(size 120 2)"
-"$bin/people-run" "$(size 2 1)" "$work/hour.mp4" "$models" >"$work/figures"
+clip hour.mp4 1280x720 "$(size 10 1)" "$(size 360 2)"
+"$bin/people-run" "$(size 3 1)" "$(size 40 3)" "$work/hour.mp4" "$models" >"$work/figures"
 count=$(awk '$1 == "count" { print $2 }' "$work/figures" | median)
 bare=$(awk '$1 == "bare" { print $2 }' "$work/figures" | median)
 echo "count $count s, bare $bare s" >&2
@@ -24,7 +24,7 @@ verdict "40 frames counted / bare grabs and looks" "$(divide "$count" "$bare")" 
 
 for frame in 1920x1080 3840x2160 7680x4320; do
     clip "$frame.mp4" "$frame" 1 1
-    peak=$("$bin/people-run" 1 "$work/$frame.mp4" "$models" | awk '$1 == "peak" { print $2 }')
+    peak=$("$bin/people-run" 0 1 "$work/$frame.mp4" "$models" | awk '$1 == "peak" { print $2 }')
     verdict "peak for $frame in MiB" "$(divide "$peak" 1024)" 100 at-most || status=1
     $brief && break
 done

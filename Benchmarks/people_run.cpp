@@ -1,6 +1,6 @@
-// people-run ROUNDS CLIP MODELS: counts the people in a clip by 40 frames, and grabs the same
-// frames with ffmpeg and looks at them by a bare loop, in turns. Prints a line for each: "count" or
-// "bare", and seconds; and before that "peak", and the KiB of a first count.
+// people-run ROUNDS FRAMES CLIP MODELS: counts the people in a clip by that many frames, and grabs
+// the same frames with ffmpeg and looks at them by a bare loop, in turns. Prints first "peak", and
+// the KiB that a count of three frames took, then a line for each: "count" or "bare", and seconds.
 
 #include "PeakMemory.h"
 #include "ReelCore/Platform/Error.h"
@@ -24,8 +24,6 @@ using namespace ReelCore;
 
 namespace {
 
-constexpr int samples = 40;
-
 void grabBare(const char* ffmpeg, const std::string& seconds, const std::string& clip,
               const std::string& still) {
     std::vector<std::string> words{ffmpeg, "-y",        "-v", "error", "-ss", seconds, "-i",
@@ -42,8 +40,8 @@ void grabBare(const char* ffmpeg, const std::string& seconds, const std::string&
     ::waitpid(child, nullptr, 0);
 }
 
-std::size_t countBare(const char* ffmpeg, const URL& clip, double duration, const URL& folder,
-                      Detector& faces, Detector& people) {
+std::size_t countBare(int samples, const char* ffmpeg, const URL& clip, double duration,
+                      const URL& folder, Detector& faces, Detector& people) {
     std::size_t most = 0;
     for (int i = 0; i < samples; ++i) {
         const URL still = folder / fmt::format("bare_{}.jpg", i);
@@ -66,30 +64,32 @@ void timed(const char* name, Action action) {
 }  // namespace
 
 int main(int count, char* arguments[]) {
-    const int rounds = count > 3 ? std::atoi(arguments[1]) : 0;
+    const int rounds = count > 4 ? std::atoi(arguments[1]) : -1;
+    const int samples = count > 4 ? std::atoi(arguments[2]) : 0;
     const auto ffmpeg = FFmpegLocator().ffmpeg();
-    if (rounds < 1 || !ffmpeg) {
-        fmt::print(stderr, "usage: people-run ROUNDS CLIP MODELS; needs ffmpeg\n");
+    if (rounds < 0 || samples < 1 || !ffmpeg) {
+        fmt::print(stderr, "usage: people-run ROUNDS FRAMES CLIP MODELS; needs ffmpeg\n");
         return 2;
     }
     try {
-        const URL clip = arguments[2];
+        const URL clip = arguments[3];
         const URL folder = clip.parent_path() / "bare";
         std::filesystem::create_directories(folder);
         const double duration = Transcoder().probeDuration(clip);
-        const auto countPeople = [&] {
+        const auto countPeople = [&](int frames) {
             const PeopleCounter counter{
-                {}, {makeFaceDetector(arguments[3]), makePersonDetector(arguments[3])}};
-            counter.estimate(clip, samples, 2, [] { return false; });
+                {}, {makeFaceDetector(arguments[4]), makePersonDetector(arguments[4])}};
+            counter.estimate(clip, frames, 2, [] { return false; });
         };
-        countPeople();
+        countPeople(3);
         fmt::print("peak {}\n", peakMemoryInKiB());
-        const auto faces = makeFaceDetector(arguments[3]);
-        const auto people = makePersonDetector(arguments[3]);
+        const auto faces = makeFaceDetector(arguments[4]);
+        const auto people = makePersonDetector(arguments[4]);
         for (int i = 0; i < rounds; ++i) {
-            timed("count", countPeople);
-            timed("bare",
-                  [&] { countBare(ffmpeg->c_str(), clip, duration, folder, *faces, *people); });
+            timed("count", [&] { countPeople(samples); });
+            timed("bare", [&] {
+                countBare(samples, ffmpeg->c_str(), clip, duration, folder, *faces, *people);
+            });
         }
     } catch (const Error& error) {
         fmt::print(stderr, "{}\n", error.description());
