@@ -224,7 +224,7 @@ class InstallTranscriptTests(unittest.TestCase):
 
     def test_FolderWhereARunWasKilled_IsCleanedUpAndFilled(self):
         self.home = self.tree / "own folder/keldobay"
-        shutil.copytree(self.packages, self.home / ".installing/work/made")
+        shutil.copytree(self.packages, self.home / ".installing/pieces/made")
         run = self.install(f"{self.tree}/own folder")
         self.assertEqual(run.returncode, 0, run.stderr)
         self.assertEqual(self.contents(), PIECES)
