@@ -226,6 +226,8 @@ void transcript(Guide& guide, const SampleDay& day) {
     guide.waitFor("transcript.phase");
     guide.picture("transcript-running");
     guide.waitFor("transcript.ready");
+    driver.waitFor("the result to be what is read out",
+                   [&] { return driver.focused() == "transcript.ready"; });
     driver.press("transcript.name.0");
     driver.key(Qt::Key_A, Qt::ControlModifier);
     driver.type("Ann");
