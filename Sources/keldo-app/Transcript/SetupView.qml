@@ -74,17 +74,4 @@ ColumnLayout {
         Note { objectName: "transcript.outputNote"; text: "Produces a two-column Word document: time-of-day timecode + speaker on the left, dialogue on the right." }
     }
     Notices { objectName: "transcript.objection"; lines: view.transcript.objection === "" ? [] : [view.transcript.objection] }
-    RowLayout {
-        spacing: Theme.medium
-        Note {
-            objectName: "transcript.startNeeds"
-            horizontalAlignment: Text.AlignRight
-            text: !view.transcript.available ? "See “Setup Needed” above."
-                : !view.hasClip ? "No clip yet."
-                : !view.transcript.hasVoices ? ["Diarization is not set up.", view.transcript.channelCount > 0 ? "No channel is on." : "This clip has no audio channels.", "No audio files yet."][view.transcript.speakerMode]
-                : view.transcript.outputDir.path === "" ? "No output folder yet."
-                : view.transcript.earlierDocument === "" ? "" : view.transcript.earlierDocument + " is there and will be replaced."
-        }
-        DefaultButton { objectName: "transcript.start"; text: "Create Transcript"; symbol: "play.fill"; isNext: view.transcript.earlierDocument === ""; enabled: view.transcript.canStart; onClicked: view.transcript.start() }
-    }
 }

@@ -26,6 +26,17 @@ Page {
 
     objectName: "transcript.page"
     head: ActionButton { objectName: "transcript.new"; visible: screen.isFinished; enabled: !transcript.isSaving; text: "New Transcript"; symbol: "arrow.counterclockwise"; onClicked: transcript.reset() }
+    foot: ActionRow {
+        objectName: "transcript.startRow"
+        visible: setup.visible
+        needs: !transcript.available ? "See “Setup Needed” above."
+             : transcript.input.path === "" ? "No clip yet."
+             : !transcript.hasVoices ? ["Diarization is not set up.", transcript.channelCount > 0 ? "No channel is on." : "This clip has no audio channels.", "No audio files yet."][transcript.speakerMode]
+             : transcript.outputDir.path === "" ? "No output folder yet."
+             : transcript.earlierDocument === "" ? "" : transcript.earlierDocument + " is there and will be replaced."
+
+        DefaultButton { objectName: "transcript.start"; text: "Create Transcript"; symbol: "play.fill"; isNext: transcript.earlierDocument === ""; enabled: transcript.canStart; onClicked: transcript.start() }
+    }
     onIsFinishedChanged: if (isFinished) attending.start()
 
     TranscriptViewModel { id: transcript; objectName: "transcript"; desktop: screen.desktop }

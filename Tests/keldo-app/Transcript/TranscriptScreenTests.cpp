@@ -93,7 +93,7 @@ TEST_F(TranscriptScreenTests, Setup_HasItsTexts) {
                "Produces a two-column Word document: time-of-day timecode + speaker on the left, "
                "dialogue on the right.");
     expectText("transcript.start", "Create Transcript");
-    expectText("transcript.startNeeds", "No clip yet.");
+    expectText("transcript.startRow.needs", "No clip yet.");
     EXPECT_FALSE(driver_->isShown("transcript.needs"));
     keepPictures("transcript");
     driver_->wheel("transcript.input.text", 100);
@@ -115,7 +115,7 @@ TEST_F(TranscriptScreenTests, SetupNeeded_SaysWhatIsMissingAndHowItComesHere) {
                "Diarization not set up — install with `python3 -m pip install --user sherpa-onnx "
                "numpy` and add the diarization models. (Slate/appearance still work.)");
     EXPECT_TRUE(driver_->text("transcript.diarizationHere").contains("Scripts/install-transcript"));
-    expectText("transcript.startNeeds", "See “Setup Needed” above.");
+    expectText("transcript.startRow.needs", "See “Setup Needed” above.");
     keepPictures("transcript-setup-needed");
     TestSupport::writeFile(models() / "ggml-tiny.en.bin", "model");
     openMode("Plan");
@@ -173,7 +173,7 @@ TEST_F(TranscriptScreenTests, Channels_AreNamedAndSwitched) {
     for (const char* channel : {"1", "2", "3"}) {
         driver_->press(QString("transcript.channel.") + channel);
     }
-    expectText("transcript.startNeeds", "No channel is on.");
+    expectText("transcript.startRow.needs", "No channel is on.");
     EXPECT_FALSE(driver_->isEnabled("transcript.start"));
 }
 
@@ -185,7 +185,7 @@ TEST_F(TranscriptScreenTests, Files_AreAddedNamedAndRemoved) {
         "Add one audio file per person (e.g. ISO WAVs from the sound mixer). Each file = one "
         "speaker.");
     driver_->waitFor("the clip", [&] {
-        return driver_->text("transcript.startNeeds") == "No audio files yet.";
+        return driver_->text("transcript.startRow.needs") == "No audio files yet.";
     });
     desktop_.filesAnswers = {{place("Ann ISO.wav"), place(std::string(120, 'b') + ".wav")}};
     expectText("transcript.addFiles", "Add Audio Files…");
@@ -195,7 +195,7 @@ TEST_F(TranscriptScreenTests, Files_AreAddedNamedAndRemoved) {
     keepPictures("transcript-files");
     driver_->press("transcript.removeFile.0");
     EXPECT_EQ(model().fileTracks().count(), 1);
-    expectText("transcript.startNeeds", "");
+    expectText("transcript.startRow.needs", "");
 }
 
 TEST_F(TranscriptScreenTests, Running_SaysWhatItDoesAndIsCancelled) {
