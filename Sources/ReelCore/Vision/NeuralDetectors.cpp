@@ -168,9 +168,10 @@ private:
             const float score = sigmoid(values[place]);
             if (!(score > threshold)) continue;
             std::array<double, 4> sides{};
-            for (int side = 0; side < 4; ++side) {
-                sides[side] =
-                    stride * meanStep(values + (kinds + side * steps) * places + place, places);
+            const float* odds = values + kinds * places + place;
+            for (double& side : sides) {
+                side = stride * meanStep(odds, places);
+                odds += steps * places;
             }
             const double x = (place % cells + 0.5) * stride;
             const double y = (place / cells + 0.5) * stride;

@@ -119,9 +119,10 @@ void pair(std::vector<PlacedText>& segments) {
         std::size_t label;
         std::size_t value;
     };
-    const auto values =
-        std::ranges::stable_partition(segments, TextLayout::isBareLabel, &PlacedText::text);
-    const std::vector<PlacedText> labels(segments.begin(), values.begin());
+    const auto values = std::stable_partition(
+        segments.begin(), segments.end(),
+        [](const PlacedText& one) { return TextLayout::isBareLabel(one.text); });
+    const std::vector<PlacedText> labels(segments.begin(), values);
     std::vector<Pair> pairs;
     for (std::size_t i = 0; i < labels.size(); ++i) {
         const bool isAlone = std::ranges::count(labels, labels[i].cell, &PlacedText::cell) == 1;
