@@ -18,10 +18,7 @@ Page {
         enabled: !offload.isFormatting
         onClicked: offload.reset()
     }
-    foot: StartView {
-        visible: setup.visible
-        model: offload
-    }
+    foot: StartView { visible: setup.visible; model: offload }
 
     OffloadViewModel {
         id: offload

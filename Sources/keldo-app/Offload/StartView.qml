@@ -12,29 +12,10 @@ ColumnLayout {
 
     spacing: Theme.medium
 
-    Notices {
-        objectName: "offload.startObjection"
-        lines: view.model.startObjection === "" ? [] : [view.model.startObjection]
-    }
+    Notices { objectName: "offload.startObjection"; lines: view.model.startObjection === "" ? [] : [view.model.startObjection] }
     RowLayout {
-        SymbolLabel {
-            objectName: "offload.warning"
-            visible: view.hasOneDrive
-            text: "One drive copies fine, but formatting stays locked until you add a second."
-            symbol: "exclamationmark.triangle.fill"
-            color: Theme.attention
-            font: Theme.print
-        }
-        Item {
-            visible: !view.hasOneDrive
-            Layout.fillWidth: true
-        }
-        DefaultButton {
-            objectName: "offload.start"
-            text: "Start Offload"
-            symbol: "play.fill"
-            enabled: view.model.canStart
-            onClicked: view.model.start()
-        }
+        SymbolLabel { objectName: "offload.warning"; visible: view.hasOneDrive; text: "One drive copies fine, but formatting stays locked until you add a second."; symbol: "exclamationmark.triangle.fill"; color: Theme.attention; font: Theme.print }
+        Item { visible: !view.hasOneDrive; Layout.fillWidth: true }
+        DefaultButton { objectName: "offload.start"; text: "Start Offload"; symbol: "play.fill"; enabled: view.model.canStart; onClicked: view.model.start() }
     }
 }
