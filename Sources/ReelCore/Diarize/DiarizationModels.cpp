@@ -9,7 +9,7 @@
 namespace ReelCore {
 
 URL DiarizationModels::directory() {
-    return WhisperLocator::modelsDirectory().parent_path() / "models" / "diarization";
+    return WhisperLocator::modelsDirectory() / "diarization";
 }
 
 std::optional<URL> DiarizationModels::python() const {

@@ -1,7 +1,7 @@
 #include "ReelCore/Transcribe/WhisperTranscriber.h"
 
 #include "ReelCore/Platform/Error.h"
-#include "ReelCore/Platform/File.h"
+#include "ReelCore/Platform/FileBytes.h"
 #include "ReelCore/Platform/FileSystem.h"
 #include "ReelCore/Platform/RunningChild.h"
 #include "ReelCore/Platform/SystemError.h"
@@ -13,7 +13,9 @@
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
+#include <cstdint>
 #include <filesystem>
+#include <limits>
 #include <string_view>
 #include <system_error>
 
@@ -36,10 +38,8 @@ public:
     Result& operator=(const Result&) = delete;
 
     std::vector<std::byte> read() const {
-        const File file = File::openForReading(path_);
-        std::vector<std::byte> bytes(static_cast<std::size_t>(file.size()));
-        bytes.resize(file.readAt(0, bytes));
-        return bytes;
+        constexpr auto anything = std::numeric_limits<std::int64_t>::max();
+        return *bytesOfFile(path_, anything);
     }
 
 private:

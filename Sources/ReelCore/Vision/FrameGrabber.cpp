@@ -2,11 +2,11 @@
 
 #include "ReelCore/Platform/Arithmetic.h"
 #include "ReelCore/Platform/ChildProcess.h"
+#include "ReelCore/Platform/FileBytes.h"
 #include "ReelCore/Platform/FileSystem.h"
 #include "ReelCore/Platform/Number.h"
 #include "ReelCore/Transcode/MediaQuery.h"
 #include "ReelCore/Transcribe/TranscribeError.h"
-#include "ReelCore/Vision/FileBytes.h"
 
 #include <algorithm>
 #include <exception>

@@ -1,8 +1,8 @@
 #include "ReelCore/Vision/NeuralDetectors.h"
 
 #include "ReelCore/Hashing/CryptoHasher.h"
+#include "ReelCore/Platform/FileBytes.h"
 #include "ReelCore/Vision/DetectedBoxes.h"
-#include "ReelCore/Vision/FileBytes.h"
 
 #include <algorithm>
 #include <array>

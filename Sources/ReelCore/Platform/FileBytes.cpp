@@ -1,4 +1,4 @@
-#include "ReelCore/Vision/FileBytes.h"
+#include "ReelCore/Platform/FileBytes.h"
 
 #include "ReelCore/Platform/File.h"
 
